@@ -1,0 +1,39 @@
+# What every target is built with.
+
+option(KEST_TESTS "Build the tests" ON)
+set(KEST_SANITIZE "" CACHE STRING "Sanitizers to build with, as in address,undefined")
+option(KEST_32BIT "Build for 32-bit x86" OFF)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+# One place for what is run and loaded, so that the agent finds its driver beside it.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+include_directories(${CMAKE_SOURCE_DIR})
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # g++ 12 takes std::string's own copying for overlapping (its bug 105651).
+  add_compile_options(-Wno-restrict)
+endif()
+
+if(KEST_32BIT)
+  # The switch's control processor. SSE2 keeps floating point the same as on 64 bits.
+  add_compile_options(-m32 -msse2 -mfpmath=sse)
+  add_link_options(-m32)
+endif()
+
+if(KEST_SANITIZE)
+  add_compile_options(-fsanitize=${KEST_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${KEST_SANITIZE})
+endif()

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <ostream>
+
+#include "platform/mox/Strep.h"
+
+/// Text form and reader shared by the platform's enumerations. An enumeration gives its names, in
+/// order of value from 0, in one table; everything else is derived from it.
+namespace Mox::detail {
+
+template <class Enum>
+struct EnumText {
+  char const* typeName;
+  char const* const* names;
+  std::size_t count;
+
+  String8 stringValue(Enum value) const {
+    auto const number = static_cast<int>(value);
+    if (number >= 0 && static_cast<std::size_t>(number) < count) return names[number];
+    return format("%s(%d)", typeName, number);
+  }
+
+  Enum instance(unsigned number) const {
+    if (number >= count) throwRangeException(typeName);
+    return static_cast<Enum>(number);
+  }
+
+  Enum instance(String8 const& name) const {
+    for (std::size_t number = 0; number < count; ++number) {
+      if (name == names[number]) return static_cast<Enum>(number);
+    }
+    throwRangeException(typeName);
+  }
+
+  Enum read(String8::IteratorConst& it, String8::IteratorConst const& end) const {
+    String8::IteratorConst const start = it;
+    String8 const name = sequenceToValue(it, end, static_cast<String8*>(nullptr));
+    try {
+      return instance(name);
+    } catch (RangeException const&) {
+      it = start;
+      throw;
+    }
+  }
+};
+
+}  // namespace Mox::detail

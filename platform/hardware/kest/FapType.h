@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+
+#include "platform/mox/String8.h"
+
+namespace Hardware::Kest {
+
+/// Type of a packet-processor (FAP) chip.
+enum class FapType : std::int32_t {
+  fapTypeUnknown_ = 0,
+  fapTypeArad_ = 1,
+  fapTypeAradDual_ = 2,
+};
+
+/// The enumerator's name; any other number as `FapType(%d)`.
+MOX_API Mox::String8 stringValue(FapType value);
+/// `RangeException` "FapType" for a number that no enumerator has.
+MOX_API FapType FapTypeInstance(unsigned int number);
+/// `RangeException` "FapType" for a name that no enumerator has.
+MOX_API FapType FapTypeInstance(Mox::String8 const& name);
+/// The name in apostrophes.
+MOX_API Mox::String8 valueToStrep(FapType const& value);
+MOX_API FapType sequenceToValue(Mox::String8::IteratorConst& it,
+                                Mox::String8::IteratorConst const& end, FapType*);
+/// The bare name.
+MOX_API std::ostream& operator<<(std::ostream& out, FapType const& value);
+
+}  // namespace Hardware::Kest

@@ -1,0 +1,39 @@
+#include "platform/hardware/kest/SmMode.h"
+
+#include "platform/detail/EnumText.h"
+
+namespace Hardware::Kest {
+
+namespace {
+
+constexpr char const* names[] = {"smModeInitial", "smModeStandby", "smModePolling"};
+constexpr Mox::detail::EnumText<SmMode> text{"SmMode", names, std::size(names)};
+
+}  // namespace
+
+Mox::String8 stringValue(SmMode value) {
+  return text.stringValue(value);
+}
+
+SmMode SmModeInstance(unsigned int number) {
+  return text.instance(number);
+}
+
+SmMode SmModeInstance(Mox::String8 const& name) {
+  return text.instance(name);
+}
+
+Mox::String8 valueToStrep(SmMode const& value) {
+  return Mox::valueToStrep(stringValue(value));
+}
+
+SmMode sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,
+                       SmMode*) {
+  return text.read(it, end);
+}
+
+std::ostream& operator<<(std::ostream& out, SmMode const& value) {
+  return out << stringValue(value);
+}
+
+}  // namespace Hardware::Kest

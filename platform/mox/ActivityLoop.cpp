@@ -1,0 +1,141 @@
+#include "platform/mox/ActivityLoop.h"
+
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <csignal>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace Mox {
+
+namespace {
+
+/// Rounded up, so that the loop does not spin before a wake-up; -1 is for ever.
+int pollMilliseconds(Seconds seconds) {
+  constexpr Seconds longest = 3600;
+  if (seconds == never) return -1;
+  return static_cast<int>(std::ceil(std::clamp(seconds, 0.0, longest) * 1000));
+}
+
+[[noreturn]] void refuse(int error, char const* what) {
+  throw std::system_error(error, std::generic_category(), what);
+}
+
+/// How many of `waiting` are ready: none when the time is up or a signal came between.
+int wait(std::vector<pollfd>& waiting, Seconds time) {
+  int const ready = poll(waiting.data(), waiting.size(), pollMilliseconds(time));
+  if (ready >= 0) return ready;
+  if (errno != EINTR) refuse(errno, "poll");
+  return 0;
+}
+
+sigset_t setOf(int number) {
+  sigset_t set;
+  sigemptyset(&set);
+  if (sigaddset(&set, number) != 0 || number == SIGKILL || number == SIGSTOP) {
+    refuse(EINVAL, "no signal to wait for");
+  }
+  return set;
+}
+
+/// Blocks one signal for this thread; returns whether it was blocked already.
+bool block(int number) {
+  sigset_t const set = setOf(number);
+  sigset_t old;
+  int const error = pthread_sigmask(SIG_BLOCK, &set, &old);
+  if (error != 0) refuse(error, "pthread_sigmask");
+  return sigismember(&old, number) == 1;
+}
+
+}  // namespace
+
+ActivityLoop::ActivityLoop(Ptr<Clock> clock) : clock_(std::move(clock)) {}
+
+ActivityLoop::~ActivityLoop() {
+  if (signalFd_ >= 0) close(signalFd_);
+  sigset_t blocked;
+  sigemptyset(&blocked);
+  for (auto const& [number, signal] : signals_) {
+    if (!signal.wasBlocked) sigaddset(&blocked, number);
+  }
+  pthread_sigmask(SIG_UNBLOCK, &blocked, nullptr);
+}
+
+void ActivityLoop::fdIs(int fd, Work work) {
+  fds_.insert_or_assign(fd, Watch{std::move(work), ++additions_});
+}
+
+void ActivityLoop::fdDel(int fd) {
+  fds_.erase(fd);
+}
+
+void ActivityLoop::signalIs(int number, Work work) {
+  auto const known = signals_.find(number);
+  if (known != signals_.end()) {
+    known->second.work = std::move(work);
+    return;
+  }
+  sigset_t taken = setOf(number);
+  for (auto const& [other, signal] : signals_) sigaddset(&taken, other);
+  int const fd = signalfd(signalFd_, &taken, SFD_NONBLOCK | SFD_CLOEXEC);
+  if (fd < 0) refuse(errno, "signalfd");
+  signalFd_ = fd;
+  signals_.emplace(number, Signal{std::move(work), block(number)});
+}
+
+void ActivityLoop::later(Work work) {
+  later_.push_back(std::move(work));
+}
+
+void ActivityLoop::run() {
+  while (!stopped_) runOnce(never);
+  stopped_ = false;
+}
+
+void ActivityLoop::runOnce(Seconds timeout) {
+  std::size_t const putOff = later_.size();
+  std::uint64_t const watched = additions_;
+  std::vector<pollfd> waiting;
+  waiting.push_back({signalFd_, POLLIN, 0});  // ignored while negative
+  for (auto const& [fd, watch] : fds_) waiting.push_back({fd, POLLIN, 0});
+  int const ready = wait(waiting, waitTime(timeout));
+
+  if (ready > 0) {
+    if (waiting.front().revents != 0) takeSignals();
+    for (auto at = waiting.begin() + 1; at != waiting.end(); ++at) {
+      auto const found = fds_.find(at->fd);
+      if (at->revents == 0 || found == fds_.end() || found->second.number > watched) continue;
+      Work const work = found->second.work;  // it may remove itself
+      work();
+    }
+  }
+  if (clock_) clock_->dispatch();
+  for (std::size_t i = 0; i < putOff; ++i) {
+    Work const work = std::move(later_.front());
+    later_.pop_front();
+    work();
+  }
+}
+
+Seconds ActivityLoop::waitTime(Seconds timeout) const {
+  if (!later_.empty()) return 0;
+  if (!clock_) return timeout;
+  return std::min(timeout, timeSource().waitTime(clock_->timeMin()));
+}
+
+void ActivityLoop::takeSignals() {
+  signalfd_siginfo info{};
+  while (read(signalFd_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+    Work const work = signals_.at(static_cast<int>(info.ssi_signo)).work;
+    work();
+  }
+  if (errno != EAGAIN) refuse(errno, "signalfd");
+}
+
+}  // namespace Mox

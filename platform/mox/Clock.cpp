@@ -1,0 +1,91 @@
+#include "platform/mox/Clock.h"
+
+#include <algorithm>
+
+#include "platform/mox/MoxType.h"
+
+namespace Mox {
+
+Clock::Clock(Name name) noexcept : Entity(std::move(name)) {}
+
+Clock::~Clock() = default;
+
+MoxType const* Clock::_fwkType() {
+  static MoxType const type("Mox::Clock");
+  return &type;
+}
+
+MoxType const* Clock::fwkType() const {
+  return _fwkType();
+}
+
+Seconds Clock::timeMin() const noexcept {
+  Seconds earliest = never;
+  for (NotifieeConst const* observer : observers_) {
+    earliest = std::min(earliest, observer->timeMin_);
+  }
+  return earliest;
+}
+
+void Clock::dispatch() {
+  Ptr<Clock> const self(this);  // a woken observer may let go of the clock
+  Seconds const now = Mox::now();
+  std::vector<Ptr<NotifieeConst>> due;
+  for (NotifieeConst const* observer : observers_) {
+    if (observer->timeMin_ <= now) due.emplace_back(const_cast<NotifieeConst*>(observer));
+  }
+  std::stable_sort(due.begin(), due.end(),
+                   [](auto const& a, auto const& b) { return a->timeMin_ < b->timeMin_; });
+  for (Ptr<NotifieeConst> const& observer : due) {
+    bool const released = observer->references() == 1;
+    bool const stillDue =
+        observer->registered_ && observer->clock() == this && observer->timeMin_ <= now;
+    if (released || !stillDue) continue;
+    observer->timeMin_ = never;
+    wake(*observer);
+  }
+}
+
+void Clock::wake(NotifieeConst& observer) noexcept {
+  try {
+    ExpectationScope const scope;
+    observer.onTime();
+  } catch (...) {
+    report(observer);
+  }
+}
+
+void Clock::report(NotifieeConst& observer) noexcept {
+  try {
+    observer.onNotificationException(firstOwnAttributeId);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): nobody is left to tell
+  }
+}
+
+void Clock::NotifieeConst::isRegisteredNotifieeIs(bool registered) const {
+  if (registered_ == registered) return;
+  if (clock() != nullptr && registered) clock()->observers_.push_back(this);
+  if (clock() != nullptr && !registered) std::erase(clock()->observers_, this);
+  registered_ = registered;
+}
+
+String8 Clock::NotifieeConst::name() const {
+  return clock() == nullptr ? String8() : clock()->fullName();
+}
+
+void Clock::NotifieeConst::notifierIs(Ptr<PtrInterface const> const& notifier) {
+  Ptr<Clock const> const next = ptrCast<Clock const>(notifier);
+  if (next.ptr() == clock()) return;
+  bool const registered = registered_;
+  isRegisteredNotifieeIs(false);
+  Mox::Entity::NotifieeConst::notifierIs(next);
+  isRegisteredNotifieeIs(registered);
+}
+
+void Clock::NotifieeConst::onTime() {}
+
+Clock::NotifieeConst::~NotifieeConst() {
+  NotifieeConst::isRegisteredNotifieeIs(false);
+}
+
+}  // namespace Mox

@@ -1,0 +1,111 @@
+#include "platform/mox/Dir.h"
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "platform/mox/MoxType.h"
+#include "platform/mox/RangeException.h"
+
+namespace Mox {
+
+namespace {
+
+/// The steps of an absolute path, none for the root's "/"; nothing when it is not absolute or a
+/// step is empty.
+std::optional<std::vector<Name>> steps(std::string_view path) {
+  if (path == "/") return std::vector<Name>();
+  std::vector<Name> all;
+  while (path.starts_with('/')) {
+    path.remove_prefix(1);
+    std::string_view const step = path.substr(0, path.find('/'));
+    if (step.empty()) return std::nullopt;
+    all.emplace_back(String8(step));
+    path.remove_prefix(step.size());
+  }
+  if (all.empty()) return std::nullopt;
+  return all;
+}
+
+}  // namespace
+
+Dir::Member::~Member() = default;
+
+Dir::Dir(Name name) noexcept : Entity(std::move(name)) {}
+
+Dir::~Dir() {
+  for (auto it = members_.iteratorConst(); it; ++it) it->entity()->parent_ = nullptr;
+}
+
+MoxType const* Dir::fwkType() const {
+  static MoxType const type("Mox::Dir");
+  return &type;
+}
+
+void Dir::entityIs(Ptr<Entity> const& entity) {
+  String8 const& name = entity->name().string();
+  if (name.empty() || name.pos("/") != String8::npos) {
+    throwRangeException(format("'%s' is no name for a directory's member", name.charPtr()));
+  }
+  if (entity->parent_ != nullptr) {
+    throwRangeException(format("'%s' is in a directory already", entity->fullName().charPtr()));
+  }
+  for (Entity const* above = this; above != nullptr; above = above->parent_) {
+    if (above == entity.ptr()) {
+      throwRangeException(format("'%s' would be in itself", fullName().charPtr()));
+    }
+  }
+  if (Member const* const member = members_.find(name)) {
+    throwRangeException(format("'%s' exists already", member->entity()->fullName().charPtr()));
+  }
+  members_.insert(Ptr<Member>(new Member(entity)));
+  entity->parent_ = this;
+}
+
+Ptr<Entity> Dir::entityDel(Name const& name) {
+  Ptr<Member> const member = members_.find(name.string());
+  if (!member) return nullptr;
+  members_.remove(*member);
+  member->entity()->parent_ = nullptr;
+  return member->entity();
+}
+
+Ptr<Entity> Dir::entity(Name const& name) const {
+  Member const* const member = members_.find(name.string());
+  return member == nullptr ? nullptr : member->entity();
+}
+
+Ptr<Dir> root() {
+  static Ptr<Dir> const top(new Dir(Name()));
+  return top;
+}
+
+Ptr<Entity> entityAt(String8 const& path) {
+  auto const names = steps(path.view());
+  if (!names) return nullptr;
+  Ptr<Entity> at = root();
+  for (Name const& name : *names) {
+    Ptr<Dir> const dir = ptrCast<Dir>(at);
+    if (!dir) return nullptr;
+    at = dir->entity(name);
+  }
+  return at;
+}
+
+Ptr<Dir> dirAt(String8 const& path) {
+  auto const names = steps(path.empty() ? "/" : path.view());
+  if (!names) throwRangeException(format("'%s' is no absolute path", path.charPtr()));
+  Ptr<Dir> at = root();
+  for (Name const& name : *names) {
+    Ptr<Entity> next = at->entity(name);
+    if (!next) {
+      next = Ptr<Dir>(new Dir(name));
+      at->entityIs(next);
+    }
+    at = ptrCast<Dir>(next);
+    if (!at) throwRangeException(format("'%s' is no directory", next->fullName().charPtr()));
+  }
+  return at;
+}
+
+}  // namespace Mox

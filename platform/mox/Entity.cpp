@@ -1,0 +1,29 @@
+#include "platform/mox/Entity.h"
+
+#include <string>
+#include <utility>
+
+#include "platform/mox/Dir.h"
+
+namespace Mox {
+
+Entity::Entity(Name name) noexcept : name_(std::move(name)) {}
+
+Entity::~Entity() = default;
+
+String8 Entity::fullName() const {
+  if (this == root().ptr()) return "/";
+  std::string path(name_.string().view());
+  for (Entity const* above = parent_; above != nullptr; above = above->parent_) {
+    path.insert(0, "/").insert(0, above->name_.string().view());
+  }
+  return String8(path);
+}
+
+void Entity::NotifieeConst::onParent() {}
+
+void Entity::NotifieeConst::onVersion() {}
+
+Entity::NotifieeConst::~NotifieeConst() = default;
+
+}  // namespace Mox

@@ -1,0 +1,7 @@
+#include "platform/mox/MoxType.h"
+
+namespace Mox {
+
+MoxType::~MoxType() = default;
+
+}  // namespace Mox

@@ -1,0 +1,59 @@
+#include "platform/pelk/EthAddr.h"
+
+#include <charconv>
+#include <ostream>
+#include <string_view>
+
+#include "platform/mox/Strep.h"
+
+namespace Pelk {
+
+namespace {
+
+constexpr std::size_t octetWidth = 3;  // two digits and the colon before the next octet
+
+/// Two hexadecimal digits, no sign.
+bool readOctet(std::string_view digits, std::uint8_t& octet) {
+  char const* const end = digits.data() + digits.size();
+  auto const result = std::from_chars(digits.data(), end, octet, 16);
+  return digits.size() == 2 && result.ec == std::errc() && result.ptr == end;
+}
+
+}  // namespace
+
+EthAddr::EthAddr(Mox::String8 const& text) {
+  std::string_view const chars = text.view();
+  bool good = chars.size() == octets_.size() * octetWidth - 1;
+  for (std::size_t i = 0; good && i < octets_.size(); ++i) {
+    good = readOctet(chars.substr(i * octetWidth, 2), octets_[i]) &&
+           (i == 0 || chars[i * octetWidth - 1] == ':');
+  }
+  if (!good) Mox::throwRangeException("EthAddr");
+}
+
+Mox::String8 EthAddr::stringValue() const {
+  return Mox::format("%02x:%02x:%02x:%02x:%02x:%02x", octets_[0], octets_[1], octets_[2],
+                     octets_[3], octets_[4], octets_[5]);
+}
+
+Mox::String8 valueToStrep(EthAddr const& value) {
+  return Mox::valueToStrep(value.stringValue());
+}
+
+EthAddr sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,
+                        EthAddr*) {
+  Mox::String8::IteratorConst const start = it;
+  Mox::String8 const text = Mox::sequenceToValue(it, end, static_cast<Mox::String8*>(nullptr));
+  try {
+    return EthAddr(text);
+  } catch (Mox::RangeException const&) {
+    it = start;
+    throw;
+  }
+}
+
+std::ostream& operator<<(std::ostream& out, EthAddr const& value) {
+  return out << value.stringValue();
+}
+
+}  // namespace Pelk

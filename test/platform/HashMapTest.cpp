@@ -1,0 +1,187 @@
+#include "platform/mox/HashMap.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "test/platform/Journaled.h"
+
+namespace Mox {
+namespace {
+
+using Test::Events;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
+
+class Entry : public HashMapEntry {
+ public:
+  Entry(Events& events, String8 key, std::string name)
+      : HashMapEntry(std::move(key)), events_(events), name_(std::move(name)) {}
+  ~Entry() override {
+    events_.push_back(name_ + " gone");
+    if (whenGone) whenGone();
+  }
+
+  std::string const& name() const { return name_; }
+
+  std::function<void()> whenGone;
+  Ptr<Entry> successor;
+
+ private:
+  Events& events_;
+  std::string name_;
+};
+
+class HashMapTest : public ::testing::Test {
+ protected:
+  Ptr<Entry> insert(char const* key, char const* name = "") {
+    Ptr<Entry> entry(new Entry(events, key, *name == '\0' ? key : name));
+    map.insert(entry);
+    return entry;
+  }
+
+  std::vector<std::string> walk() const {
+    std::vector<std::string> names;
+    for (auto it = map.iteratorConst(); it; ++it) names.push_back(it->name());
+    return names;
+  }
+
+  Events events;
+  HashMap<Entry> map;
+};
+
+TEST_F(HashMapTest, IsEmptyAtFirst) {
+  EXPECT_EQ(map.count(), 0U);
+  EXPECT_EQ(map.find("et1"), nullptr);
+  EXPECT_FALSE(map.iteratorConst());
+  EXPECT_FALSE(map.iteratorConst("et1"));
+}
+
+TEST_F(HashMapTest, FindsWhatWasInserted) {
+  Ptr<Entry> const first = insert("et1");
+  insert("et2");
+  insert("");
+  EXPECT_EQ(map.count(), 3U);
+  EXPECT_EQ(map.find("et1"), first.ptr());
+  EXPECT_EQ(map.find("")->name(), "");
+  EXPECT_EQ(map.find("et3"), nullptr);
+}
+
+TEST_F(HashMapTest, HoldsOneReferenceToEachEntry) {
+  Ptr<Entry> const held = insert("held");
+  insert("loose");
+  EXPECT_EQ(held->references(), 2U);
+  map.clear();
+  EXPECT_THAT(events, ElementsAre("loose gone"));
+  EXPECT_EQ(held->references(), 1U);
+  EXPECT_EQ(map.count(), 0U);
+}
+
+TEST_F(HashMapTest, AnEntryLeavesForOneOfTheSameKey) {
+  insert("et1", "old");
+  Ptr<Entry> const now = insert("et1", "new");
+  EXPECT_THAT(events, ElementsAre("old gone"));
+  EXPECT_EQ(map.count(), 1U);
+  EXPECT_EQ(map.find("et1"), now.ptr());
+}
+
+TEST_F(HashMapTest, IsWholeWhenAReplacedEntryGoes) {
+  std::string found;
+  insert("et1", "old")->whenGone = [&] {
+    found = map.find("et1")->name() + ", " + std::to_string(map.count());
+  };
+  insert("et1", "new");
+  EXPECT_EQ(found, "new, 1");
+}
+
+TEST_F(HashMapTest, AnEntryMayBeReplacedByOneThatOnlyItHolds) {
+  Entry& old = *insert("et1", "old");
+  old.successor = Ptr<Entry>(new Entry(events, "et1", "successor"));
+  map.insert(old.successor);
+  EXPECT_THAT(walk(), ElementsAre("successor"));
+}
+
+TEST_F(HashMapTest, ClearsAlsoWhatGoingEntriesBringIn) {
+  ASSERT_LT(String8("et3").hash(), String8("liquid").hash());  // brought in behind the clearing
+  insert("liquid")->whenGone = [this] { insert("et3"); };
+  map.clear();
+  EXPECT_EQ(map.count(), 0U);
+  EXPECT_THAT(events, ElementsAre("liquid gone", "et3 gone"));
+}
+
+TEST_F(HashMapTest, OrderIsThatOfTheHashesThenOfTheKeysWhateverTheInsertionOrder) {
+  // "costarring" and "liquid" have one hash, "altarage" and "zinke" another.
+  std::vector<String8> expected = {"zinke", "et2", "liquid", "altarage", "et1", "costarring"};
+  for (String8 const& key : expected) insert(key.charPtr());
+  std::sort(expected.begin(), expected.end(), [](String8 const& a, String8 const& b) {
+    return a.hash() != b.hash() ? a.hash() < b.hash() : a < b;
+  });
+  std::vector<String8> walked;
+  for (auto it = map.iteratorConst(); it; ++it) walked.push_back(it.key());
+  EXPECT_EQ(walked, expected);
+}
+
+TEST_F(HashMapTest, IteratorStartsAtAKeyAndWalksToTheEnd) {
+  for (char const* key : {"et1", "et2", "et3", "et4"}) insert(key);
+  std::vector<std::string> const all = walk();
+  auto it = map.iteratorConst(all[2].c_str());
+  ASSERT_TRUE(it);
+  EXPECT_EQ(it->name(), all[2]);
+  ++it;
+  EXPECT_EQ((*it).name(), all[3]);
+  ++it;
+  EXPECT_FALSE(it);
+}
+
+TEST_F(HashMapTest, AnIteratorKeepsItsEntryWhichIsNoLongerTheMaps) {
+  insert("et1");
+  auto it = map.iteratorConst();
+  EXPECT_EQ(map.entry(it), map.find("et1"));
+  map.remove(*map.find("et1"));
+  EXPECT_THAT(events, IsEmpty());
+  EXPECT_EQ(it->name(), "et1");
+  EXPECT_EQ(map.entry(it), nullptr);
+  ++it;
+  EXPECT_FALSE(it);
+  EXPECT_EQ(map.entry(it), nullptr);
+  EXPECT_THAT(events, ElementsAre("et1 gone"));
+}
+
+TEST_F(HashMapTest, AnIteratorPassesAKeyThatCameBackUnderAnotherEntry) {
+  for (char const* key : {"et1", "et2", "et3"}) insert(key);
+  std::vector<std::string> const all = walk();
+  auto it = map.iteratorConst();
+  map.remove(*map.find(all[0].c_str()));
+  insert(all[0].c_str(), "again");
+  EXPECT_EQ(map.entry(it), nullptr);
+  ++it;
+  EXPECT_EQ(it->name(), all[1]);
+}
+
+TEST_F(HashMapTest, AnIteratorFindsItsPlaceAgainWhenTheMapGrows) {
+  for (char const* key : {"et1", "et2", "et3"}) insert(key);
+  std::vector<std::string> seen = {map.iteratorConst()->name()};
+  auto it = map.iteratorConst();
+  for (int i = 0; i < 100; ++i) insert(("new" + std::to_string(i)).c_str());
+  for (++it; it; ++it) {
+    if (it->name().starts_with("et")) seen.push_back(it->name());
+  }
+  EXPECT_THAT(seen, UnorderedElementsAre("et1", "et2", "et3"));
+}
+
+TEST_F(HashMapTest, AnEntryThatLeftMayJoinAnotherMap) {
+  Ptr<Entry> const entry = insert("et1");
+  map.remove(*entry);
+  HashMap<Entry> other;
+  other.insert(entry);
+  EXPECT_EQ(other.find("et1"), entry.ptr());
+  EXPECT_EQ(map.find("et1"), nullptr);
+  EXPECT_EQ(map.entry(other.iteratorConst()), nullptr);
+}
+
+}  // namespace
+}  // namespace Mox

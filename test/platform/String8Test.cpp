@@ -1,0 +1,123 @@
+#include "platform/mox/String8.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <utility>
+
+#include "platform/mox/Name.h"
+
+namespace Mox {
+namespace {
+
+using namespace std::string_view_literals;
+
+TEST(String8Test, CopiesShareTheCharacters) {
+  String8 original("Ethernet3/1");
+  String8 const copy = original;
+  EXPECT_EQ(copy.charPtr(), original.charPtr());
+  original = String8("other");
+  EXPECT_EQ(copy, "Ethernet3/1");
+  EXPECT_EQ(original, "other");
+}
+
+TEST(String8Test, KeepsItsOwnCharacters) {
+  std::string source = "before";
+  String8 const text(source);
+  source = "behind";
+  EXPECT_EQ(text, "before");
+}
+
+TEST(String8Test, MovedFromIsEmpty) {
+  String8 from("text");
+  String8 const to = std::move(from);
+  EXPECT_TRUE(from.empty());
+  EXPECT_EQ(to, "text");
+}
+
+TEST(String8Test, AssigningItselfChangesNothing) {
+  String8 text("text");
+  String8 const& same = text;
+  text = same;
+  EXPECT_EQ(text, "text");
+}
+
+TEST(String8Test, EmptyIsOneStringHoweverMade) {
+  String8 const fromChars("");
+  EXPECT_TRUE(fromChars.empty());
+  EXPECT_EQ(fromChars.bytes(), 0U);
+  EXPECT_EQ(fromChars.hash(), String8().hash());
+  EXPECT_EQ(fromChars, String8());
+  EXPECT_EQ(fromChars.charPtr(), String8().charPtr());
+  EXPECT_STREQ(fromChars.charPtr(), "");
+  EXPECT_TRUE(fromChars.begin() == String8().end());
+}
+
+TEST(String8Test, HoldsAnyBytesAndEndsThemWithNul) {
+  String8 const text("a\0b\xff"sv);
+  EXPECT_EQ(text.bytes(), 4U);
+  EXPECT_EQ(text.view(), "a\0b\xff"sv);
+  EXPECT_EQ(text.charPtr()[4], '\0');
+  EXPECT_FALSE(text == "a");
+  EXPECT_FALSE(text == String8("a\0c\xff"sv));
+}
+
+TEST(String8Test, HashIsOfTheBytesAloneAndTheSameOnEveryMachine) {
+  EXPECT_EQ(String8("et3").hash(), 0x022afa08U);
+  EXPECT_EQ(String8(std::string("et") + "3").hash(), 0x022afa08U);
+  EXPECT_EQ(String8().hash(), 0U);
+}
+
+TEST(String8Test, EqualHashesDoNotMakeEqualStrings) {
+  ASSERT_EQ(String8("costarring").hash(), String8("liquid").hash());
+  EXPECT_FALSE(String8("costarring") == String8("liquid"));
+}
+
+TEST(String8Test, IsOrderedByUnsignedBytes) {
+  EXPECT_LT(String8("a"), String8("b"));
+  EXPECT_LT(String8("a"), String8("aa"));
+  EXPECT_LT(String8(), String8("\0"sv));
+  EXPECT_LT(String8("z"), String8("\x80"));
+  EXPECT_TRUE((String8("a") <=> String8("a")) == 0);
+}
+
+TEST(String8Test, FindsAPart) {
+  String8 const text("et3/et4");
+  EXPECT_EQ(text.pos("et"), 0U);
+  EXPECT_EQ(text.pos("et4"), 4U);
+  EXPECT_EQ(text.pos("et5"), String8::npos);
+  EXPECT_EQ(text.pos(""), 0U);
+}
+
+TEST(String8Test, IteratorWalksTheCharactersAndKnowsItsOffset) {
+  String8 const text("ab\0d"sv);
+  std::string walked;
+  for (String8::IteratorConst it = text.begin(); !(it == text.end()); ++it) {
+    EXPECT_EQ(it.pos(), walked.size());
+    walked += *it;
+  }
+  EXPECT_EQ(walked, "ab\0d"sv);
+
+  String8::IteratorConst it = text.begin();
+  it += 3;
+  EXPECT_EQ(it.pos(), 3U);
+  EXPECT_EQ(text.begin().viewTo(it), "ab\0"sv);
+  EXPECT_EQ(it.viewTo(text.end()), "d");
+}
+
+TEST(String8Test, StreamsItsBytes) {
+  std::ostringstream out;
+  out << String8("a\0b"sv) << String8();
+  EXPECT_EQ(out.str(), "a\0b"sv);
+}
+
+TEST(NameTest, IsItsString) {
+  EXPECT_EQ(Name("config"), Name(String8("config")));
+  EXPECT_FALSE(Name("config") == Name("status"));
+  EXPECT_EQ(Name("config").string(), "config");
+  EXPECT_TRUE(Name().string().empty());
+}
+
+}  // namespace
+}  // namespace Mox
