@@ -1,0 +1,25 @@
+#include "driver/sim/CallLog.h"
+
+#include <ostream>
+#include <utility>
+
+namespace Hardware::Kest::Sim {
+
+std::ostream& operator<<(std::ostream& out, Call const& call) {
+  out << '#' << call.sequence << ' ' << call.operation << '(' << call.arguments << ')';
+  if (hasResult(call.operation)) out << " = " << call.result;
+  return call.injected ? out << " (fault)" : out;
+}
+
+void CallLog::add(Call call) {
+  call.sequence = ++total_;
+  calls_.push_back(std::move(call));
+  if (calls_.size() > capacity_) calls_.pop_front();
+}
+
+void CallLog::clear() {
+  calls_.clear();
+  total_ = 0;
+}
+
+}  // namespace Hardware::Kest::Sim

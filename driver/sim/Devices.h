@@ -1,0 +1,75 @@
+#pragma once
+
+#include <iosfwd>
+#include <map>
+#include <optional>
+
+#include "driver/sim/Export.h"
+#include "platform/hardware/kest/FapType.h"
+#include "platform/mox/String8.h"
+
+namespace Hardware::Kest::Sim {
+
+/// A device's parameters, in the order of `kestDmaDeviceParam`.
+struct DeviceParam {
+  unsigned numFaps = 1;
+  FapType fapType = FapType::fapTypeUnknown_;
+  unsigned cpuTmSysPort = 0;
+  unsigned cpuEthSysPort = 0;
+  unsigned cpuRawSysPort = 0;
+  unsigned sflowPort = 0;
+  unsigned cpuAradSysPort = 0;
+  unsigned cpuArad = 0;
+  unsigned cpuAradBridge = 0;
+
+  bool operator==(DeviceParam const&) const = default;
+};
+
+/// One chip.
+struct Device {
+  Mox::String8 name;                 ///< empty until the chip is given one
+  std::optional<DeviceParam> param;  ///< none until registered
+  bool up = false;
+  unsigned flips = 0;  ///< how often it went up or down by itself
+
+  bool operator==(Device const&) const = default;
+};
+
+KEST_SIM_API std::ostream& operator<<(std::ostream& out, DeviceParam const& param);
+KEST_SIM_API std::ostream& operator<<(std::ostream& out, Device const& device);
+
+/// The slice's chips. A chip is there from the first time that its PCI path is used and never
+/// leaves; its name is unique. Results are error numbers; an operation that fails changes nothing,
+/// but for a rename, which still makes the chip appear. An operation on a name that no chip has
+/// answers ENODEV.
+class Devices {
+ public:
+  static constexpr unsigned maxFaps = 3;
+
+  /// Names the chip at `pciPath`, up or down. EINVAL: the name is empty. EEXIST: another chip has
+  /// that name.
+  int rename(Mox::String8 const& devName, Mox::String8 const& pciPath);
+  /// Puts `param` in place of what was registered before. EBUSY: the chip is up. EINVAL: `numFaps`
+  /// is not 1 to `maxFaps`.
+  int param(Mox::String8 const& devName, DeviceParam const& param);
+  int down(Mox::String8 const& devName);
+  /// EINVAL: the chip has no registered parameters.
+  int up(Mox::String8 const& devName);
+  int isUp(Mox::String8 const& devName, bool* up) const;
+  /// The chip goes up if it was down, and down if it was up, whatever its parameters.
+  int flip(Mox::String8 const& devName);
+
+  /// Null when no chip has that name.
+  Device const* named(Mox::String8 const& devName) const;
+  /// Empty when the chip has none, or there is no chip.
+  Mox::String8 nameAt(Mox::String8 const& pciPath) const;
+  /// By PCI path.
+  std::map<Mox::String8, Device> const& all() const noexcept { return devices_; }
+
+ private:
+  Device* find(Mox::String8 const& devName);
+
+  std::map<Mox::String8, Device> devices_;
+};
+
+}  // namespace Hardware::Kest::Sim

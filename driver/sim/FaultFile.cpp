@@ -1,0 +1,168 @@
+#include "driver/sim/FaultFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <optional>
+
+#include "driver/sim/Devices.h"
+#include "platform/mox/RangeException.h"
+#include "platform/mox/Strep.h"
+
+namespace Hardware::Kest::Sim {
+
+using Mox::String8;
+
+namespace {
+
+constexpr unsigned lastErrorNumber = 4095;  // the kernel's
+
+[[noreturn]] void throwExpected(String8 const& expected, String8 const& found) {
+  Mox::throwRangeException(
+      Mox::format("expected %s, found %s", expected.charPtr(), found.charPtr()));
+}
+
+/// Reads the pieces of one line, which must outlive it. What it refuses it does not take.
+class LineReader {
+ public:
+  explicit LineReader(String8 const& line) : it_(line.begin()), end_(line.end()) {}
+
+  std::size_t column() const { return it_.pos() + 1; }
+
+  void skipBlanks() { Mox::needString(it_, end_, " "); }
+
+  bool atEnd() {
+    skipBlanks();
+    return it_ == end_ || *it_ == '#';
+  }
+
+  bool took(std::string_view keyword) {
+    if (word() != keyword) return false;
+    it_ += keyword.size();
+    return true;
+  }
+
+  String8 name(char const* what = "a name in apostrophes") {
+    if (atEnd() || *it_ != '\'') refuse(what);
+    return Mox::sequenceToValue(it_, end_, static_cast<String8*>(nullptr));
+  }
+
+  unsigned number(char const* what, unsigned most = std::numeric_limits<unsigned>::max()) {
+    skipBlanks();
+    String8::IteratorConst const start = it_;
+    unsigned const value = Mox::sequenceToValue(it_, end_, static_cast<unsigned*>(nullptr));
+    if (value >= 1 && value <= most) return value;
+    it_ = start;
+    throwExpected(Mox::format("%s from 1 to %u", what, most), Mox::format("%u", value));
+  }
+
+  Operation operation() {
+    std::optional<Operation> const operation = operationNamed(word());
+    if (!operation) refuse("the name of a driver operation");
+    it_ += word().size();
+    return *operation;
+  }
+
+  Operation operationWithResult() {
+    std::optional<Operation> const named = operationNamed(word());
+    if (named && !hasResult(*named)) refuse("a driver operation that has a result");
+    return operation();
+  }
+
+  [[noreturn]] void refuse(char const* expected) {
+    throwExpected(expected, atEnd() ? "the end of the line" : Mox::valueToStrep(String8(word())));
+  }
+
+ private:
+  /// The characters up to the next blank.
+  std::string_view word() {
+    skipBlanks();
+    std::string_view const rest = it_.viewTo(end_);
+    return rest.substr(0, rest.find_first_of(" \t\r"));
+  }
+
+  String8::IteratorConst it_;
+  String8::IteratorConst end_;
+};
+
+CallPattern readPattern(LineReader& line, Operation operation) {
+  if (line.took("*")) return {operation, std::nullopt};
+  return {operation, line.name("a name in apostrophes or *")};
+}
+
+Fault readFault(LineReader& line) {
+  CallPattern const calls = readPattern(line, line.operationWithResult());
+  int const answer = static_cast<int>(line.number("an error number", lastErrorNumber));
+  if (line.took("always")) return {calls, answer, std::nullopt};
+  if (!line.took("times")) line.refuse("times or always");
+  return {calls, answer, line.number("a count")};
+}
+
+void readFlip(LineReader& line, Devices const& devices, Faults& faults) {
+  line.skipBlanks();
+  LineReader const start = line;
+  String8 const devName = line.name();
+  if (line.took("after")) {
+    unsigned const after = line.number("a count");
+    faults.table.add(Flip{devName, after, readPattern(line, line.operation())});
+    return;
+  }
+  if (!line.atEnd()) line.refuse("after or the end of the line");
+  if (devices.named(devName) == nullptr) {
+    line = start;
+    throwExpected("the name of a device that there is", Mox::valueToStrep(devName));
+  }
+  faults.flips.push_back(devName);
+}
+
+void readStatement(LineReader& line, Devices const& devices, Faults& faults) {
+  if (line.atEnd()) return;
+  if (line.took("fail")) {
+    faults.table.add(readFault(line));
+  } else if (line.took("flip")) {
+    readFlip(line, devices, faults);
+  } else {
+    line.refuse("fail or flip");
+  }
+  if (!line.atEnd()) line.refuse("the end of the line");
+}
+
+}  // namespace
+
+Faults readFaults(std::string_view text, std::string const& source, Devices const& devices) {
+  Faults faults;
+  for (unsigned number = 1; !text.empty(); ++number) {
+    String8 const line(text.substr(0, text.find('\n')));
+    text.remove_prefix(std::min(text.size(), line.bytes() + 1));
+    LineReader reader(line);
+    try {
+      readStatement(reader, devices, faults);
+    } catch (Mox::RangeException const& exception) {
+      Mox::throwRangeException(Mox::format("%s:%u:%zu: %s", source.c_str(), number, reader.column(),
+                                           exception.text().charPtr()));
+    }
+  }
+  return faults;
+}
+
+std::string readFile(std::string const& path) {
+  auto const refuse = [&] {
+    Mox::throwRangeException(
+        Mox::format("%s: cannot be read: %s", path.c_str(), std::strerror(errno)));
+  };
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const file(std::fopen(path.c_str(), "rb"),
+                                                             &std::fclose);
+  if (!file) refuse();
+  std::string text;
+  char block[4096];
+  while (std::size_t const bytes = std::fread(block, 1, sizeof block, file.get())) {
+    text.append(block, bytes);
+  }
+  if (std::ferror(file.get()) != 0) refuse();
+  return text;
+}
+
+}  // namespace Hardware::Kest::Sim

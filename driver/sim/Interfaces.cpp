@@ -1,0 +1,81 @@
+#include "driver/sim/Interfaces.h"
+
+#include <cerrno>
+#include <ostream>
+
+#include "driver/sim/Devices.h"
+#include "platform/mox/RangeException.h"
+#include "platform/mox/Strep.h"
+#include "platform/pelk/EthAddr.h"
+
+namespace Hardware::Kest::Sim {
+
+using Mox::String8;
+
+namespace {
+
+constexpr unsigned short lastVlan = 4094;
+
+bool isMacAddr(String8 const& text) {
+  try {
+    Pelk::EthAddr const addr(text);
+    return true;
+  } catch (Mox::RangeException const&) {
+    return false;
+  }
+}
+
+bool hasFap(Device const& device, int fapNum) {
+  unsigned const numFaps = device.param ? device.param->numFaps : Devices::maxFaps;
+  return fapNum >= 0 && static_cast<unsigned>(fapNum) < numFaps;
+}
+
+}  // namespace
+
+int Interfaces::add(String8 const& ifName, InterfaceParam const& param, Devices const& devices) {
+  if (ifName.empty() || !isMacAddr(param.macAddr)) return EINVAL;
+  if (!param.devName.empty()) {
+    Device const* const device = devices.named(param.devName);
+    if (device == nullptr) return ENODEV;
+    if (!hasFap(*device, param.fapNum)) return EINVAL;
+  }
+  interfaces_[ifName].param = param;
+  return 0;
+}
+
+int Interfaces::del(String8 const& ifName) {
+  return interfaces_.erase(ifName) == 0 ? ENODEV : 0;
+}
+
+int Interfaces::nativeVlan(String8 const& ifName, bool mode, unsigned short vlanId) {
+  auto const at = interfaces_.find(ifName);
+  if (at == interfaces_.end()) return ENODEV;
+  bool const clears = vlanId == Interface::noVlan;
+  if (!clears && (vlanId < 1 || vlanId > lastVlan)) return EINVAL;
+  at->second.nativeVlan = vlanId;
+  at->second.mode = mode && !clears;
+  return 0;
+}
+
+void Interfaces::deviceRenamed(String8 const& from, String8 const& to) {
+  if (from.empty()) return;  // interfaces without a device stay so
+  for (auto& [name, interface] : interfaces_) {
+    if (interface.param.devName == from) interface.param.devName = to;
+  }
+}
+
+std::ostream& operator<<(std::ostream& out, InterfaceParam const& param) {
+  return out << "destId " << param.destId << ", shadowIntfId " << param.shadowIntfId
+             << ", trafficClass " << param.trafficClass << ", devName "
+             << Mox::valueToStrep(param.devName) << ", fapNum " << param.fapNum << ", ctrl "
+             << Mox::valueToStrep(param.ctrl) << ", hwLag " << Mox::valueToStrep(param.hwLag)
+             << ", macAddr " << Mox::valueToStrep(param.macAddr);
+}
+
+std::ostream& operator<<(std::ostream& out, Interface const& interface) {
+  out << interface.param << ", nativeVlan ";
+  if (interface.nativeVlan == Interface::noVlan) return out << "none";
+  return out << interface.nativeVlan << ", mode " << Mox::valueToStrep(interface.mode);
+}
+
+}  // namespace Hardware::Kest::Sim

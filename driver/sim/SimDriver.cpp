@@ -1,0 +1,167 @@
+#include "driver/sim/SimDriver.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <sstream>
+
+#include "driver/sim/FaultFile.h"
+#include "platform/mox/Strep.h"
+
+namespace Hardware::Kest::Sim {
+
+using Mox::String8;
+
+namespace {
+
+/// A call's arguments as the log shows them: the name, then the rest as it streams.
+template <class... Rest>
+std::string argumentsText(String8 const& name, Rest const&... rest) {
+  std::ostringstream out;
+  out << Mox::valueToStrep(name);
+  ((out << ", " << rest), ...);
+  return out.str();
+}
+
+}  // namespace
+
+SimDriver::SimDriver(std::size_t logCapacity) : log_(logCapacity) {}
+
+SimDriver::~SimDriver() = default;
+
+/// @param arguments logged as they are when `carry` has been called
+/// @param carry carries the call out
+template <class Carry>
+int SimDriver::call(Operation operation, String8 const& name, std::string const& arguments,
+                    Carry carry) {
+  FaultTable::Outcome const outcome = faults_.called(operation, name);
+  int const result = outcome.answer ? *outcome.answer : carry();
+  log_.add({operation, name, arguments, result, outcome.answer.has_value()});
+  for (String8 const& devName : outcome.flipped) {
+    if (devices_.flip(devName) != 0) {
+      std::fprintf(stderr, "kest-dma-sim: there is no device '%s' to flip\n", devName.charPtr());
+    }
+  }
+  return result;
+}
+
+int SimDriver::ifadd(String8 const& ifName, InterfaceParam const& param) noexcept {
+  return call(Operation::ifadd, ifName, argumentsText(ifName, param),
+              [&] { return interfaces_.add(ifName, param, devices_); });
+}
+
+int SimDriver::ifdel(String8 const& ifName) noexcept {
+  return call(Operation::ifdel, ifName, argumentsText(ifName),
+              [&] { return interfaces_.del(ifName); });
+}
+
+int SimDriver::nativeVlan(String8 const& ifName, bool mode, unsigned short vlanId) noexcept {
+  return call(Operation::nativeVlan, ifName, argumentsText(ifName, Mox::valueToStrep(mode), vlanId),
+              [&] { return interfaces_.nativeVlan(ifName, mode, vlanId); });
+}
+
+int SimDriver::deviceRename(String8 const& devName,
+                            Mox::Ptr<Fru::PciHam const> const& pciHam) noexcept {
+  String8 const pciPath = pciHam ? pciHam->fullName() : String8();
+  String8 const pciText = pciHam ? Mox::valueToStrep(pciPath) : String8("None");
+  return call(Operation::deviceRename, devName, argumentsText(devName, pciText), [&] {
+    if (!pciHam) return ENODEV;
+    String8 const before = devices_.nameAt(pciPath);
+    int const result = devices_.rename(devName, pciPath);
+    if (result == 0) interfaces_.deviceRenamed(before, devName);
+    return result;
+  });
+}
+
+int SimDriver::deviceParam(String8 const& devName, DeviceParam const& param) noexcept {
+  return call(Operation::deviceParam, devName, argumentsText(devName, param),
+              [&] { return devices_.param(devName, param); });
+}
+
+int SimDriver::deviceDown(String8 const& devName) noexcept {
+  return call(Operation::deviceDown, devName, argumentsText(devName),
+              [&] { return devices_.down(devName); });
+}
+
+int SimDriver::deviceUp(String8 const& devName) noexcept {
+  return call(Operation::deviceUp, devName, argumentsText(devName),
+              [&] { return devices_.up(devName); });
+}
+
+int SimDriver::isDeviceUp(String8 const& devName, bool* up) noexcept {
+  std::string arguments = argumentsText(devName);
+  return call(Operation::isDeviceUp, devName, arguments, [&] {
+    int const result = devices_.isUp(devName, up);
+    if (result == 0) arguments += *up ? ", up" : ", down";
+    return result;
+  });
+}
+
+void SimDriver::dump() noexcept {
+  call(Operation::dump, String8(), "", [&] {
+    std::fputs(dumpText().c_str(), stderr);
+    return 0;
+  });
+}
+
+Interface const* SimDriver::interface(String8 const& ifName) const {
+  auto const at = interfaces().find(ifName);
+  return at == interfaces().end() ? nullptr : &at->second;
+}
+
+Device const* SimDriver::device(String8 const& devName) const {
+  return devices_.named(devName);
+}
+
+void SimDriver::dump(std::ostream& out) const {
+  out << "kest-dma-sim: interfaces " << interfaces().size() << ", devices " << devices().size()
+      << ", faults to come " << faults_.size() << ", calls " << log_.total() << " ("
+      << log_.dropped() << " no longer in the log)\n";
+  for (auto const& [ifName, interface] : interfaces()) {
+    out << "interface " << Mox::valueToStrep(ifName) << ": " << interface << '\n';
+  }
+  for (auto const& [pciPath, device] : devices()) {
+    out << "device at " << Mox::valueToStrep(pciPath) << ": " << device << '\n';
+  }
+  out << faults_;
+  for (Call const& logged : log_.calls()) out << logged << '\n';
+}
+
+std::string SimDriver::dumpText() const {
+  std::ostringstream out;
+  dump(out);
+  return out.str();
+}
+
+void SimDriver::faultsAre(std::string_view text, std::string const& source) {
+  Faults faults = readFaults(text, source, devices_);
+  faults_ = std::move(faults.table);
+  for (String8 const& devName : faults.flips) devices_.flip(devName);
+}
+
+void SimDriver::faultFileIs(std::string const& path) {
+  faultsAre(readFile(path), path);
+}
+
+std::string SimDriver::faultsText() const {
+  std::ostringstream out;
+  out << faults_;
+  return out.str();
+}
+
+int SimDriver::deviceFlip(String8 const& devName) {
+  return devices_.flip(devName);
+}
+
+void SimDriver::reset() {
+  interfaces_ = {};
+  devices_ = {};
+  faults_ = {};
+  log_.clear();
+}
+
+SimDriver& simDriver() {
+  static SimDriver driver;
+  return driver;
+}
+
+}  // namespace Hardware::Kest::Sim
