@@ -1,0 +1,161 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <tuple>
+#include <utility>
+
+#include "model/Export.h"
+#include "model/detail/FieldTable.h"
+#include "platform/fru/PciHam.h"
+#include "platform/hardware/kest/FapType.h"
+#include "platform/mox/String8.h"
+#include "platform/pelk/EthAddr.h"
+
+namespace Hardware::Kest::Slice {
+
+/// Configuration of one front-panel switch port, whose kernel interface the state machine creates.
+class KEST_SLICE_DMA_API ConfigSwitchPort {
+ public:
+  static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort";
+
+  ConfigSwitchPort() = default;
+  /// Reads the text form at `it` and leaves `it` behind it; `Mox::RangeException` otherwise.
+  ConfigSwitchPort(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end);
+
+  Mox::String8 const& ifName() const { return fields_.ifName; }
+  void ifNameIs(Mox::String8 ifName) { fields_.ifName = std::move(ifName); }
+  std::uint32_t destId() const { return fields_.destId; }
+  void destIdIs(std::uint32_t destId) { fields_.destId = destId; }
+  std::uint32_t shadowIntfId() const { return fields_.shadowIntfId; }
+  void shadowIntfIdIs(std::uint32_t shadowIntfId) { fields_.shadowIntfId = shadowIntfId; }
+  std::uint32_t trafficClass() const { return fields_.trafficClass; }
+  void trafficClassIs(std::uint32_t trafficClass) { fields_.trafficClass = trafficClass; }
+  Mox::String8 const& devName() const { return fields_.devName; }
+  void devNameIs(Mox::String8 devName) { fields_.devName = std::move(devName); }
+  std::uint32_t fapNum() const { return fields_.fapNum; }
+  void fapNumIs(std::uint32_t fapNum) { fields_.fapNum = fapNum; }
+  bool ctrl() const { return fields_.ctrl; }
+  void ctrlIs(bool ctrl) { fields_.ctrl = ctrl; }
+  bool hwLag() const { return fields_.hwLag; }
+  void hwLagIs(bool hwLag) { fields_.hwLag = hwLag; }
+  Pelk::EthAddr const& macAddr() const { return fields_.macAddr; }
+  void macAddrIs(Pelk::EthAddr macAddr) { fields_.macAddr = macAddr; }
+
+  friend bool operator==(ConfigSwitchPort const&, ConfigSwitchPort const&) = default;
+
+  struct Fields {
+    Mox::String8 ifName;             // interface name; the key of the port
+    std::uint32_t destId = 0;        // destination identifier
+    std::uint32_t shadowIntfId = 0;  // identifier of the shadow interface; 4096 for none
+    std::uint32_t trafficClass = 0;  // traffic class of the port's packets
+    Mox::String8 devName;            // device (chip) that carries the port
+    std::uint32_t fapNum = 0;        // number of the FAP on that device
+    bool ctrl = false;               // control flag
+    bool hwLag = false;              // whether the port is a hardware link aggregate
+    Pelk::EthAddr macAddr;           // MAC address
+
+    friend bool operator==(Fields const&, Fields const&) = default;
+  };
+  Fields const& fields() const { return fields_; }
+  static constexpr auto fieldTable() {
+    return std::tuple{
+        detail::field("ifName", &Fields::ifName),
+        detail::field("destId", &Fields::destId),
+        detail::field("shadowIntfId", &Fields::shadowIntfId),
+        detail::field("trafficClass", &Fields::trafficClass),
+        detail::field("devName", &Fields::devName),
+        detail::field("fapNum", &Fields::fapNum),
+        detail::field("ctrl", &Fields::ctrl),
+        detail::field("hwLag", &Fields::hwLag),
+        detail::field("macAddr", &Fields::macAddr),
+    };
+  }
+
+ private:
+  Fields fields_;
+};
+static_assert(detail::isComplete<ConfigSwitchPort::Fields>(ConfigSwitchPort::fieldTable()));
+
+/// The text form.
+KEST_SLICE_DMA_API Mox::String8 valueToStrep(ConfigSwitchPort const& record);
+KEST_SLICE_DMA_API std::ostream& operator<<(std::ostream& out, ConfigSwitchPort const& record);
+
+/// Configuration of one packet-processor device (chip). It holds a counted reference to the handle;
+/// two records are equal only if they hold the same handle object.
+class KEST_SLICE_DMA_API ConfigDevice {
+ public:
+  static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaConfig::Device";
+
+  ConfigDevice() = default;
+  /// Reads the text form at `it` and leaves `it` behind it; `Mox::RangeException` otherwise. Also
+  /// refused: a number of FAPs outside 1 to 3.
+  ConfigDevice(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end);
+
+  Mox::String8 const& devName() const { return fields_.devName; }
+  void devNameIs(Mox::String8 devName) { fields_.devName = std::move(devName); }
+  Mox::Ptr<Fru::PciHam const> const& pciHam() const { return fields_.pciHam; }
+  void pciHamIs(Mox::Ptr<Fru::PciHam const> pciHam) { fields_.pciHam = std::move(pciHam); }
+  FapType fapType() const { return fields_.fapType; }
+  void fapTypeIs(FapType fapType) { fields_.fapType = fapType; }
+  std::uint32_t numFaps() const { return fields_.numFaps; }
+  void numFapsIs(std::uint32_t numFaps) { fields_.numFaps = numFaps; }
+  std::uint32_t cpuTmSysPort() const { return fields_.cpuTmSysPort; }
+  void cpuTmSysPortIs(std::uint32_t cpuTmSysPort) { fields_.cpuTmSysPort = cpuTmSysPort; }
+  std::uint32_t cpuEthSysPort() const { return fields_.cpuEthSysPort; }
+  void cpuEthSysPortIs(std::uint32_t cpuEthSysPort) { fields_.cpuEthSysPort = cpuEthSysPort; }
+  std::uint32_t cpuRawSysPort() const { return fields_.cpuRawSysPort; }
+  void cpuRawSysPortIs(std::uint32_t cpuRawSysPort) { fields_.cpuRawSysPort = cpuRawSysPort; }
+  std::uint32_t sflowPort() const { return fields_.sflowPort; }
+  void sflowPortIs(std::uint32_t sflowPort) { fields_.sflowPort = sflowPort; }
+  std::uint32_t cpuAradSysPort() const { return fields_.cpuAradSysPort; }
+  void cpuAradSysPortIs(std::uint32_t cpuAradSysPort) { fields_.cpuAradSysPort = cpuAradSysPort; }
+  std::uint32_t cpuArad() const { return fields_.cpuArad; }
+  void cpuAradIs(std::uint32_t cpuArad) { fields_.cpuArad = cpuArad; }
+  std::uint32_t cpuAradBridge() const { return fields_.cpuAradBridge; }
+  void cpuAradBridgeIs(std::uint32_t cpuAradBridge) { fields_.cpuAradBridge = cpuAradBridge; }
+
+  friend bool operator==(ConfigDevice const&, ConfigDevice const&) = default;
+
+  struct Fields {
+    Mox::String8 devName;                        // device name; the key of the device
+    Mox::Ptr<Fru::PciHam const> pciHam;          // PCI hardware-access handle; may be null
+    FapType fapType = FapType::fapTypeUnknown_;  // chip type
+    std::uint32_t numFaps = 1;                   // number of FAPs on the device; valid: 1 to 3
+    std::uint32_t cpuTmSysPort = 0;              // CPU TM system port
+    std::uint32_t cpuEthSysPort = 0;             // CPU Ethernet system port
+    std::uint32_t cpuRawSysPort = 0;             // CPU raw system port
+    std::uint32_t sflowPort = 0;                 // sFlow port
+    std::uint32_t cpuAradSysPort = 0;            // Arad CPU system port
+    std::uint32_t cpuArad = 0;                   // Arad CPU port
+    std::uint32_t cpuAradBridge = 0;             // Arad CPU bridge port
+
+    friend bool operator==(Fields const&, Fields const&) = default;
+  };
+  Fields const& fields() const { return fields_; }
+  static constexpr auto fieldTable() {
+    return std::tuple{
+        detail::field("devName", &Fields::devName),
+        detail::field("pciHam", &Fields::pciHam),
+        detail::field("fapType", &Fields::fapType),
+        detail::field("numFaps", &Fields::numFaps),
+        detail::field("cpuTmSysPort", &Fields::cpuTmSysPort),
+        detail::field("cpuEthSysPort", &Fields::cpuEthSysPort),
+        detail::field("cpuRawSysPort", &Fields::cpuRawSysPort),
+        detail::field("sflowPort", &Fields::sflowPort),
+        detail::field("cpuAradSysPort", &Fields::cpuAradSysPort),
+        detail::field("cpuArad", &Fields::cpuArad),
+        detail::field("cpuAradBridge", &Fields::cpuAradBridge),
+    };
+  }
+
+ private:
+  Fields fields_;
+};
+static_assert(detail::isComplete<ConfigDevice::Fields>(ConfigDevice::fieldTable()));
+
+/// The text form.
+KEST_SLICE_DMA_API Mox::String8 valueToStrep(ConfigDevice const& record);
+KEST_SLICE_DMA_API std::ostream& operator<<(std::ostream& out, ConfigDevice const& record);
+
+}  // namespace Hardware::Kest::Slice

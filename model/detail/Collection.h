@@ -1,0 +1,139 @@
+#pragma once
+
+#include <cstddef>
+#include <utility>
+
+#include "platform/mox/HashMap.h"
+#include "platform/mox/Ptr.h"
+#include "platform/mox/String8.h"
+
+namespace Hardware::Kest::Slice::detail {
+
+/// A value that holds its own key, as opposed to one that is stored under a key beside it.
+template <class Value>
+concept IsRecord = requires {
+  Value::fieldTable();
+};
+
+/// Entry of a collection: counted, so whoever holds it sees later values too.
+template <class Value>
+class Entry : public Mox::HashMapEntry {
+ public:
+  Entry(Mox::String8 key, Value value)
+      : Mox::HashMapEntry(std::move(key)), value_(std::move(value)) {}
+
+  Value const& value() const noexcept { return value_; }
+  void valueIs(Value const& value) { value_ = value; }
+
+ private:
+  Value value_;
+};
+
+/// One keyed collection of an entity: a map of counted entries that counts and announces its
+/// changes.
+///
+/// A change that changes nothing is silent. Every other one counts once on the entity, then tells
+/// the entity's observers the key; they find the change done.
+///
+/// `Description` says once what the collection is: `name`, `keyName`, `attributeId` and how an
+/// observer is told (`tell`). `Owner` is the entity, which lends its counters and its observers.
+template <class Owner, class Description, class ValueType>
+class Collection {
+ public:
+  using Value = ValueType;
+  using Entry = detail::Entry<Value>;
+
+  static constexpr char const* name = Description::name;
+  static constexpr char const* keyName = Description::keyName;
+  static constexpr Mox::AttributeId attributeId = Owner::firstCollectionId + Description::index;
+
+  /// Resumable, as the map's: valid across any change of the collection, as long as it lives.
+  class IteratorConst : public Mox::HashMap<Entry>::IteratorConst {
+   public:
+    IteratorConst() = default;
+    explicit IteratorConst(typename Mox::HashMap<Entry>::IteratorConst const& it)
+        : Mox::HashMap<Entry>::IteratorConst(it) {}
+
+    Value const& operator*() const { return value(); }
+    Value const* operator->() const { return &value(); }
+    Value const& value() const { return Mox::HashMap<Entry>::IteratorConst::operator*().value(); }
+  };
+
+  explicit Collection(Owner& owner) noexcept : owner_(owner) {}
+
+  /// The key under which a record is stored.
+  static Mox::String8 keyOf(Value const& record) requires IsRecord<Value> {
+    return Description::keyOf(record);
+  }
+
+  std::size_t count() const noexcept { return entries_.count(); }
+
+  /// A copy of the value; a default value for an absent key. Counts a lookup.
+  Value value(Mox::String8 const& key) const {
+    owner_.lookupCountInc();
+    Entry const* const entry = entries_.find(key);
+    return entry == nullptr ? Value() : entry->value();
+  }
+
+  bool has(Mox::String8 const& key) const { return entries_.find(key) != nullptr; }
+
+  /// The bare insertion step: neither counts nor announces.
+  Mox::Ptr<Entry> newEntry(Mox::String8 const& key, Value const& value) {
+    Mox::Ptr<Entry> entry(new Entry(key, value));
+    entries_.insert(entry);
+    return entry;
+  }
+
+  /// Inserts, or updates the entry in place.
+  void valueIs(Mox::String8 const& key, Value const& value) {
+    Entry* const entry = entries_.find(key);
+    if (entry == nullptr) {
+      newEntry(key, value);
+    } else if (entry->value() == value) {
+      return;
+    } else {
+      entry->valueIs(value);
+    }
+    changed(key);
+  }
+
+  /// Returns the removed value; a default value when there is nothing to remove.
+  Value del(Mox::String8 const& key) { return del(entries_.find(key)); }
+  Value del(IteratorConst const& it) { return del(entries_.entry(it)); }
+
+  /// Deletes entry by entry, each counted and announced before the next one goes. Ends even if
+  /// observers insert: what they insert behind the walk's place goes too.
+  void delAll() {
+    for (IteratorConst it = iteratorConst(); it; ++it) del(it);
+  }
+
+  /// Announces the key, changing and counting nothing.
+  void notify(Mox::String8 const& key) const {
+    owner_.deliver(attributeId, [&](auto& observer) { Description::tell(observer, key); });
+  }
+
+  IteratorConst iteratorConst() const { return IteratorConst(entries_.iteratorConst()); }
+  /// Starts at `key`; designates nothing when the key is absent.
+  IteratorConst iteratorConst(Mox::String8 const& key) const {
+    return IteratorConst(entries_.iteratorConst(key));
+  }
+
+ private:
+  Value del(Entry* found) {
+    if (found == nullptr) return Value();
+    Mox::Ptr<Entry> const entry(found);
+    entries_.remove(*entry);
+    changed(entry->key());
+    return entry->value();
+  }
+
+  void changed(Mox::String8 const& key) {
+    owner_.changeCountInc();
+    notify(key);
+  }
+
+  Owner& owner_;
+  Mox::HashMap<Entry> entries_;
+};
+
+}  // namespace Hardware::Kest::Slice::detail

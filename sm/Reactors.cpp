@@ -1,0 +1,60 @@
+#include "sm/KestSliceDmaSm.h"
+
+namespace Hardware::Kest::Slice {
+
+KestSliceDmaSm::MoxConfig::MoxConfig(KestSliceDmaSm* sm,
+                                     Mox::Ptr<KestSliceDmaConfig const> const& config)
+    : Reactor(sm) {
+  KestSliceDmaConfig::NotifieeConst::notifierIs(config);
+  KestSliceDmaConfig::NotifieeConst::isRegisteredNotifieeIs(true);
+}
+
+KestSliceDmaSm::MoxConfig::~MoxConfig() {
+  MoxConfig::moxDoZombieReactors(true);
+}
+
+void KestSliceDmaSm::MoxConfig::onSwitchPort(Mox::String8 ifName) {
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleSwitchPort(ifName);
+}
+
+void KestSliceDmaSm::MoxConfig::onNativeVlan(Mox::String8 ifName) {
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleNativeVlan(ifName);
+}
+
+void KestSliceDmaSm::MoxConfig::onSwitchportMode(Mox::String8 ifName) {
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleNativeVlan(ifName);
+}
+
+void KestSliceDmaSm::MoxConfig::onDevice(Mox::String8 devName) {
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleDevice(devName);
+}
+
+void KestSliceDmaSm::MoxConfig::onDeviceState(Mox::String8 devName) {
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleDeviceState(devName);
+}
+
+KestSliceDmaSm::MoxStateTimer::MoxStateTimer(KestSliceDmaSm* sm,
+                                             Mox::Ptr<Mox::Clock const> const& clock)
+    : Reactor(sm) {
+  Mox::Clock::NotifieeConst::notifierIs(clock);  // a new timer does not poll
+  Mox::Clock::NotifieeConst::isRegisteredNotifieeIs(true);
+}
+
+KestSliceDmaSm::MoxStateTimer::~MoxStateTimer() {
+  MoxStateTimer::moxDoZombieReactors(true);
+}
+
+void KestSliceDmaSm::MoxStateTimer::notifierIs(Mox::Ptr<Mox::PtrInterface const> const& clock) {
+  auto const next = Mox::ptrCast<Mox::Clock const>(clock);
+  if (next == notifier()) return;
+  isRegisteredNotifieeIs(false);
+  Mox::Clock::NotifieeConst::notifierIs(next);
+  if (next && !moxMarkedForDeletion()) kestSliceDmaSm()->handleTimerExpired();
+  isRegisteredNotifieeIs(static_cast<bool>(next));
+}
+
+void KestSliceDmaSm::MoxStateTimer::onTime() {
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleTimerExpired();
+}
+
+}  // namespace Hardware::Kest::Slice

@@ -1,0 +1,108 @@
+#include <unistd.h>
+
+#include <ctime>
+
+#include "driver/KestDma.h"
+#include "sm/KestSliceDmaSm.h"
+#include "sm/detail/Points.h"
+
+namespace Hardware::Kest::Slice {
+
+std::int32_t INTF_ADD_RETRY_TIMEOUT_SECONDS = 60;
+
+namespace {
+
+constexpr int tryAgain = 11;  // EAGAIN
+constexpr useconds_t pauseMicroseconds = 100000;
+constexpr unsigned short none = 4096;  // no VLAN, no interface id: just outside 12 bits
+
+/// A record that the configuration does not hold reads as the default; only these fields decide.
+bool isAbsent(KestSliceDmaConfig::SwitchPort const& port) {
+  return port.ifName().empty() && port.macAddr() == Pelk::EthAddr();
+}
+
+int addInterface(KestSliceDmaConfig::SwitchPort const& port) {
+  int const shadowIntfId = port.shadowIntfId() == none ? -1 : static_cast<int>(port.shadowIntfId());
+  return kestDmaIfadd(port.ifName().charPtr(), static_cast<int>(port.destId()), shadowIntfId,
+                      static_cast<int>(port.trafficClass()), Mox::String8(port.devName().charPtr()),
+                      static_cast<int>(port.fapNum()), port.ctrl(), port.hwLag(),
+                      port.macAddr().stringValue().charPtr());
+}
+
+/// Whole seconds of wall-clock time.
+std::int32_t elapsedSince(std::time_t start) {
+  return static_cast<std::int32_t>(std::difftime(std::time(nullptr), start));
+}
+
+}  // namespace
+
+void KestSliceDmaSm::handleSwitchPort(Mox::String ifName) {
+  detail::trace(
+      8, detail::handler::handleSwitchPort, detail::line::handleSwitchPort, [&](std::ostream& out) {
+        out << "KestSliceDmaSm::" << detail::handler::handleSwitchPort.name << " ifName=" << ifName;
+      });
+  KestSliceDmaConfig::SwitchPort const port = config()->switchPort(ifName);
+  if (isAbsent(port)) {
+    kestDmaIfdel(ifName.charPtr());  // the driver may never have had it: the result says nothing
+    status_->switchPortDel(ifName);
+  } else {
+    createInterface(ifName, port);
+  }
+  handleNativeVlan(ifName);
+}
+
+/// Hands the port to the driver, over an interface that exists already too, and again as long as
+/// the driver asks for it. The pause follows every attempt, the successful one too: the kernel
+/// needs it.
+void KestSliceDmaSm::createInterface(Mox::String const& ifName,
+                                     KestSliceDmaConfig::SwitchPort const& port) {
+  std::time_t const start = std::time(nullptr);
+  int result = 0;
+  do {
+    if (elapsedSince(start) > INTF_ADD_RETRY_TIMEOUT_SECONDS) {
+      detail::assertionFailed(
+          "0 && \"Timed out trying to create kernel interface. \" "
+          "\"This should only happen on standby.\"",
+          detail::handler::handleSwitchPort, detail::line::interfaceTimeout);
+    }
+    result = addInterface(port);
+    usleep(pauseMicroseconds);
+  } while (result == tryAgain);
+
+  KestSliceDmaStatus::SwitchPort outcome;
+  outcome.ifNameIs(ifName);
+  outcome.createdIs(result == 0);
+  status_->switchPortIs(outcome);
+}
+
+void KestSliceDmaSm::handleNativeVlan(Mox::String ifName) {
+  detail::trace(
+      8, detail::handler::handleNativeVlan, detail::line::handleNativeVlan, [&](std::ostream& out) {
+        out << "KestSliceDmaSm::" << detail::handler::handleNativeVlan.name << " ifName=" << ifName;
+      });
+  if (ifName.pos("et") == Mox::String::npos) {
+    detail::assertionFailed("ifName.pos( \"et\" ) != Mox::String::npos",
+                            detail::handler::handleNativeVlan, detail::line::interfaceName);
+  }
+  std::uint16_t const vlan = config()->nativeVlan(ifName);
+  // Without an interface there is nothing to program; its creation comes back here.
+  if (!status_->switchPort(ifName).created()) return;
+
+  if (vlan == 0) {
+    kestDmaNativeVlan(ifName.charPtr(), false, none);  // clearing what is not set may fail
+    status_->nativeVlanDel(ifName);
+    status_->switchportModeDel(ifName);
+    return;
+  }
+  bool const mode =
+      config()->switchportMode(ifName) == Bridging::SwitchportMode::switchportModeDot1qTunnel_;
+  int const error = kestDmaNativeVlan(ifName.charPtr(), mode, vlan);
+  if (error != 0) {
+    detail::assertionFailed("error == 0", detail::handler::handleNativeVlan,
+                            detail::line::nativeVlanSet);
+  }
+  status_->nativeVlanIs(ifName, vlan);
+  status_->switchportModeIs(ifName, config()->switchportMode(ifName));
+}
+
+}  // namespace Hardware::Kest::Slice

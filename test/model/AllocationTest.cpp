@@ -1,0 +1,137 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+
+#include "test/model/Collections.h"
+
+/// What a change of an entity allocates. The program's allocation functions, which the libraries
+/// use too, are replaced by ones that count.
+namespace {
+
+std::size_t allocations = 0;
+
+void* counted(std::size_t bytes) noexcept {
+  ++allocations;
+  return std::malloc(bytes == 0 ? 1 : bytes);
+}
+
+void* countedOrThrow(std::size_t bytes) {
+  void* const memory = counted(bytes);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+}  // namespace
+
+void* operator new(std::size_t bytes) {
+  return countedOrThrow(bytes);
+}
+void* operator new[](std::size_t bytes) {
+  return countedOrThrow(bytes);
+}
+void* operator new(std::size_t bytes, std::nothrow_t const&) noexcept {
+  return counted(bytes);
+}
+void* operator new[](std::size_t bytes, std::nothrow_t const&) noexcept {
+  return counted(bytes);
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::nothrow_t const&) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, std::nothrow_t const&) noexcept {
+  std::free(memory);
+}
+
+namespace Hardware::Kest::Slice {
+namespace {
+
+template <class Work>
+std::size_t allocationsOf(Work const& work) {
+  std::size_t const before = allocations;
+  work();
+  return allocations - before;
+}
+
+/// The texts are longer than any string that could do without memory of its own.
+template <class C>
+class Allocations : public testing::Test {
+ protected:
+  using Entity = typename C::Entity;
+  using Value = typename C::Value;
+
+  Mox::String8 const key{"Ethernet3/1/1, the port that is there"};
+  Mox::String8 const absent{"Ethernet4/1/1, the port that is not"};
+  Value const value = C::value(key, 1);
+  Value const other = C::value(key, 2);
+  Mox::Ptr<Entity> const entity{new Entity("slice")};
+  Mox::Ptr<typename C::Entry> const entry = C::newEntry(*entity, key, value);
+};
+
+using AllCollections =
+    testing::Types<SwitchPortOf<KestSliceDmaConfig>, NativeVlanOf<KestSliceDmaConfig>,
+                   SwitchportModeOf<KestSliceDmaConfig>, DeviceOf<KestSliceDmaConfig>,
+                   DeviceStateOf<KestSliceDmaConfig>, SwitchPortOf<KestSliceDmaStatus>,
+                   NativeVlanOf<KestSliceDmaStatus>, SwitchportModeOf<KestSliceDmaStatus>,
+                   DeviceOf<KestSliceDmaStatus>, DeviceStateOf<KestSliceDmaStatus>>;
+TYPED_TEST_SUITE(Allocations, AllCollections, CollectionNames);
+
+TYPED_TEST(Allocations, AreMadeForANewEntry) {
+  EXPECT_GT(allocationsOf([] { Mox::String8("made inside a library"); }), 0U);
+  auto const added = TypeParam::value(this->absent, 1);
+  EXPECT_GT(allocationsOf([&] { TypeParam::is(*this->entity, this->absent, added); }), 0U);
+}
+
+TYPED_TEST(Allocations, AreNotMadeByAChangeThatChangesNothing) {
+  Mox::Ptr<typename TypeParam::Entity> const empty(new typename TypeParam::Entity("empty"));
+  EXPECT_EQ(allocationsOf([&] {
+              TypeParam::is(*this->entity, this->key, this->value);
+              TypeParam::del(*this->entity, this->absent);
+              TypeParam::del(*this->entity, typename TypeParam::Iterator());
+              TypeParam::delAll(*empty);
+            }),
+            0U);
+  EXPECT_EQ(this->entity->changeCount(), 0U);
+}
+
+TYPED_TEST(Allocations, AreNotMadeByAnUpdateInPlace) {
+  EXPECT_EQ(allocationsOf([&] { TypeParam::is(*this->entity, this->key, this->other); }), 0U);
+  EXPECT_EQ(this->entity->changeCount(), 1U);
+  EXPECT_EQ(this->entry->value(), this->other);
+}
+
+TYPED_TEST(Allocations, AreNotMadeByALookup) {
+  EXPECT_EQ(allocationsOf([&] {
+              TypeParam::lookup(*this->entity, this->absent);
+              TypeParam::lookup(*this->entity, this->key);
+            }),
+            0U);
+  EXPECT_EQ(this->entity->lookupCount(), 2U);
+}
+
+TEST(SliceIdAllocations, AreNotMadeByAnyValueThatIsHeld) {
+  Mox::Ptr<KestSliceDmaConfig> const config(new KestSliceDmaConfig("slice"));
+  Mox::String8 const value("Linecard3/1, of two");
+  Mox::String8 const same("Linecard3/1, of two");
+  EXPECT_EQ(allocationsOf([&] {
+              config->sliceIdIs(value);
+              config->sliceIdIs(same);
+            }),
+            0U);
+  EXPECT_EQ(config->changeCount(), 1U);
+}
+
+}  // namespace
+}  // namespace Hardware::Kest::Slice

@@ -1,0 +1,96 @@
+#include <functional>
+#include <vector>
+
+#include "test/sm/SmFixture.h"
+
+namespace Hardware::Kest::Slice {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// Runs `onZero` when only observers hold the status any more.
+class ReleaseObserver : public KestSliceDmaStatus::NotifieeConst {
+ public:
+  ReleaseObserver(Mox::Ptr<KestSliceDmaStatus> const& status, std::function<void()> onZero)
+      : onZero_(std::move(onZero)) {
+    ReleaseObserver::notifierIs(status);
+    ReleaseObserver::isRegisteredNotifieeIs(true);
+  }
+  void onZeroReferences() override { onZero_(); }
+
+ private:
+  std::function<void()> onZero_;
+};
+
+using TeardownTest = SmTest;
+
+TEST_F(TeardownTest, TimerGoesBeforeTheStatusAndTheStatusBeforeTheConfigReactor) {
+  // What is left when the status is released: reactors hold their notifiers.
+  std::vector<unsigned> timers;
+  std::vector<unsigned> configReactors;
+  std::vector<std::size_t> registered;
+  Mox::Ptr<ReleaseObserver> const observer(new ReleaseObserver(status, [&] {
+    timers.push_back(clock->notifierReferences());
+    configReactors.push_back(config->notifierReferences());
+    registered.push_back(config->observers().count());
+  }));
+  ASSERT_EQ(clock->notifierReferences(), 1U);
+  status = nullptr;
+  EXPECT_THAT(timers, IsEmpty());
+
+  sm = nullptr;
+  EXPECT_THAT(timers, ElementsAre(0U));
+  EXPECT_THAT(configReactors, ElementsAre(1U));
+  EXPECT_THAT(registered, ElementsAre(0U));
+  EXPECT_EQ(config->notifierReferences(), 0U);
+}
+
+TEST_F(TeardownTest, MachineHoldsItsStatusButNotItsConfig) {
+  EXPECT_EQ(status->references() - status->notifierReferences(), 2U);
+  EXPECT_EQ(config->references() - config->notifierReferences(), 1U);
+  EXPECT_EQ(config->notifierReferences(), 1U);
+}
+
+TEST_F(TeardownTest, ReactorsThatOutliveTheMachineReactToNothing) {
+  auto const configReactor = sm->configReactor();
+  auto const timer = sm->stateTimerReactor();
+  sm->modeIs(SmMode::smModePolling_);
+  status->deviceStateIs("fap0", unknown);
+  journal.taken();
+
+  sm = nullptr;
+  EXPECT_TRUE(configReactor->moxMarkedForDeletion());
+  EXPECT_TRUE(timer->moxMarkedForDeletion());
+  EXPECT_EQ(configReactor->references(), 1U);
+  EXPECT_EQ(timer->references(), 1U);
+  config->switchPortIs(port("et1"));
+  config->deviceIs(device("fap0"));
+  configReactor->onSwitchPort("et1");
+  pass(2000000);
+  timer->onTime();
+  EXPECT_THAT(journal.taken(), IsEmpty());
+}
+
+TEST_F(TeardownTest, MachineWithoutReactorsGoesToo) {
+  sm->configIs(nullptr);
+  sm->stateTimerIs(nullptr);
+  sm = nullptr;
+  EXPECT_EQ(status->references() - status->notifierReferences(), 1U);
+}
+
+TEST_F(TeardownTest, AReleasedReactorLeavesItsNotifierByItself) {
+  auto config2 = Mox::Ptr<KestSliceDmaConfig>(new KestSliceDmaConfig("config2"));
+  Mox::Ptr<KestSliceDmaSm::MoxConfig> reactor(new KestSliceDmaSm::MoxConfig(sm.ptr(), config2));
+  Mox::Ptr<KestSliceDmaSm::MoxStateTimer> timer(new KestSliceDmaSm::MoxStateTimer(sm.ptr(), clock));
+  ASSERT_EQ(config2->observers().count(), 1U);
+  ASSERT_EQ(clock->timeMin(), 0);
+
+  reactor = nullptr;
+  timer = nullptr;
+  EXPECT_EQ(config2->observers().count(), 0U);
+  EXPECT_EQ(clock->timeMin(), Mox::Clock::never);
+}
+
+}  // namespace
+}  // namespace Hardware::Kest::Slice

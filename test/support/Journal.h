@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Support {
+
+using Lines = std::vector<std::string>;
+
+/// What happened during a test, in order, one line each, whoever wrote it: the order between a
+/// driver call, a pause, a trace and a change of the status shows in one place.
+class Journal {
+ public:
+  void add(std::string line) {
+    if (echo_) std::fprintf(stderr, "%s\n", line.c_str());
+    lines_.push_back(std::move(line));
+  }
+
+  /// The lines since the last time.
+  Lines taken() { return std::exchange(lines_, {}); }
+
+  /// Also writes each line to standard error: the only trace that a process leaves that ends.
+  void echoIs(bool echo) { echo_ = echo; }
+
+ private:
+  Lines lines_;
+  bool echo_ = false;
+};
+
+}  // namespace Support
