@@ -1,0 +1,43 @@
+#include "agent/Options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "agent/Version.h"
+
+namespace Kest::Agent {
+
+std::variant<Options, Exit> parseOptions(int argc, char const* const* argv) {
+  Options options;
+  CLI::App app(
+      "Keeps a linecard slice's DMA driver in step with a slice file.\n"
+      "SIGHUP reads the file again and applies what differs; SIGTERM and SIGINT end the agent.",
+      "kest-slice-agent");
+  app.add_option("SLICEFILE", options.sliceFile, "What the slice is to hold")->required();
+  app.add_option("--driver", options.driver,
+                 "Driver: 'sim' for the simulated one, or the path of a driver library")
+      ->type_name("DRIVER")
+      ->capture_default_str();
+  app.add_option("--driver-faults", options.faultFile, "Fault file for the simulated driver")
+      ->type_name("FILE");
+  app.add_flag("--once", options.once,
+               "End after the file was applied; exit code 1 if a port or device did not come up");
+  app.add_flag("-v,--verbose", options.verbose,
+               "Show every change on a terminal too, where only progress is shown otherwise");
+  app.add_option("--trace", options.trace,
+                 "Trace setting FACILITY/LEVELS[,...], as in 'KestSliceDma/0-2'; the default comes "
+                 "from MOX_TRACE")
+      ->type_name("SETTING");
+  app.set_version_flag("--version", std::string("kest-slice-agent ") + version);
+  app.footer(
+      "Exit codes: 0 done, 1 a port or device did not come up (--once), 2 the command line, the "
+      "slice file or the driver cannot be used; ended by a signal before --once was done: 128 and "
+      "its number.\nEnvironment: MOX_TRACE, NO_COLOR.");
+  try {
+    app.parse(argc, argv);
+  } catch (CLI::ParseError const& outcome) {
+    return app.exit(outcome) == 0 ? Exit::done : Exit::usage;
+  }
+  return options;
+}
+
+}  // namespace Kest::Agent

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <variant>
+
+namespace Kest::Agent {
+
+/// What the command line asks for.
+struct Options {
+  std::string sliceFile;
+  std::string driver = "sim";
+  std::string faultFile;  // empty: none
+  std::string trace;      // empty: as the environment says
+  bool once = false;
+  bool verbose = false;
+};
+
+/// How the program ends.
+enum class Exit : int {
+  done = 0,
+  notUp = 1,  // `--once`: a configured port or device did not come up
+  usage = 2,  // the command line, the slice file or the driver cannot be used
+};
+
+/// The options, or the exit code after `--help`, `--version` or an error, which has been shown.
+std::variant<Options, Exit> parseOptions(int argc, char const* const* argv);
+
+}  // namespace Kest::Agent

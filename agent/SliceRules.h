@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "model/DeviceState.h"
+#include "platform/mox/RangeException.h"
+#include "platform/mox/Strep.h"
+#include "platform/mox/String8.h"
+
+/// What the state machine's rules demand of configured values. The configuration entity takes
+/// anything; a value that breaks one of these would end the process when it is announced, so a
+/// slice file that holds one is refused. Each check throws `Mox::RangeException`.
+namespace Kest::Agent {
+
+inline void checkKey(std::string_view keyName, Mox::String8 const& key) {
+  if (keyName == "ifName" && key.pos("et") == Mox::String8::npos) {
+    Mox::throwRangeException(Mox::format("expected an interface name with 'et' in it, found %s",
+                                         Mox::valueToStrep(key).charPtr()));
+  }
+  if (key.empty()) Mox::throwRangeException("expected a device name, found an empty one");
+}
+
+constexpr std::uint16_t largestVlan = 4094;
+
+inline void checkValue(std::uint16_t vlan) {
+  if (vlan > largestVlan) {
+    Mox::throwRangeException(
+        Mox::format("expected a VLAN id from 1 to %d, or 0 for none, found %d", largestVlan, vlan));
+  }
+}
+
+inline void checkValue(Hardware::Kest::Slice::DeviceState state) {
+  if (state == Hardware::Kest::Slice::DeviceState::deviceStateUnknown_) {
+    Mox::throwRangeException("expected 'deviceStateUp' or 'deviceStateDown', found no state");
+  }
+}
+
+/// Every other value is the driver's to judge.
+template <class Value>
+void checkValue(Value const&) {}
+
+}  // namespace Kest::Agent

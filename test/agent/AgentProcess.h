@@ -1,0 +1,55 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Kest::Agent {
+
+/// The agent as a process of its own, in a given directory. Whatever waits for it gives up, and
+/// throws, after a deadline that no working agent comes near. A process that is still there at the
+/// end is killed.
+class AgentProcess {
+ public:
+  enum class Output { pipes, terminal };
+  using Environment = std::map<std::string, std::string>;
+
+  /// On a terminal both outputs are one and the lines end as they were written. The environment
+  /// holds `environment` and `TERM=xterm` alone, beside what the sanitizers want.
+  AgentProcess(std::string const& directory, std::vector<std::string> arguments,
+               Output output = Output::pipes, Environment environment = {});
+  AgentProcess(AgentProcess const&) = delete;
+  AgentProcess& operator=(AgentProcess const&) = delete;
+  ~AgentProcess();
+
+  void signalIs(int number) const;
+
+  /// Waits until standard output holds `text`; returns the output to its end and takes it.
+  std::string outputUntil(std::string const& text);
+
+  /// How the process ended: its exit code, or minus the signal that killed it. Its output is whole.
+  int ended();
+
+  /// What has not been taken of the output.
+  std::string const& output() const { return output_.text; }
+  std::string const& errors() const { return errors_.text; }
+
+ private:
+  struct Stream {
+    int fd = -1;
+    std::string text;
+  };
+  void startOnPipes(std::string const& directory, std::vector<std::string> const& command,
+                    Environment const& environment);
+  void startOnTerminal(std::string const& directory, std::vector<std::string> const& command,
+                       Environment const& environment);
+  bool readMore();
+
+  pid_t pid_ = -1;
+  Stream output_;
+  Stream errors_;
+};
+
+}  // namespace Kest::Agent

@@ -1,0 +1,385 @@
+#include "test/agent/AgentProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "test/agent/ScratchDirectory.h"
+
+namespace Kest::Agent {
+namespace {
+
+std::string const examples = KEST_EXAMPLES "/";
+
+std::string device(std::string const& name, std::string const& more = "") {
+  return "pciHam '/pci/" + name +
+         "'\ndevice Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': '" +
+         name + "', 'pciHam': EntityPtr('/pci/" + name + "', 'Fru::PciHam')" + more +
+         "})\ndeviceState '" + name + "' 'deviceStateUp'\n";
+}
+
+std::string port(int number) {
+  return "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** "
+         "{'ifName': 'et" +
+         std::to_string(number) + "'})\n";
+}
+
+/// More ports than an agent can create before a test has said what it wants to say.
+std::string manyPorts() {
+  std::string text;
+  for (int number = 1; number <= 1000; ++number) text += port(number);
+  return text;
+}
+
+class AgentOnce : public ScratchDirectory {};
+
+TEST_F(AgentOnce, BringsTheSmallExampleUpAndEndsWithItsStatus) {
+  fileIs("small.slice", [] {
+    std::ifstream file(examples + "small.slice");
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  }());
+  AgentProcess agent(directory, {"--once", "small.slice"});
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.errors(), "");
+  EXPECT_EQ(agent.output(), R"(config  ~ sliceId 'Linecard1'
+config  + device fap0
+status  device fap0: registered
+status  deviceState fap0: unknown
+config  + deviceState fap0 up
+status  deviceState fap0: up
+config  + switchportMode et1 access
+config  + switchportMode et2 dot1qTunnel
+config  + nativeVlan et1 10
+config  + nativeVlan et2 20
+config  + switchPort et1
+status  switchPort et1: created
+status  nativeVlan et1: 10
+status  switchportMode et1: access
+config  + switchPort et2
+status  switchPort et2: created
+status  nativeVlan et2: 20
+status  switchportMode et2: dot1qTunnel
+config  + switchPort et3
+status  switchPort et3: created
+config  + switchPort et4
+status  switchPort et4: created
+small.slice: announced 11 changes, 0 unchanged entries left alone
+device fap0 handle=/pci/0000:05:00.0 chip-type=arad registered=yes state=up
+port et1 device=fap0 destination=1 MAC=00:1c:73:00:00:01 created=yes native-VLAN=10 mode=access
+port et2 device=fap0 destination=2 MAC=00:1c:73:00:00:02 created=yes native-VLAN=20 mode=dot1qTunnel
+port et3 device=fap0 destination=3 MAC=00:1c:73:00:00:03 created=yes native-VLAN=- mode=-
+port et4 device=fap0 destination=4 MAC=00:1c:73:00:00:04 created=yes native-VLAN=- mode=-
+)");
+}
+
+TEST_F(AgentOnce, BringsTheFullExampleUp) {
+  std::string const file = examples + "full.slice";
+  AgentProcess agent(directory, {"--once", file});
+  agent.outputUntil(file + ": announced 67 changes, 0 unchanged entries left alone\n");
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.errors(), "");
+  EXPECT_EQ(std::count(agent.output().begin(), agent.output().end(), '\n'), 3 + 36);
+  EXPECT_EQ(agent.output().find("=no"), std::string::npos) << agent.output();
+}
+
+TEST_F(AgentOnce, AppliesAnEmptyFile) {
+  fileIs("slice", "");
+  AgentProcess agent(directory, {"--once", "slice"});
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.output(), "slice: announced 0 changes, 0 unchanged entries left alone\n");
+  EXPECT_EQ(agent.errors(), "");
+}
+
+TEST_F(AgentOnce, NamesWhatDidNotComeUpAndEndsWithOne) {
+  fileIs("slice", device("fap0") + device("fap1") + device("fap2") + port(1) + port(2));
+  fileIs("faults",
+         "fail kestDmaDeviceParam 'fap1' 22 always\n"
+         "fail kestDmaDeviceUp 'fap2' 5 times 1\n"
+         "fail kestDmaIfadd 'et2' 12 always\n");
+  AgentProcess agent(directory, {"--once", "slice", "--driver-faults", "faults"});
+  agent.outputUntil("slice: announced 8 changes, 0 unchanged entries left alone\n");
+  EXPECT_EQ(agent.ended(), 1);
+  EXPECT_EQ(agent.errors(), "");
+  EXPECT_EQ(agent.output(),
+            R"(device fap0 handle=/pci/fap0 chip-type=unknown registered=yes state=up
+device fap1 handle=/pci/fap1 chip-type=unknown registered=no state=unknown
+device fap2 handle=/pci/fap2 chip-type=unknown registered=yes state=unknown
+port et1 device=- destination=0 MAC=00:00:00:00:00:00 created=yes native-VLAN=- mode=-
+port et2 device=- destination=0 MAC=00:00:00:00:00:00 created=no native-VLAN=- mode=-
+not up: device fap1
+not up: device fap2
+not up: port et2
+)");
+}
+
+TEST_F(AgentOnce, EndsWithTheNumberOfASignalThatComesBeforeItIsDone) {
+  fileIs("slice", manyPorts());
+  for (auto const& [number, name] : {std::pair(SIGTERM, "SIGTERM"), {SIGINT, "SIGINT"}}) {
+    AgentProcess agent(directory, {"--once", "slice"});
+    agent.outputUntil("config  + switchPort et1\n");
+    agent.signalIs(number);
+    agent.outputUntil(std::string("ended by ") + name + "\n");
+    EXPECT_EQ(agent.ended(), 128 + number);
+    EXPECT_EQ(agent.output(), "") << "something was applied behind the end";
+    EXPECT_EQ(agent.errors(), "");
+  }
+}
+
+class AgentRefusal : public ScratchDirectory {
+ protected:
+  /// The message with which the agent ends, having said and done nothing.
+  std::string refusal(std::vector<std::string> const& arguments) const {
+    AgentProcess agent(directory, arguments);
+    EXPECT_EQ(agent.ended(), 2);
+    EXPECT_EQ(agent.output(), "");
+    return agent.errors();
+  }
+};
+
+TEST_F(AgentRefusal, OfTheCommandLine) {
+  EXPECT_EQ(refusal({}), "SLICEFILE is required\nRun with --help for more information.\n");
+  fileIs("slice", device("fap0"));
+  EXPECT_EQ(refusal({"slice", "--trace", "!"}),
+            "kest-slice-agent: trace setting '!': expected '/' and levels at column 1, found the "
+            "end\n");
+}
+
+TEST_F(AgentRefusal, OfTheSliceFile) {
+  EXPECT_EQ(refusal({"missing"}),
+            "kest-slice-agent: missing: cannot be read: No such file or directory\n");
+  EXPECT_EQ(refusal({"."}), "kest-slice-agent: .: cannot be read: Is a directory\n");
+  fileIs("slice", device("fap0") + "nativeVlan 'et1' 4095 # too many\n");
+  EXPECT_EQ(refusal({"slice"}),
+            "kest-slice-agent: slice:4:18: expected a VLAN id from 1 to 4094, or 0 for none, found "
+            "4095\n"
+            "  nativeVlan 'et1' 4095 # too many\n"
+            "                   ^\n");
+}
+
+TEST_F(AgentRefusal, OfTheDriver) {
+  fileIs("slice", device("fap0"));
+  EXPECT_EQ(refusal({"slice", "--driver", KEST_DRIVER_INCOMPLETE}),
+            "kest-slice-agent: driver " KEST_DRIVER_INCOMPLETE
+            " lacks\n  Hardware::Kest::kestDmaIsDeviceUp(Mox::String8, bool*)\n");
+  EXPECT_EQ(refusal({"slice", "--driver", "/missing.so"}),
+            "kest-slice-agent: driver /missing.so cannot be loaded: /missing.so: cannot open "
+            "shared object file: No such file or directory\n");
+}
+
+TEST_F(AgentRefusal, OfTheFaultFile) {
+  fileIs("slice", device("fap0"));
+  fileIs("faults", "fail\n");
+  EXPECT_EQ(refusal({"slice", "--driver-faults", "faults"}),
+            "kest-slice-agent: faults:1:5: expected the name of a driver operation, found the "
+            "end of the line\n");
+}
+
+class AgentReload : public ScratchDirectory {
+ protected:
+  static constexpr char const* upAndRunning =
+      "device fap0 handle=/pci/fap0 chip-type=unknown registered=yes state=up\n";
+
+  /// Ends the agent, which has said all that it is to say.
+  static void end(AgentProcess& agent, int signal, std::string const& name) {
+    agent.signalIs(signal);
+    EXPECT_EQ(agent.ended(), 0);
+    EXPECT_EQ(agent.output(), "ended by " + name + "\n");
+    EXPECT_EQ(agent.errors(), "");
+  }
+};
+
+TEST_F(AgentReload, AppliesOnlyWhatDiffers) {
+  fileIs("slice", device("fap0") + port(1) + "nativeVlan 'et1' 10\n");
+  AgentProcess agent(directory, {"slice"});
+  agent.outputUntil("native-VLAN=10 mode=access\n");
+
+  fileIs("slice", device("fap0", ", 'numFaps': 2") + port(1) + port(2) +
+                      "nativeVlan 'et1' 20\nnativeVlan 'et3' 30\n");
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("left alone\n"), R"(config  ~ device fap0
+status  deviceState fap0: unknown
+config  ! deviceState fap0 announced again
+status  deviceState fap0: up
+config  ~ nativeVlan et1 10 -> 20
+status  nativeVlan et1: 20
+config  + nativeVlan et3 30
+config  + switchPort et2
+status  switchPort et2: created
+slice: announced 5 changes, 2 unchanged entries left alone
+)");
+
+  fileIs("slice", "sliceId 'empty'\n");
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("left alone\n"), R"(config  ~ sliceId 'empty'
+config  - device fap0
+status  device fap0: removed
+config  - deviceState fap0
+config  - nativeVlan et1
+status  nativeVlan et1: removed
+status  switchportMode et1: removed
+config  - nativeVlan et3
+config  - switchPort et1
+status  switchPort et1: removed
+config  - switchPort et2
+status  switchPort et2: removed
+slice: announced 7 changes, 0 unchanged entries left alone
+)");
+  end(agent, SIGTERM, "SIGTERM");
+}
+
+TEST_F(AgentReload, OfTheSameFileAnnouncesNothing) {
+  fileIs("slice", device("fap0"));
+  AgentProcess agent(directory, {"slice"});
+  agent.outputUntil(upAndRunning);
+  for (int times = 0; times < 2; ++times) {
+    agent.signalIs(SIGHUP);
+    EXPECT_EQ(agent.outputUntil("left alone\n"),
+              "slice: announced 0 changes, 2 unchanged entries left alone\n");
+  }
+  end(agent, SIGINT, "SIGINT");
+}
+
+TEST_F(AgentReload, OfABadFileChangesNothing) {
+  fileIs("slice", device("fap0"));
+  AgentProcess agent(directory, {"slice"});
+  agent.outputUntil(upAndRunning);
+
+  fileIs("slice", "sliceId 'new'\ndeviceState 'fap0' 'deviceStateUnknown'\n");
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("^\n"),
+            "not reloaded: slice:2:20: expected 'deviceStateUp' or 'deviceStateDown', found no "
+            "state\n"
+            "  deviceState 'fap0' 'deviceStateUnknown'\n"
+            "                     ^\n");
+  std::filesystem::remove(directory + "/slice");
+  std::filesystem::create_directory(directory + "/slice");
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("\n"), "not reloaded: slice: cannot be read: Is a directory\n");
+  std::filesystem::remove(directory + "/slice");
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("\n"),
+            "not reloaded: slice: cannot be read: No such file or directory\n");
+
+  fileIs("slice", device("fap0"));
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("left alone\n"),
+            "slice: announced 0 changes, 2 unchanged entries left alone\n");
+  end(agent, SIGTERM, "SIGTERM");
+}
+
+TEST_F(AgentReload, WaitsUntilTheFirstApplicationIsWhole) {
+  fileIs("slice", port(1) + port(2) + port(3) + port(4));
+  AgentProcess agent(directory, {"slice"});
+  agent.outputUntil("config  + switchPort et1\n");
+  fileIs("slice", port(1) + port(2) + port(3));
+  agent.signalIs(SIGHUP);
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("left alone\n"), R"(status  switchPort et1: created
+config  + switchPort et2
+status  switchPort et2: created
+config  + switchPort et3
+status  switchPort et3: created
+config  + switchPort et4
+status  switchPort et4: created
+slice: announced 4 changes, 0 unchanged entries left alone
+)");
+  EXPECT_EQ(
+      agent.outputUntil("left alone\n"),
+      R"(port et1 device=- destination=0 MAC=00:00:00:00:00:00 created=yes native-VLAN=- mode=-
+port et2 device=- destination=0 MAC=00:00:00:00:00:00 created=yes native-VLAN=- mode=-
+port et3 device=- destination=0 MAC=00:00:00:00:00:00 created=yes native-VLAN=- mode=-
+port et4 device=- destination=0 MAC=00:00:00:00:00:00 created=yes native-VLAN=- mode=-
+config  - switchPort et4
+status  switchPort et4: removed
+slice: announced 1 change, 3 unchanged entries left alone
+)");
+  end(agent, SIGTERM, "SIGTERM");
+}
+
+TEST_F(AgentReload, IsNotWaitedForWhenTheAgentIsToEnd) {
+  fileIs("slice", manyPorts());
+  AgentProcess agent(directory, {"slice"});
+  agent.outputUntil("config  + switchPort et1\n");
+  agent.signalIs(SIGHUP);
+  agent.signalIs(SIGTERM);
+  agent.outputUntil("ended by SIGTERM\n");
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.output(), "");
+  EXPECT_EQ(agent.errors(), "");
+}
+
+class AgentOnATerminal : public ScratchDirectory {
+ protected:
+  AgentOnATerminal() {
+    fileIs("slice", device("fap0") + port(1) + "switchportMode 'et1' 'switchportModeTrunk'\n");
+  }
+
+  static constexpr char const* progress =
+      "ports [........................] 0/1  + device fap0\r\x1b[K"
+      "ports [........................] 0/1  + deviceState fap0 up\r\x1b[K"
+      "ports [........................] 0/1  + switchportMode et1 trunk\r\x1b[K"
+      "ports [........................] 0/1  + switchPort et1\r\x1b[K"
+      "slice: announced 4 changes, 0 unchanged entries left alone\n";
+  static constexpr char const* table = R"(
+device  handle     chip type  registered  state
+fap0    /pci/fap0  unknown    yes         up
+
+interface  device  destination  MAC                created  native VLAN  mode
+et1        -       0            00:00:00:00:00:00  yes      -            -
+)";
+};
+
+TEST_F(AgentOnATerminal, ShowsProgressAndThenTables) {
+  AgentProcess agent(directory, {"--once", "slice"}, AgentProcess::Output::terminal,
+                     {{"NO_COLOR", "1"}});
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.output(), std::string(progress) + table);
+}
+
+TEST_F(AgentOnATerminal, ColoursUnlessNoColorHasAValue) {
+  AgentProcess agent(directory, {"--once", "slice"}, AgentProcess::Output::terminal,
+                     {{"NO_COLOR", ""}});
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.output(),
+            std::string(progress) +
+                "\n\x1b[1mdevice\x1b[0m  \x1b[1mhandle   \x1b[0m  \x1b[1mchip type\x1b[0m  "
+                "\x1b[1mregistered\x1b[0m  \x1b[1mstate\x1b[0m\n"
+                "fap0    /pci/fap0  unknown    \x1b[32myes       \x1b[0m  \x1b[32mup\x1b[0m\n"
+                "\n\x1b[1minterface\x1b[0m  \x1b[1mdevice\x1b[0m  \x1b[1mdestination\x1b[0m  "
+                "\x1b[1mMAC              \x1b[0m  \x1b[1mcreated\x1b[0m  \x1b[1mnative "
+                "VLAN\x1b[0m  \x1b[1mmode\x1b[0m\n"
+                "et1        -       0            00:00:00:00:00:00  \x1b[32myes    \x1b[0m  -     "
+                "       -\n");
+}
+
+TEST_F(AgentOnATerminal, ShowsPlainLinesWhenTheTerminalIsDumb) {
+  AgentProcess agent(directory, {"--once", "slice"}, AgentProcess::Output::terminal,
+                     {{"TERM", "dumb"}});
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.output(), R"(config  + device fap0
+status  device fap0: registered
+status  deviceState fap0: unknown
+config  + deviceState fap0 up
+status  deviceState fap0: up
+config  + switchportMode et1 trunk
+config  + switchPort et1
+status  switchPort et1: created
+slice: announced 4 changes, 0 unchanged entries left alone
+device fap0 handle=/pci/fap0 chip-type=unknown registered=yes state=up
+port et1 device=- destination=0 MAC=00:00:00:00:00:00 created=yes native-VLAN=- mode=-
+)");
+}
+
+TEST_F(AgentOnATerminal, ShowsTheTablesAgainWhenTheFileIsReadAgain) {
+  AgentProcess agent(directory, {"slice"}, AgentProcess::Output::terminal, {{"NO_COLOR", "1"}});
+  EXPECT_EQ(agent.outputUntil("-            -\n"), std::string(progress) + table);
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("-            -\n"),
+            std::string("slice: announced 0 changes, 4 unchanged entries left alone\n") + table);
+  agent.signalIs(SIGINT);
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.output(), "ended by SIGINT\n");
+}
+
+}  // namespace
+}  // namespace Kest::Agent
