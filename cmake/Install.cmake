@@ -1,0 +1,38 @@
+# What `cmake --install` lays out, so that others build against the library:
+# the CMake package kest-slice-dma with the targets kest::mox, kest::slice_dma and kest::driver_sim,
+# a pkg-config file, the headers under include/kest-slice-dma, the agent and the examples.
+include(CMakePackageConfigHelpers)
+
+set(KEST_INCLUDE_DIR include/kest-slice-dma)
+set(KEST_LIB_DIR lib)  # the agent looks for the simulated driver in ../lib
+set(KEST_PACKAGE_DIR ${KEST_LIB_DIR}/cmake/kest-slice-dma)
+
+set_target_properties(kest_slice_dma PROPERTIES EXPORT_NAME slice_dma)
+set_target_properties(kest_driver_sim PROPERTIES EXPORT_NAME driver_sim)
+foreach(target mox kest_slice_dma kest_driver_sim)
+  target_include_directories(${target} INTERFACE $<INSTALL_INTERFACE:${KEST_INCLUDE_DIR}>)
+  target_compile_features(${target} INTERFACE cxx_std_20)
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
+endforeach()
+set_target_properties(kest-slice-agent PROPERTIES INSTALL_RPATH "$ORIGIN/../${KEST_LIB_DIR}")
+
+install(TARGETS mox kest_slice_dma kest_driver_sim kest-slice-agent EXPORT kest-slice-dma
+  RUNTIME DESTINATION bin
+  LIBRARY DESTINATION ${KEST_LIB_DIR})
+install(DIRECTORY platform model driver sm DESTINATION ${KEST_INCLUDE_DIR}
+  FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY examples/ DESTINATION share/kest-slice-dma/examples)
+
+install(EXPORT kest-slice-dma NAMESPACE kest:: FILE kest-slice-dma-targets.cmake
+  DESTINATION ${KEST_PACKAGE_DIR})
+configure_package_config_file(cmake/kest-slice-dma-config.cmake.in
+  ${CMAKE_BINARY_DIR}/kest-slice-dma-config.cmake INSTALL_DESTINATION ${KEST_PACKAGE_DIR})
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/kest-slice-dma-config-version.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES
+  ${CMAKE_BINARY_DIR}/kest-slice-dma-config.cmake
+  ${CMAKE_BINARY_DIR}/kest-slice-dma-config-version.cmake
+  DESTINATION ${KEST_PACKAGE_DIR})
+
+configure_file(cmake/kest-slice-dma.pc.in ${CMAKE_BINARY_DIR}/kest-slice-dma.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/kest-slice-dma.pc DESTINATION ${KEST_LIB_DIR}/pkgconfig)

@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# includes.sh ROOT: every include in the repository at ROOT stays on its floor or goes down, is written
+# from the repository's root, and leaves the platform's details alone; every header can be included
+# twice. Each defect is a line `file:line: what`.
+set -euo pipefail
+export LC_ALL=C
+
+cd "${1:?usage: includes.sh ROOT}"
+defects=0
+
+defect() {
+  echo "$*"
+  defects=$((defects + 1))
+}
+
+# What the files of FOLDER may include, as a pattern. The first that matches holds.
+allowed_in() {
+  case "$1" in
+    platform/*) echo 'platform/' ;;
+    model/*) echo '(model|platform)/' ;;
+    driver/*/*) echo "${1%/*}/|driver/[^/]+$|platform/" ;;
+    driver/*) echo 'driver/[^/]+$|platform/' ;;
+    sm/*) echo '(sm|model|platform)/|driver/[^/]+$' ;;
+    registry/*) echo '(registry|model|sm|platform)/' ;;
+    agent/*) echo '(agent|registry|sm|model|platform)/|driver/[^/]+$' ;;
+    ctl/*) echo '(ctl|agent)/' ;;
+  esac
+}
+
+check_include() {
+  local file=$1 line=$2 target=$3
+  if [[ $target == *../* ]] || ! [[ $target =~ ^($(allowed_in "$file")) ]]; then
+    defect "$file:$line: ${file%%/*}/ may not include $target"
+  elif [[ $target =~ ^platform/.*detail && $file != platform/* ]]; then
+    defect "$file:$line: $target is a detail of the platform"
+  fi
+}
+
+mapfile -t folders < <(ls -d platform model driver sm registry agent ctl 2>/dev/null)
+((${#folders[@]})) || { echo "no product folder in $PWD"; exit 1; }
+
+# Includes in quotation marks, and those in angle brackets that lead into the repository.
+include='^[[:space:]]*#[[:space:]]*include[[:space:]]*("|<(platform|model|driver|sm|registry|agent|ctl)/)'
+includes=$(grep -rnE --include='*.h' --include='*.cpp' --include='*.in' "$include" "${folders[@]}" | sort -t: -k1,1 -k2,2n)
+[[ -n $includes ]] || { echo "no include found in $PWD"; exit 1; }
+while IFS=: read -r file line text; do
+  target=${text#*[\"<]}
+  check_include "$file" "$line" "${target%%[\">]*}"
+done <<<"$includes"
+
+for folder in "${folders[@]}" test bench fuzz; do
+  [[ -d $folder ]] || continue
+  while IFS= read -r file; do
+    defect "$file:1: no #pragma once"
+  done < <(grep -rLE --include='*.h' --include='*.h.in' '^#pragma once$' "$folder" | sort)
+done
+
+((defects == 0)) || { echo "$defects defects"; exit 1; }

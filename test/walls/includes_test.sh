@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# includes.sh finds what is planted here, at its line, and nothing else.
+set -euo pipefail
+
+check=$(cd "$(dirname "$0")" && pwd)/includes.sh
+tree=$(mktemp -d)
+trap 'rm -rf "$tree"' EXIT
+
+# plant FILE LINE...: a file with these lines.
+plant() {
+  local file=$tree/$1
+  shift
+  mkdir -p "$(dirname "$file")"
+  printf '%s\n' "$@" >"$file"
+}
+
+# expect EXIT_CODE TEXT: what includes.sh makes of the tree.
+expect() {
+  local code=0 found
+  found=$("$check" "$tree" 2>&1) || code=$?
+  [[ $code == "$1" ]] || { echo "expected exit code $1, found $code:" "$found"; exit 1; }
+  diff <(echo "$2") <(echo "$found") || { echo "expected < , found >"; exit 1; }
+}
+
+plant platform/mox/Ptr.h '#pragma once' '#include <atomic>' '#include "platform/mox/Name.h"' \
+  '#include "platform/detail/EnumText.h"'
+plant model/Entity.h '#pragma once' '#include "model/detail/Table.h"' '#include "platform/mox/Ptr.h"'
+plant driver/sim/Sim.cpp '#include "driver/sim/Sim.h"' '#include "driver/KestDma.h"'
+plant sm/Sm.cpp '#include "driver/KestDma.h"' '#include "model/Entity.h"' '#include "sm/detail/Reactor.h"'
+plant registry/Types.cpp '#include "sm/Sm.h"'
+plant agent/main.cpp '#include <CLI/CLI.hpp>' '#include "registry/Types.h"' '#include "agent/Agent.h"'
+plant test/sm/Fixture.h '#pragma once' '#include "agent/Agent.h"'
+expect 0 ""
+
+plant agent/Agent.h '#include "driver/sim/Sim.h"'
+plant driver/KestDma.h '#pragma once' '#include "driver/sim/Sim.h"'
+plant driver/sim/Up.cpp '#include "model/Entity.h"' '#include "driver/tap/Tap.h"'
+plant model/Up.cpp '#include "model/Up.h"' '' ' #  include "sm/Sm.h"' '#include <agent/Agent.h>'
+plant platform/mox/Up.h '#pragma once' '#include "model/Entity.h"'
+plant registry/Low.cpp '#include "driver/KestDma.h"' '#include "platform/mox/detail/Rep.h"'
+plant sm/Low.cpp '#include "platform/detail/EnumText.h"' '#include "model/../agent/Agent.h"' '#include "Sm.h"'
+plant sm/Sim.cpp '#include "driver/sim/Sim.h"' '#include "registry/Types.h"'
+plant test/sm/Bare.h 'int once;'
+expect 1 "agent/Agent.h:1: agent/ may not include driver/sim/Sim.h
+driver/KestDma.h:2: driver/ may not include driver/sim/Sim.h
+driver/sim/Up.cpp:1: driver/ may not include model/Entity.h
+driver/sim/Up.cpp:2: driver/ may not include driver/tap/Tap.h
+model/Up.cpp:3: model/ may not include sm/Sm.h
+model/Up.cpp:4: model/ may not include agent/Agent.h
+platform/mox/Up.h:2: platform/ may not include model/Entity.h
+registry/Low.cpp:1: registry/ may not include driver/KestDma.h
+registry/Low.cpp:2: platform/mox/detail/Rep.h is a detail of the platform
+sm/Low.cpp:1: platform/detail/EnumText.h is a detail of the platform
+sm/Low.cpp:2: sm/ may not include model/../agent/Agent.h
+sm/Low.cpp:3: sm/ may not include Sm.h
+sm/Sim.cpp:1: sm/ may not include driver/sim/Sim.h
+sm/Sim.cpp:2: sm/ may not include registry/Types.h
+agent/Agent.h:1: no #pragma once
+test/sm/Bare.h:1: no #pragma once
+16 defects"
