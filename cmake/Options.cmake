@@ -34,6 +34,8 @@ if(KEST_32BIT)
 endif()
 
 if(KEST_SANITIZE)
+  # Less optimised: reports stay readable, and the instrumented code compiles twice as fast.
+  add_compile_options(-O1 -g1)
   add_compile_options(-fsanitize=${KEST_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KEST_SANITIZE})
 endif()

@@ -28,10 +28,7 @@ symbols() {
 # The encoded name begins with its scope, whatever its arguments are: `Hardware::Kest::Slice`, not
 # `detail` below it; perhaps after what makes it a table, a type description, a guard or a thunk.
 scope='^_Z(T[VITS]|G[VR]|Z|T[hv][n0-9_]+_)*N[VK]*[RO]?8Hardware4Kest5Slice'
-# Templates of the C++ library, where they are not inlined, are weak in whoever uses them.
-instance='^_Z(T[VITS])?(N[VK]*)?S[tabsiod][^ ]* [WVu] '
-exported=$(nm --dynamic --format=posix --defined-only "$library" |
-  grep -vE "$instance" | cut -d' ' -f1 | sort -u || true)
+exported=$(symbols "$library" --defined-only)
 foreign=$(grep -vE "$scope" <<<"$exported" || true)
 private=$(grep -E "${scope}6detail" <<<"$exported" || true)
 

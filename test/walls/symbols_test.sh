@@ -42,12 +42,11 @@ int kestDmaIsDeviceUp(String8, bool*);
 void kestDmaDump();
 int kestDmaReset();
 }
-namespace std { template <class T> T twice(T value) { return value + value; } }
 namespace Hardware::Kest::Slice {
 namespace detail { struct Iterator {}; }
 struct Record {
   virtual ~Record() = default;
-  static int& counter() { static int c = std::twice(Mox::now()); return c; }
+  static int& counter() { static int c = Mox::now(); return c; }
 };
 Record record;
 void del(detail::Iterator) { Record::counter()++; }
@@ -72,8 +71,10 @@ build lib.so <<<"$declarations
 namespace Hardware::Kest::Slice { void useMost() { $most_operations kestDmaReset(); } }
 namespace Hardware::Kest::Slice::detail { int inner = 1; }
 namespace Hardware::Kest::Slices { int near = 1; }
-int outside = 1;"
+namespace std { template <class T> T twice(T value) { return value + value; } }
+int outside = std::twice(1);"
 expect 1 "lib.so: exports what is not of Hardware::Kest::Slice: Hardware::Kest::Slices::near
+exports what is not of Hardware::Kest::Slice: int std::twice<int>(int)
 exports what is not of Hardware::Kest::Slice: outside
 exports a detail: Hardware::Kest::Slice::detail::inner
 takes from elsewhere: Hardware::Kest::kestDmaReset()
