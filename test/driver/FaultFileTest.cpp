@@ -100,9 +100,9 @@ TEST(FaultFile, ReadsTheExample) {
   driver.faultFileIs(KEST_FAULTS_EXAMPLE);
   EXPECT_EQ(driver.faultsText(),
             "fail kestDmaIfadd 'et3/1' 11 times 20\n"
-            "fail kestDmaDeviceParam 'fap1' 22 always\n"
+            "fail kestDmaDeviceParam 'fap3/1' 22 always\n"
             "fail kestDmaDeviceUp * 5 times 1\n"
-            "flip 'fap0' after 30 kestDmaIsDeviceUp 'fap0'\n");
+            "flip 'fap3/0' after 30 kestDmaIsDeviceUp 'fap3/0'\n");
 }
 
 TEST(FaultFile, FirstMatchingFaultAnswersUntilItIsUsedUp) {
