@@ -31,10 +31,6 @@ class LineReader {
 
   [[noreturn]] void refuse(std::string_view expected) const;
 
-  /// A refusal's text. The readers of some values say no more than their type: what they expected
-  /// and found is said for them.
-  std::string explained(std::string_view refusal) const;
-
   /// Reads a value and checks it; one that fails the check is refused where it starts.
   template <class T, class Check>
   T value(Check const& check) {

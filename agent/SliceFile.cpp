@@ -7,6 +7,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 #include "agent/FileError.h"
@@ -57,7 +58,7 @@ class SliceParser {
       statement(reader);
       if (!reader.isDone()) reader.refuse("the end of the line");
     } catch (Mox::RangeException const& refused) {
-      throw FileError(name_, line_, reader.column(), reader.explained(refused.text().view()), line);
+      throw FileError(name_, line_, reader.column(), refused.text().view(), line);
     }
   }
 
@@ -104,7 +105,17 @@ class SliceParser {
       collection.valueIs(Collection::keyOf(record), record);
     } else {
       auto const key = reader.value<Mox::String8>(checkedKey);
-      collection.valueIs(key, reader.value<Value>([](Value const& v) { checkValue(v); }));
+      collection.valueIs(key, value<Value>(reader));
+    }
+  }
+
+  template <class Value>
+  static Value value(LineReader& reader) {
+    if constexpr (std::is_same_v<Value, Hardware::Kest::Slice::DeviceState>) {
+      // By name, since not every state will do.
+      return Hardware::Kest::Slice::DeviceStateInstance(reader.value<Mox::String8>(checkStateName));
+    } else {
+      return reader.value<Value>([](Value const& v) { checkValue(v); });
     }
   }
 

@@ -30,10 +30,14 @@ inline void checkValue(std::uint16_t vlan) {
   }
 }
 
-inline void checkValue(Hardware::Kest::Slice::DeviceState state) {
-  if (state == Hardware::Kest::Slice::DeviceState::deviceStateUnknown_) {
-    Mox::throwRangeException("expected 'deviceStateUp' or 'deviceStateDown', found no state");
-  }
+/// The states that a device can be brought to, by their names.
+inline void checkStateName(Mox::String8 const& name) {
+  using Hardware::Kest::Slice::DeviceState;
+  Mox::String8 const up = stringValue(DeviceState::deviceStateUp_);
+  Mox::String8 const down = stringValue(DeviceState::deviceStateDown_);
+  if (name == up || name == down) return;
+  Mox::throwRangeException(Mox::format("expected '%s' or '%s', found %s", up.charPtr(),
+                                       down.charPtr(), Mox::valueToStrep(name).charPtr()));
 }
 
 /// Every other value is the driver's to judge.

@@ -18,7 +18,7 @@ enum class SwitchportMode : std::int32_t {
 MOX_API Mox::String8 stringValue(SwitchportMode value);
 /// `RangeException` "SwitchportMode" for a number that no enumerator has.
 MOX_API SwitchportMode SwitchportModeInstance(unsigned int number);
-/// `RangeException` "SwitchportMode" for a name that no enumerator has.
+/// `RangeException` "expected ..., found ..." for a name that no enumerator has.
 MOX_API SwitchportMode SwitchportModeInstance(Mox::String8 const& name);
 /// The name in apostrophes.
 MOX_API Mox::String8 valueToStrep(SwitchportMode const& value);

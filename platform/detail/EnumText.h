@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <ostream>
+#include <string>
 
 #include "platform/mox/Strep.h"
 
@@ -30,7 +31,8 @@ struct EnumText {
     for (std::size_t number = 0; number < count; ++number) {
       if (name == names[number]) return static_cast<Enum>(number);
     }
-    throwRangeException(typeName);
+    throwRangeException(
+        String8("expected " + choices() + ", found " + valueToStrep(name).charPtr()));
   }
 
   Enum read(String8::IteratorConst& it, String8::IteratorConst const& end) const {
@@ -42,6 +44,16 @@ struct EnumText {
       it = start;
       throw;
     }
+  }
+
+  /// The names, as in "'a', 'b' or 'c'".
+  std::string choices() const {
+    std::string all;
+    for (std::size_t number = 0; number < count; ++number) {
+      if (number > 0) all += number + 1 < count ? ", " : " or ";
+      all.append("'").append(names[number]).append("'");
+    }
+    return all;
   }
 };
 

@@ -28,7 +28,10 @@ EthAddr::EthAddr(Mox::String8 const& text) {
     good = readOctet(chars.substr(i * octetWidth, 2), octets_[i]) &&
            (i == 0 || chars[i * octetWidth - 1] == ':');
   }
-  if (!good) Mox::throwRangeException("EthAddr");
+  if (good) return;
+  Mox::throwRangeException(
+      Mox::format("expected a MAC address such as '00:1c:73:0a:0b:0c', found %s",
+                  Mox::valueToStrep(text).charPtr()));
 }
 
 Mox::String8 EthAddr::stringValue() const {

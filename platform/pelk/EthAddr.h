@@ -15,8 +15,8 @@ class MOX_API EthAddr {
 
   constexpr EthAddr() = default;
   constexpr explicit EthAddr(Octets octets) noexcept : octets_(octets) {}
-  /// From the text form `00:1c:73:0a:0b:0c`, digits of either case; `RangeException` "EthAddr"
-  /// otherwise.
+  /// From the text form `00:1c:73:0a:0b:0c`, digits of either case; `RangeException`
+  /// "expected ..., found ..." otherwise.
   explicit EthAddr(Mox::String8 const& text);
 
   constexpr Octets const& octets() const noexcept { return octets_; }

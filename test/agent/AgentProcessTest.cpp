@@ -247,8 +247,8 @@ TEST_F(AgentReload, OfABadFileChangesNothing) {
   fileIs("slice", "sliceId 'new'\ndeviceState 'fap0' 'deviceStateUnknown'\n");
   agent.signalIs(SIGHUP);
   EXPECT_EQ(agent.outputUntil("^\n"),
-            "not reloaded: slice:2:20: expected 'deviceStateUp' or 'deviceStateDown', found no "
-            "state\n"
+            "not reloaded: slice:2:20: expected 'deviceStateUp' or 'deviceStateDown', "
+            "found 'deviceStateUnknown'\n"
             "  deviceState 'fap0' 'deviceStateUnknown'\n"
             "                     ^\n");
   std::filesystem::remove(directory + "/slice");

@@ -203,7 +203,7 @@ switchportMode 'et1' 'switchportModeTrunk')",
   switchportMode 'et1' 'switchportModeTrunk'
                  ^)"},
     {"StateUnknownToMachine", R"(deviceState 'fap0' 'deviceStateUnknown')",
-     R"(slice:1:20: expected 'deviceStateUp' or 'deviceStateDown', found no state
+     R"(slice:1:20: expected 'deviceStateUp' or 'deviceStateDown', found 'deviceStateUnknown'
   deviceState 'fap0' 'deviceStateUnknown'
                      ^)"},
     {"StateIsNoState", R"(deviceState 'fap0' 'up')",

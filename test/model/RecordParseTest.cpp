@@ -243,10 +243,14 @@ TEST(RecordRefusal, OfAValueNamesItsField) {
       fields<ConfigSwitchPort>("'fapNum': 1.5", "expected ,, found '.'"),
       fields<ConfigSwitchPort>("'ctrl': true", "ctrl: expected True or False, found 't'"),
       fields<ConfigSwitchPort>("'hwLag': 1", "hwLag: expected True or False, found '1'"),
-      fields<ConfigSwitchPort>("'macAddr': '00:1c:73:0a:0b'", "macAddr: EthAddr"),
+      fields<ConfigSwitchPort>(
+          "'macAddr': '00:1c:73:0a:0b'",
+          "macAddr: expected a MAC address such as '00:1c:73:0a:0b:0c', found '00:1c:73:0a:0b'"),
       fields<ConfigSwitchPort>("'macAddr': 0",
                                "macAddr: expected a string in apostrophes, found '0'"),
-      fields<ConfigDevice>("'fapType': 'fapTypeJericho'", "fapType: FapType"),
+      fields<ConfigDevice>("'fapType': 'fapTypeOther'",
+                           "fapType: expected 'fapTypeUnknown', 'fapTypeArad' or "
+                           "'fapTypeAradDual', found 'fapTypeOther'"),
       fields<ConfigDevice>("'fapType': 1", "fapType: expected a string in apostrophes, found '1'"),
       fields<ConfigDevice>("'pciHam': Nothing", "pciHam: expected EntityPtr or None, found 'N'"),
       fields<ConfigDevice>("'pciHam': EntityPtr('/pci/nowhere', 'Fru::PciHam')",

@@ -28,6 +28,9 @@ struct Expected;
 template <>
 struct Expected<SwitchportMode> {
   static constexpr char const* type = "SwitchportMode";
+  static std::string choices() {
+    return "expected 'switchportModeAccess', 'switchportModeTrunk' or 'switchportModeDot1qTunnel'";
+  }
   static constexpr std::array names = {"switchportModeAccess", "switchportModeTrunk",
                                        "switchportModeDot1qTunnel"};
   static constexpr std::array values = {SwitchportMode::switchportModeAccess_,
@@ -42,6 +45,9 @@ struct Expected<SwitchportMode> {
 template <>
 struct Expected<FapType> {
   static constexpr char const* type = "FapType";
+  static std::string choices() {
+    return "expected 'fapTypeUnknown', 'fapTypeArad' or 'fapTypeAradDual'";
+  }
   static constexpr std::array names = {"fapTypeUnknown", "fapTypeArad", "fapTypeAradDual"};
   static constexpr std::array values = {FapType::fapTypeUnknown_, FapType::fapTypeArad_,
                                         FapType::fapTypeAradDual_};
@@ -54,6 +60,9 @@ struct Expected<FapType> {
 template <>
 struct Expected<SmMode> {
   static constexpr char const* type = "SmMode";
+  static std::string choices() {
+    return "expected 'smModeInitial', 'smModeStandby' or 'smModePolling'";
+  }
   static constexpr std::array names = {"smModeInitial", "smModeStandby", "smModePolling"};
   static constexpr std::array values = {SmMode::smModeInitial_, SmMode::smModeStandby_,
                                         SmMode::smModePolling_};
@@ -101,7 +110,8 @@ TYPED_TEST(EnumTest, RefusesNumbersAndNamesThatNoEnumeratorHas) {
   }
   std::string const first = E::names[0];
   for (std::string const& name : {std::string(), first + " ", first + "_", std::string("0")}) {
-    EXPECT_EQ(refusal([&] { E::instance(String8(name)); }), E::type) << name;
+    EXPECT_EQ(refusal([&] { E::instance(String8(name)); }),
+              E::choices() + ", found '" + name + "'");
   }
 }
 
@@ -110,7 +120,7 @@ TYPED_TEST(EnumTest, ARefusedTextIsLeftAtItsStart) {
   String8::IteratorConst it = text.begin();
   ++it;
   EXPECT_EQ(refusal([&] { sequenceToValue(it, text.end(), static_cast<TypeParam*>(nullptr)); }),
-            Expected<TypeParam>::type);
+            Expected<TypeParam>::choices() + ", found 'noSuchName'");
   EXPECT_EQ(it.pos(), 1U);
 }
 

@@ -43,7 +43,9 @@ TEST(EthAddrTest, RefusesAnyOtherText) {
        {"", "00:1c:73:0a:0b", "00:1c:73:0a:0b:fc:", "00:1c:73:0a:0b:fc:01", "001c730a0bfc",
         "00-1c-73-0a-0b-fc", "00:1c:73:0a:0b:fg", "00:1c:73:0a:0b: c", "00:1c:73:0a:0b:+c",
         "00:1c:73:0a:0b:-1", "0:01c:73:0a:0b:fc", " 00:1c:73:0a:0b:f", "00:1c:73:0a:0b:0x"}) {
-    EXPECT_EQ(refusal([&] { EthAddr{String8(text)}; }), "EthAddr") << text;
+    EXPECT_EQ(
+        refusal([&] { EthAddr{String8(text)}; }),
+        std::string("expected a MAC address such as '00:1c:73:0a:0b:0c', found '") + text + "'");
   }
 }
 
@@ -63,7 +65,7 @@ TEST(EthAddrTest, ARefusedTextIsLeftAtItsStart) {
   String8::IteratorConst it = text.begin();
   ++it;
   EXPECT_EQ(refusal([&] { sequenceToValue(it, text.end(), static_cast<EthAddr*>(nullptr)); }),
-            "EthAddr");
+            "expected a MAC address such as '00:1c:73:0a:0b:0c', found '00:1c'");
   EXPECT_EQ(it.pos(), 1U);
 }
 

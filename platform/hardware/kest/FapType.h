@@ -18,7 +18,7 @@ enum class FapType : std::int32_t {
 MOX_API Mox::String8 stringValue(FapType value);
 /// `RangeException` "FapType" for a number that no enumerator has.
 MOX_API FapType FapTypeInstance(unsigned int number);
-/// `RangeException` "FapType" for a name that no enumerator has.
+/// `RangeException` "expected ..., found ..." for a name that no enumerator has.
 MOX_API FapType FapTypeInstance(Mox::String8 const& name);
 /// The name in apostrophes.
 MOX_API Mox::String8 valueToStrep(FapType const& value);

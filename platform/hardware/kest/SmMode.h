@@ -18,7 +18,7 @@ enum class SmMode : std::int32_t {
 MOX_API Mox::String8 stringValue(SmMode value);
 /// `RangeException` "SmMode" for a number that no enumerator has.
 MOX_API SmMode SmModeInstance(unsigned int number);
-/// `RangeException` "SmMode" for a name that no enumerator has.
+/// `RangeException` "expected ..., found ..." for a name that no enumerator has.
 MOX_API SmMode SmModeInstance(Mox::String8 const& name);
 /// The name in apostrophes.
 MOX_API Mox::String8 valueToStrep(SmMode const& value);
