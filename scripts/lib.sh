@@ -8,7 +8,7 @@ logs=$root/build/logs
 # shellcheck disable=SC2034  # used by the scripts that source this file
 product_folders=(platform model driver sm registry agent ctl)
 
-build_packages=(g++ cmake ninja-build libcli11-dev)
+build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 
 # g++-multilib is for the 32-bit preset, binutils for the checks of exported symbols.
 # shellcheck disable=SC2034

@@ -11,6 +11,11 @@ std::ostream& operator<<(std::ostream& out, Call const& call) {
   return call.injected ? out << " (fault)" : out;
 }
 
+std::ostream& operator<<(std::ostream& out, CallLog const& log) {
+  for (Call const& call : log.calls_) out << call << '\n';
+  return out;
+}
+
 void CallLog::add(Call call) {
   call.sequence = ++total_;
   calls_.push_back(std::move(call));

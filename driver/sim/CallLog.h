@@ -39,6 +39,9 @@ class CallLog {
   std::uint64_t total() const noexcept { return total_; }
   std::uint64_t dropped() const noexcept { return total_ - calls_.size(); }
 
+  /// A line for each call.
+  friend KEST_SIM_API std::ostream& operator<<(std::ostream& out, CallLog const& log);
+
  private:
   std::size_t capacity_;
   std::uint64_t total_ = 0;

@@ -3,6 +3,7 @@
 #include <iosfwd>
 #include <map>
 #include <optional>
+#include <utility>
 
 #include "driver/sim/Export.h"
 #include "platform/hardware/kest/FapType.h"
@@ -46,6 +47,11 @@ class Devices {
  public:
   static constexpr unsigned maxFaps = 3;
 
+  Devices() = default;
+  /// As they were: `devices` is what `all()` once gave.
+  explicit Devices(std::map<Mox::String8, Device> devices) noexcept
+      : devices_(std::move(devices)) {}
+
   /// Names the chip at `pciPath`, up or down. EINVAL: the name is empty. EEXIST: another chip has
   /// that name.
   int rename(Mox::String8 const& devName, Mox::String8 const& pciPath);
@@ -65,6 +71,8 @@ class Devices {
   Mox::String8 nameAt(Mox::String8 const& pciPath) const;
   /// By PCI path.
   std::map<Mox::String8, Device> const& all() const noexcept { return devices_; }
+
+  bool operator==(Devices const&) const = default;
 
  private:
   Device* find(Mox::String8 const& devName);

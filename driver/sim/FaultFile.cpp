@@ -1,11 +1,7 @@
 #include "driver/sim/FaultFile.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <limits>
-#include <memory>
 #include <optional>
 
 #include "driver/sim/Devices.h"
@@ -146,23 +142,6 @@ Faults readFaults(std::string_view text, std::string const& source, Devices cons
     }
   }
   return faults;
-}
-
-std::string readFile(std::string const& path) {
-  auto const refuse = [&] {
-    Mox::throwRangeException(
-        Mox::format("%s: cannot be read: %s", path.c_str(), std::strerror(errno)));
-  };
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const file(std::fopen(path.c_str(), "rb"),
-                                                             &std::fclose);
-  if (!file) refuse();
-  std::string text;
-  char block[4096];
-  while (std::size_t const bytes = std::fread(block, 1, sizeof block, file.get())) {
-    text.append(block, bytes);
-  }
-  if (std::ferror(file.get()) != 0) refuse();
-  return text;
 }
 
 }  // namespace Hardware::Kest::Sim

@@ -30,7 +30,4 @@ struct Faults {
 /// @throw Mox::RangeException "SOURCE:LINE:COLUMN: expected ..., found ...", both counted from 1
 Faults readFaults(std::string_view text, std::string const& source, Devices const& devices);
 
-/// @throw Mox::RangeException when the file cannot be read
-std::string readFile(std::string const& path);
-
 }  // namespace Hardware::Kest::Sim

@@ -14,8 +14,6 @@ using Mox::String8;
 
 namespace {
 
-constexpr unsigned short lastVlan = 4094;
-
 bool isMacAddr(String8 const& text) {
   try {
     Pelk::EthAddr const addr(text);
@@ -50,10 +48,9 @@ int Interfaces::del(String8 const& ifName) {
 int Interfaces::nativeVlan(String8 const& ifName, bool mode, unsigned short vlanId) {
   auto const at = interfaces_.find(ifName);
   if (at == interfaces_.end()) return ENODEV;
-  bool const clears = vlanId == Interface::noVlan;
-  if (!clears && (vlanId < 1 || vlanId > lastVlan)) return EINVAL;
+  if (!Interface::isNativeVlan(vlanId)) return EINVAL;
   at->second.nativeVlan = vlanId;
-  at->second.mode = mode && !clears;
+  at->second.mode = mode && vlanId != Interface::noVlan;
   return 0;
 }
 

@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 #include <map>
+#include <utility>
 
 #include "driver/sim/Export.h"
 #include "platform/mox/String8.h"
@@ -26,7 +27,11 @@ struct InterfaceParam {
 
 /// One kernel network interface.
 struct Interface {
+  static constexpr unsigned short lastVlan = 4094;
   static constexpr unsigned short noVlan = 4096;
+  static constexpr bool isNativeVlan(unsigned short vlanId) {
+    return (vlanId >= 1 && vlanId <= lastVlan) || vlanId == noVlan;
+  }
 
   InterfaceParam param;
   unsigned short nativeVlan = noVlan;
@@ -42,6 +47,11 @@ KEST_SIM_API std::ostream& operator<<(std::ostream& out, Interface const& interf
 /// nothing. An operation on an interface that does not exist answers ENODEV.
 class Interfaces {
  public:
+  Interfaces() = default;
+  /// As they were: `interfaces` is what `all()` once gave.
+  explicit Interfaces(std::map<Mox::String8, Interface> interfaces) noexcept
+      : interfaces_(std::move(interfaces)) {}
+
   /// Makes the interface, or gives an existing one new parameters and leaves its native VLAN.
   /// EINVAL: the name is empty, the MAC address malformed, or the device has no FAP of that number.
   /// ENODEV: no device has that name. Without a device `fapNum` means nothing; on a device whose
@@ -54,6 +64,8 @@ class Interfaces {
   void deviceRenamed(Mox::String8 const& from, Mox::String8 const& to);
 
   std::map<Mox::String8, Interface> const& all() const noexcept { return interfaces_; }
+
+  bool operator==(Interfaces const&) const = default;
 
  private:
   std::map<Mox::String8, Interface> interfaces_;

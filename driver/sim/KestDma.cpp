@@ -1,11 +1,8 @@
 #include "driver/KestDma.h"
 
-#include <cstdio>
-#include <exception>
-
 #include "driver/sim/SimDriver.h"
 
-/// The nine driver functions and the C entry, on the process's simulated slice.
+/// The nine driver functions, on the process's simulated slice.
 namespace Hardware::Kest {
 
 namespace {
@@ -63,13 +60,3 @@ KEST_SIM_API void kestDmaDump() {
 }
 
 }  // namespace Hardware::Kest
-
-int kestDmaSimFaultFileIs(char const* path, char* error, unsigned errorBytes) {
-  try {
-    Hardware::Kest::Sim::simDriver().faultFileIs(path);
-    return 0;
-  } catch (std::exception const& exception) {
-    std::snprintf(error, errorBytes, "%s", exception.what());
-    return -1;
-  }
-}

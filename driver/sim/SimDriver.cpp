@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "driver/sim/FaultFile.h"
+#include "driver/sim/File.h"
 #include "platform/mox/Strep.h"
 
 namespace Hardware::Kest::Sim {
@@ -19,6 +20,13 @@ std::string argumentsText(String8 const& name, Rest const&... rest) {
   std::ostringstream out;
   out << Mox::valueToStrep(name);
   ((out << ", " << rest), ...);
+  return out.str();
+}
+
+template <class Value>
+std::string streamed(Value const& value) {
+  std::ostringstream out;
+  out << value;
   return out.str();
 }
 
@@ -37,26 +45,27 @@ int SimDriver::call(Operation operation, String8 const& name, std::string const&
   int const result = outcome.answer ? *outcome.answer : carry();
   log_.add({operation, name, arguments, result, outcome.answer.has_value()});
   for (String8 const& devName : outcome.flipped) {
-    if (devices_.flip(devName) != 0) {
+    if (state_.devices.flip(devName) != 0) {
       std::fprintf(stderr, "kest-dma-sim: there is no device '%s' to flip\n", devName.charPtr());
     }
   }
+  keepState();
   return result;
 }
 
 int SimDriver::ifadd(String8 const& ifName, InterfaceParam const& param) noexcept {
   return call(Operation::ifadd, ifName, argumentsText(ifName, param),
-              [&] { return interfaces_.add(ifName, param, devices_); });
+              [&] { return state_.interfaces.add(ifName, param, state_.devices); });
 }
 
 int SimDriver::ifdel(String8 const& ifName) noexcept {
   return call(Operation::ifdel, ifName, argumentsText(ifName),
-              [&] { return interfaces_.del(ifName); });
+              [&] { return state_.interfaces.del(ifName); });
 }
 
 int SimDriver::nativeVlan(String8 const& ifName, bool mode, unsigned short vlanId) noexcept {
   return call(Operation::nativeVlan, ifName, argumentsText(ifName, Mox::valueToStrep(mode), vlanId),
-              [&] { return interfaces_.nativeVlan(ifName, mode, vlanId); });
+              [&] { return state_.interfaces.nativeVlan(ifName, mode, vlanId); });
 }
 
 int SimDriver::deviceRename(String8 const& devName,
@@ -65,32 +74,32 @@ int SimDriver::deviceRename(String8 const& devName,
   String8 const pciText = pciHam ? Mox::valueToStrep(pciPath) : String8("None");
   return call(Operation::deviceRename, devName, argumentsText(devName, pciText), [&] {
     if (!pciHam) return ENODEV;
-    String8 const before = devices_.nameAt(pciPath);
-    int const result = devices_.rename(devName, pciPath);
-    if (result == 0) interfaces_.deviceRenamed(before, devName);
+    String8 const before = state_.devices.nameAt(pciPath);
+    int const result = state_.devices.rename(devName, pciPath);
+    if (result == 0) state_.interfaces.deviceRenamed(before, devName);
     return result;
   });
 }
 
 int SimDriver::deviceParam(String8 const& devName, DeviceParam const& param) noexcept {
   return call(Operation::deviceParam, devName, argumentsText(devName, param),
-              [&] { return devices_.param(devName, param); });
+              [&] { return state_.devices.param(devName, param); });
 }
 
 int SimDriver::deviceDown(String8 const& devName) noexcept {
   return call(Operation::deviceDown, devName, argumentsText(devName),
-              [&] { return devices_.down(devName); });
+              [&] { return state_.devices.down(devName); });
 }
 
 int SimDriver::deviceUp(String8 const& devName) noexcept {
   return call(Operation::deviceUp, devName, argumentsText(devName),
-              [&] { return devices_.up(devName); });
+              [&] { return state_.devices.up(devName); });
 }
 
 int SimDriver::isDeviceUp(String8 const& devName, bool* up) noexcept {
   std::string arguments = argumentsText(devName);
   return call(Operation::isDeviceUp, devName, arguments, [&] {
-    int const result = devices_.isUp(devName, up);
+    int const result = state_.devices.isUp(devName, up);
     if (result == 0) arguments += *up ? ", up" : ", down";
     return result;
   });
@@ -109,7 +118,7 @@ Interface const* SimDriver::interface(String8 const& ifName) const {
 }
 
 Device const* SimDriver::device(String8 const& devName) const {
-  return devices_.named(devName);
+  return state_.devices.named(devName);
 }
 
 void SimDriver::dump(std::ostream& out) const {
@@ -122,8 +131,7 @@ void SimDriver::dump(std::ostream& out) const {
   for (auto const& [pciPath, device] : devices()) {
     out << "device at " << Mox::valueToStrep(pciPath) << ": " << device << '\n';
   }
-  out << faults_;
-  for (Call const& logged : log_.calls()) out << logged << '\n';
+  out << faults_ << log_;
 }
 
 std::string SimDriver::dumpText() const {
@@ -132,10 +140,19 @@ std::string SimDriver::dumpText() const {
   return out.str();
 }
 
+std::string SimDriver::logText() const {
+  return streamed(log_);
+}
+
+std::string SimDriver::stateText() const {
+  return Sim::stateText(state_);
+}
+
 void SimDriver::faultsAre(std::string_view text, std::string const& source) {
-  Faults faults = readFaults(text, source, devices_);
+  Faults faults = readFaults(text, source, state_.devices);
   faults_ = std::move(faults.table);
-  for (String8 const& devName : faults.flips) devices_.flip(devName);
+  for (String8 const& devName : faults.flips) state_.devices.flip(devName);
+  keepState();
 }
 
 void SimDriver::faultFileIs(std::string const& path) {
@@ -143,18 +160,29 @@ void SimDriver::faultFileIs(std::string const& path) {
 }
 
 std::string SimDriver::faultsText() const {
-  std::ostringstream out;
-  out << faults_;
-  return out.str();
+  return streamed(faults_);
 }
 
 int SimDriver::deviceFlip(String8 const& devName) {
-  return devices_.flip(devName);
+  int const result = state_.devices.flip(devName);
+  keepState();
+  return result;
+}
+
+void SimDriver::stateFileIs(std::string const& path) {
+  StateFile file(path);
+  if (std::optional<SliceState> loaded = file.load()) state_ = *std::move(loaded);
+  stateFile_ = std::move(file);
+  keepState();
+}
+
+void SimDriver::keepState() {
+  if (stateFile_) stateFile_->keep(state_);
 }
 
 void SimDriver::reset() {
-  interfaces_ = {};
-  devices_ = {};
+  stateFile_.reset();
+  state_ = {};
   faults_ = {};
   log_.clear();
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <iosfwd>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,8 @@
 #include "driver/sim/Export.h"
 #include "driver/sim/FaultTable.h"
 #include "driver/sim/Interfaces.h"
+#include "driver/sim/StateFile.h"
+#include "driver/sim/StateText.h"
 #include "platform/fru/PciHam.h"
 #include "platform/mox/Ptr.h"
 #include "platform/mox/String8.h"
@@ -50,13 +53,17 @@ class KEST_SIM_API SimDriver {
   /// Null when there is none of that name; valid until the next operation.
   Interface const* interface(Mox::String8 const& ifName) const;
   Device const* device(Mox::String8 const& devName) const;
-  std::map<Mox::String8, Interface> const& interfaces() const { return interfaces_.all(); }
+  std::map<Mox::String8, Interface> const& interfaces() const { return state_.interfaces.all(); }
   /// By PCI path.
-  std::map<Mox::String8, Device> const& devices() const { return devices_.all(); }
+  std::map<Mox::String8, Device> const& devices() const { return state_.devices.all(); }
   CallLog const& log() const { return log_; }
   /// Everything, for people.
   void dump(std::ostream& out) const;
   std::string dumpText() const;
+  /// The calls still in the log, a line each.
+  std::string logText() const;
+  /// Interfaces and devices, in the form of state files.
+  std::string stateText() const;
 
   // What goes wrong.
 
@@ -72,29 +79,33 @@ class KEST_SIM_API SimDriver {
   /// A device changes its state behind its owner's back. 19: there is no such device.
   int deviceFlip(Mox::String8 const& devName);
 
-  /// Back to an empty slice without faults and with an empty log.
+  // What outlives the process.
+
+  /// Interfaces and devices become those of the file, unless it is missing or empty; from then on
+  /// every change of them is in the file before the call that made it returns (`StateFile`). Faults
+  /// and log are left as they are and not kept: a fault is planned for one run and counts that
+  /// run's calls, and the log says what this process did. Nothing changes when it throws.
+  /// @throw Mox::RangeException "PATH...: ..." as `readState` says, or when it cannot be read
+  void stateFileIs(std::string const& path);
+
+  /// Back to an empty slice without faults and with an empty log. A state file is left as it is and
+  /// no longer kept.
   void reset();
 
  private:
   template <class Carry>
   int call(Operation operation, Mox::String8 const& name, std::string const& arguments,
            Carry carry);
+  /// Owed by everything that may have changed the state.
+  void keepState();
 
-  Interfaces interfaces_;
-  Devices devices_;
+  SliceState state_;
   CallLog log_;
   FaultTable faults_;
+  std::optional<StateFile> stateFile_;
 };
 
 /// The one that this library's nine driver functions work on.
 KEST_SIM_API SimDriver& simDriver();
 
 }  // namespace Hardware::Kest::Sim
-
-/// `simDriver().faultFileIs(path)` for a process that loads this library without being linked
-/// against it.
-///
-/// @param error where to store the error's text, cut to fit and ended by a NUL
-/// @return 0, or -1 with an error
-extern "C" KEST_SIM_API int kestDmaSimFaultFileIs(char const* path, char* error,
-                                                  unsigned errorBytes);

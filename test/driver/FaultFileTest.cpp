@@ -5,6 +5,7 @@
 #include <fstream>
 #include <string>
 
+#include "driver/sim/SimControl.h"
 #include "driver/sim/SimDriver.h"
 #include "platform/mox/RangeException.h"
 #include "test/driver/SimFixture.h"

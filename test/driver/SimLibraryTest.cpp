@@ -8,7 +8,7 @@
 namespace Hardware::Kest {
 namespace {
 
-TEST(SimLibrary, ExportsTheNineFunctionsAndTheFaultEntry) {
+TEST(SimLibrary, ExportsTheNineFunctionsAndTheEntriesInTermsOfC) {
   void* const library = dlopen(KEST_DRIVER_SIM, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(library, nullptr) << dlerror();
   for (char const* symbol : {
@@ -22,6 +22,10 @@ TEST(SimLibrary, ExportsTheNineFunctionsAndTheFaultEntry) {
            "_ZN8Hardware4Kest17kestDmaIsDeviceUpEN3Mox7String8EPb",
            "_ZN8Hardware4Kest11kestDmaDumpEv",
            "kestDmaSimFaultFileIs",
+           "kestDmaSimFaultsAre",
+           "kestDmaSimStateFileIs",
+           "kestDmaSimDeviceFlip",
+           "kestDmaSimText",
        }) {
     EXPECT_NE(dlsym(library, symbol), nullptr) << symbol;
   }

@@ -1,0 +1,91 @@
+#include "driver/sim/SimControl.h"
+
+#include <cstdio>
+#include <exception>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+#include "driver/sim/SimDriver.h"
+#include "platform/mox/RangeException.h"
+#include "platform/mox/Strep.h"
+
+namespace {
+
+using Hardware::Kest::Sim::SimDriver;
+using Hardware::Kest::Sim::simDriver;
+using Mox::String8;
+
+/// An entry's result for the work that it does.
+template <class Work>
+int answered(char* error, unsigned errorBytes, Work work) noexcept {
+  try {
+    work();
+    return 0;
+  } catch (std::exception const& exception) {
+    std::snprintf(error, errorBytes, "%s", exception.what());
+  } catch (...) {  // out of a caller's sink
+    std::snprintf(error, errorBytes, "unknown exception");
+  }
+  return -1;
+}
+
+std::string string(char const* chars) {
+  return chars == nullptr ? "" : chars;
+}
+
+struct Text {
+  std::string_view what;
+  std::string (SimDriver::*text)() const;
+};
+
+constexpr Text texts[] = {
+    {"dump", &SimDriver::dumpText},
+    {"log", &SimDriver::logText},
+    {"faults", &SimDriver::faultsText},
+    {"state", &SimDriver::stateText},
+};
+
+std::string textOf(std::string const& what) {
+  std::string known;
+  for (Text const& text : texts) {
+    if (text.what == what) return (simDriver().*text.text)();
+    if (!known.empty()) known += &text == std::end(texts) - 1 ? " or " : ", ";
+    known += text.what;
+  }
+  Mox::throwRangeException(
+      String8("expected " + known + ", found " + Mox::valueToStrep(String8(what)).charPtr()));
+}
+
+}  // namespace
+
+int kestDmaSimFaultFileIs(char const* path, char* error, unsigned errorBytes) noexcept {
+  return answered(error, errorBytes, [&] { simDriver().faultFileIs(string(path)); });
+}
+
+int kestDmaSimFaultsAre(char const* text, char* error, unsigned errorBytes) noexcept {
+  return answered(error, errorBytes, [&] { simDriver().faultsAre(string(text)); });
+}
+
+int kestDmaSimStateFileIs(char const* path, char* error, unsigned errorBytes) noexcept {
+  return answered(error, errorBytes, [&] { simDriver().stateFileIs(string(path)); });
+}
+
+int kestDmaSimDeviceFlip(char const* devName, unsigned devNameBytes, char* error,
+                         unsigned errorBytes) noexcept {
+  return answered(error, errorBytes, [&] {
+    String8 const name(std::string_view(devName, devNameBytes));
+    if (simDriver().deviceFlip(name) != 0) {
+      Mox::throwRangeException(
+          Mox::format("there is no device %s to flip", Mox::valueToStrep(name).charPtr()));
+    }
+  });
+}
+
+int kestDmaSimText(char const* what, void (*sink)(void* context, char const* text, unsigned bytes),
+                   void* context, char* error, unsigned errorBytes) noexcept {
+  return answered(error, errorBytes, [&] {
+    std::string const text = textOf(string(what));
+    sink(context, text.data(), static_cast<unsigned>(text.size()));
+  });
+}

@@ -1,0 +1,259 @@
+#include "driver/sim/StateFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <string_view>
+
+#include "driver/sim/SimDriver.h"
+#include "platform/mox/RangeException.h"
+#include "test/driver/SimFixture.h"
+
+namespace Hardware::Kest::Sim {
+namespace {
+
+using namespace std::string_view_literals;
+using testing::ElementsAre;
+
+std::string refusal(SimDriver& driver, std::string const& path) {
+  try {
+    driver.stateFileIs(path);
+  } catch (Mox::RangeException const& exception) {
+    return exception.what();
+  }
+  return "accepted";
+}
+
+/// What a process that starts with this file has.
+std::string loaded(std::string const& path) {
+  SimDriver driver;
+  driver.stateFileIs(path);
+  return driver.stateText();
+}
+
+TEST(StateFile, HoldsEveryChangeOnceTheCallHasReturned) {
+  TempFolder const folder;
+  std::string const path = folder.file("state");
+  SimDriver driver;
+  driver.stateFileIs(path);
+  EXPECT_FALSE(std::filesystem::exists(path));
+
+  auto const expectWritten = [&](char const* what) {
+    EXPECT_EQ(contentOf(path), driver.stateText()) << what;
+    std::filesystem::remove(path);  // so that the next call has to write it again
+  };
+  driver.deviceRename("fap0", pciHam("a"));
+  expectWritten("rename");
+  driver.deviceRename("fap0", pciHam("b"));
+  expectWritten("a rename that fails, but makes a chip appear");
+  driver.deviceParam("fap0", faps(2));
+  expectWritten("param");
+  driver.deviceUp("fap0");
+  expectWritten("up");
+  driver.ifadd("et1", portOn("fap0", 1));
+  expectWritten("ifadd");
+  driver.nativeVlan("et1", true, 10);
+  expectWritten("native VLAN");
+  driver.deviceFlip("fap0");
+  expectWritten("flip");
+  driver.faultsAre("flip 'fap0'\nflip 'fap0' after 2 kestDmaIfdel *");
+  expectWritten("flip of a fault text");
+  driver.ifdel("et1");
+  expectWritten("ifdel");
+  driver.ifdel("et1");
+  expectWritten("flip after a call that changed nothing itself");
+  driver.deviceUp("fap0");
+  expectWritten("up again");
+  driver.deviceDown("fap0");
+  expectWritten("down");
+}
+
+TEST(StateFile, IsNotWrittenWhenNothingHasChanged) {
+  TempFolder const folder;
+  SimDriver driver;
+  addFap0(driver);
+  driver.deviceUp("fap0");
+  driver.ifadd("et1", portOn("fap0", 1));
+  driver.stateFileIs(folder.file("state"));
+  EXPECT_EQ(loaded(folder.file("state")), driver.stateText());
+
+  std::filesystem::remove(folder.file("state"));
+  bool up = false;
+  driver.isDeviceUp("fap0", &up);
+  driver.deviceUp("fap0");
+  driver.deviceParam("fap0", faps(1));
+  driver.deviceRename("fap0", pciHam("0000:05:00.0"));
+  driver.ifadd("et1", portOn("fap0", 1));
+  driver.nativeVlan("et1", true, 4096);
+  driver.ifdel("et2");
+  driver.deviceFlip("fap9");
+  driver.faultsAre("fail kestDmaDeviceDown * 5 always");
+  driver.deviceDown("fap0");
+  EXPECT_THAT(folder.names(), ElementsAre());
+}
+
+TEST(StateFile, IsReplacedAsAWhole) {
+  TempFolder const folder;
+  SimDriver driver;
+  driver.stateFileIs(folder.file("state"));
+  driver.ifadd("et1", portOn("", 0));
+  std::string const before = driver.stateText();
+  std::ofstream(folder.file("state.tmp")) << "left by a process that was killed";
+  std::ifstream reader(folder.file("state"));
+  driver.ifdel("et1");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), before);
+  EXPECT_EQ(contentOf(folder.file("state")), driver.stateText());
+  EXPECT_THAT(folder.names(), ElementsAre("state"));
+}
+
+TEST(StateFile, LeavesFaultsAndLogAndTakesThePlaceOfTheState) {
+  TempFolder const folder;
+  SimDriver first;
+  first.stateFileIs(folder.file("state"));
+  addFap0(first);
+  first.faultsAre("fail kestDmaIfdel * 7 always");
+
+  SimDriver second;
+  second.ifadd("et9", portOn("", 0));
+  second.faultsAre("fail kestDmaIfadd * 5 always");
+  second.stateFileIs(folder.file("state"));
+  EXPECT_EQ(second.interfaces(), first.interfaces());
+  EXPECT_EQ(second.devices(), first.devices());
+  EXPECT_EQ(second.faultsText(), "fail kestDmaIfadd * 5 always\n");
+  EXPECT_EQ(second.log().total(), 1u);
+
+  second.stateFileIs(folder.file("other"));
+  EXPECT_EQ(contentOf(folder.file("other")), second.stateText());
+  std::string const left = contentOf(folder.file("state"));
+  second.deviceFlip("fap0");
+  EXPECT_EQ(contentOf(folder.file("state")), left);
+  EXPECT_EQ(contentOf(folder.file("other")), second.stateText());
+  std::string const kept = second.stateText();
+  second.reset();
+  second.ifadd("et1", portOn("", 0));
+  EXPECT_EQ(contentOf(folder.file("other")), kept);
+}
+
+TEST(StateFile, IsRefusedWholeAndThenLeftAlone) {
+  TempFolder const folder;
+  SimDriver driver;
+  addFap0(driver);
+  driver.stateFileIs(folder.file("good"));
+  std::string const before = driver.dumpText();
+  std::string const bad = folder.file("bad");
+  std::string const text = "{\"format\": \"kest-dma-sim-state/1\",\n\"interfaces\": 1}";
+  std::ofstream(bad) << text;
+  EXPECT_EQ(refusal(driver, bad), bad + ": /interfaces: expected an object, found 1");
+  EXPECT_EQ(refusal(driver, folder.path()), folder.path() + ": cannot be read: Is a directory");
+  EXPECT_EQ(refusal(driver, bad + "/state"), bad + "/state: cannot be read: Not a directory");
+  EXPECT_EQ(refusal(driver, ""), "expected the path of a state file, found an empty one");
+  EXPECT_EQ(driver.dumpText(), before);
+  driver.deviceFlip("fap0");
+  EXPECT_EQ(contentOf(bad), text);
+  EXPECT_EQ(contentOf(folder.file("good")), driver.stateText());
+
+  std::ofstream(bad, std::ios::trunc).close();
+  EXPECT_EQ(refusal(driver, bad), "accepted");  // an empty file is as good as none
+  EXPECT_EQ(contentOf(bad), driver.stateText());
+}
+
+TEST(StateFile, ReportsOnceThatItCannotBeWrittenAndTriesAgain) {
+  TempFolder const folder;
+  std::string const home = folder.file("home");
+  std::string const path = home + "/state";
+  std::string const report = "kest-dma-sim: " + path +
+                             ": cannot be written: No such file or directory; trying again with "
+                             "every operation\n";
+  SimDriver driver;
+  driver.stateFileIs(path);
+  bool up = false;
+
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(driver.ifadd("et1", portOn("", 0)), 0);
+  EXPECT_EQ(driver.ifadd("et2", portOn("", 0)), 0);
+  EXPECT_EQ(driver.interfaces().size(), 2u);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), report);
+
+  std::filesystem::create_directory(home);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(driver.isDeviceUp("fap0", &up), 19);
+  EXPECT_EQ(contentOf(path), driver.stateText());
+  std::filesystem::remove_all(home);
+  EXPECT_EQ(driver.ifdel("et1"), 0);
+  EXPECT_EQ(driver.ifdel("et1"), 19);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), report);
+
+  std::filesystem::create_directories(path + "/in the way");
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(driver.ifdel("et2"), 0);  // an empty slice again, as in the file that is missing
+  EXPECT_EQ(driver.ifadd("et2", portOn("", 0)), 0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  std::filesystem::remove_all(home);
+}
+
+/// One operation at random, often one that changes something.
+void operate(SimDriver& driver, std::mt19937_64& random) {
+  static Mox::String8 const devNames[] = {"", "fap0", "fap%31", "\xc3\xa9",
+                                          Mox::String8("\0\xff"sv)};
+  static Mox::String8 const ifNames[] = {"et1", "et3/1", "~\"\\\n", "\xed\xa0\x80", "%"};
+  auto const below = [&](unsigned bound) { return static_cast<unsigned>(random() % bound); };
+  Mox::String8 const devName = devNames[below(5)];
+  Mox::String8 const ifName = ifNames[below(5)];
+  auto const number = [&] { return below(3) == 0 ? static_cast<unsigned>(random()) : below(9); };
+  auto const integer = [&] { return static_cast<int>(number()); };
+  switch (below(9)) {
+    case 0:
+    case 1:
+      driver.ifadd(ifName, {integer(), integer(), integer(), devName,
+                            devName.empty() ? integer() : static_cast<int>(below(4)), below(2) == 0,
+                            below(2) == 0, "00:1C:73:0a:0b:0c"});
+      break;
+    case 2:
+      if (below(3) == 0) driver.ifdel(ifName);
+      break;
+    case 3:
+      driver.nativeVlan(ifName, below(2) == 0, static_cast<unsigned short>(4090 + below(10)));
+      break;
+    case 4:
+      driver.deviceRename(devName, pciHam(devNames[1 + below(3)].charPtr()));
+      break;
+    case 5:
+      driver.deviceParam(devName, {below(5), static_cast<FapType>(below(5)), number(), number(),
+                                   number(), number(), number(), number(), number()});
+      break;
+    case 6:
+      driver.deviceDown(devName);
+      break;
+    case 7:
+      driver.deviceUp(devName);
+      break;
+    default:
+      driver.deviceFlip(devName);
+  }
+}
+
+TEST(StateFile, GivesTheNextProcessTheSameSliceAtAnyTime) {
+  for (std::uint64_t seed = 1; seed <= 8; ++seed) {
+    TempFolder const folder;
+    std::mt19937_64 random(seed);
+    SimDriver first;
+    first.stateFileIs(folder.file("state"));
+    for (int step = 0; step < 150; ++step) {
+      operate(first, random);
+      SimDriver second;
+      second.stateFileIs(folder.file("state"));
+      ASSERT_TRUE(second.interfaces() == first.interfaces() && second.devices() == first.devices())
+          << "seed " << seed << ", step " << step << "\n"
+          << first.stateText() << second.stateText();
+    }
+    EXPECT_FALSE(first.interfaces().empty()) << seed;
+    EXPECT_FALSE(first.devices().empty()) << seed;
+  }
+}
+
+}  // namespace
+}  // namespace Hardware::Kest::Sim
