@@ -22,6 +22,10 @@ std::ostream& operator<<(std::ostream& out, ConfigSwitchPort const& record) {
 ConfigDevice::ConfigDevice(Mox::String8::IteratorConst& it,
                            Mox::String8::IteratorConst const& end) {
   detail::readRecord<ConfigDevice>(fields_, it, end);
+  rangeCheck();
+}
+
+void ConfigDevice::rangeCheck() const {
   if (fields_.numFaps - 1 > 2) {
     Mox::throwRangeException("Device::numFaps < 1 or > 3 not allowed");
   }

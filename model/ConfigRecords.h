@@ -9,6 +9,7 @@
 #include "model/detail/FieldTable.h"
 #include "platform/fru/PciHam.h"
 #include "platform/hardware/kest/FapType.h"
+#include "platform/mox/MoxType.h"
 #include "platform/mox/String8.h"
 #include "platform/pelk/EthAddr.h"
 
@@ -18,6 +19,10 @@ namespace Hardware::Kest::Slice {
 class KEST_SLICE_DMA_API ConfigSwitchPort {
  public:
   static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort";
+
+  class _Type;  // type object and generic access: registry/RecordTypes.h
+  class GenericIf_;
+  static Mox::MoxType const* _fwkType();
 
   ConfigSwitchPort() = default;
   /// Reads the text form at `it` and leaves `it` behind it; `Mox::RangeException` otherwise.
@@ -57,6 +62,7 @@ class KEST_SLICE_DMA_API ConfigSwitchPort {
 
     friend bool operator==(Fields const&, Fields const&) = default;
   };
+  explicit ConfigSwitchPort(Fields fields) : fields_(std::move(fields)) {}
   Fields const& fields() const { return fields_; }
   static constexpr auto fieldTable() {
     return std::tuple{
@@ -87,6 +93,10 @@ class KEST_SLICE_DMA_API ConfigDevice {
  public:
   static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaConfig::Device";
 
+  class _Type;  // type object and generic access: registry/RecordTypes.h
+  class GenericIf_;
+  static Mox::MoxType const* _fwkType();
+
   ConfigDevice() = default;
   /// Reads the text form at `it` and leaves `it` behind it; `Mox::RangeException` otherwise. Also
   /// refused: a number of FAPs outside 1 to 3.
@@ -100,6 +110,9 @@ class KEST_SLICE_DMA_API ConfigDevice {
   void fapTypeIs(FapType fapType) { fields_.fapType = fapType; }
   std::uint32_t numFaps() const { return fields_.numFaps; }
   void numFapsIs(std::uint32_t numFaps) { fields_.numFaps = numFaps; }
+  /// `Mox::RangeException` for a number of FAPs outside 1 to 3. Whoever makes a record from outside
+  /// input checks it; setting it and storing the record do not.
+  void rangeCheck() const;
   std::uint32_t cpuTmSysPort() const { return fields_.cpuTmSysPort; }
   void cpuTmSysPortIs(std::uint32_t cpuTmSysPort) { fields_.cpuTmSysPort = cpuTmSysPort; }
   std::uint32_t cpuEthSysPort() const { return fields_.cpuEthSysPort; }
@@ -132,6 +145,7 @@ class KEST_SLICE_DMA_API ConfigDevice {
 
     friend bool operator==(Fields const&, Fields const&) = default;
   };
+  explicit ConfigDevice(Fields fields) : fields_(std::move(fields)) {}
   Fields const& fields() const { return fields_; }
   static constexpr auto fieldTable() {
     return std::tuple{

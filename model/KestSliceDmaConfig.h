@@ -3,7 +3,6 @@
 #include "model/ConfigRecords.h"
 #include "model/SliceEntity.h"
 #include "model/detail/EntityNotifiee.h"
-#include "platform/mox/Dir.h"
 #include "platform/mox/MoxType.h"
 
 namespace Hardware::Kest::Slice {
@@ -44,23 +43,22 @@ struct KEST_SLICE_DMA_API ConfigTraits {
 /// `SliceEntity`.
 class KEST_SLICE_DMA_API KestSliceDmaConfig : public SliceEntity<KestSliceDmaConfig, ConfigTraits> {
  public:
+  static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaConfig";
+
   class NotifieeConst;
   class Notifiee;
 
-  /// The entity's type object.
-  class KEST_SLICE_DMA_API _Type : public Mox::MoxType {
-   public:
-    _Type();
-    /// A new entity of that name. It is not put into a directory: `dir` is not used.
-    static Mox::Ptr<KestSliceDmaConfig> newEntity(Mox::Name const& name, Mox::Dir* dir);
-  };
+  class _Type;  // type object and generic access: registry/EntityTypes.h
+  class GenericIf_;
 
   static constexpr Mox::AttributeId sliceIdAttributeId = firstOwnAttributeId;
+  static constexpr char const* sliceIdName = "sliceId";
 
   explicit KestSliceDmaConfig(Mox::Name name) noexcept;
   ~KestSliceDmaConfig() override;
 
   Mox::MoxType const* fwkType() const override;
+  Mox::String8 attributeString(Mox::AttributeId id) const override;
   static Mox::MoxType const* _fwkType();
 
   /// Counts and announces a change; silent when the value is the current one.

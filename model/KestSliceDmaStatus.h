@@ -3,7 +3,6 @@
 #include "model/SliceEntity.h"
 #include "model/StatusRecords.h"
 #include "model/detail/EntityNotifiee.h"
-#include "platform/mox/Dir.h"
 #include "platform/mox/MoxType.h"
 
 namespace Hardware::Kest::Slice {
@@ -23,16 +22,13 @@ struct KEST_SLICE_DMA_API StatusTraits {  // small records, passed by value
 /// attribute 258; see `SliceEntity`.
 class KEST_SLICE_DMA_API KestSliceDmaStatus : public SliceEntity<KestSliceDmaStatus, StatusTraits> {
  public:
+  static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaStatus";
+
   class NotifieeConst;
   class Notifiee;
 
-  /// The entity's type object.
-  class KEST_SLICE_DMA_API _Type : public Mox::MoxType {
-   public:
-    _Type();
-    /// A new entity of that name. It is not put into a directory: `dir` is not used.
-    static Mox::Ptr<KestSliceDmaStatus> newEntity(Mox::Name const& name, Mox::Dir* dir);
-  };
+  class _Type;  // type object and generic access: registry/EntityTypes.h
+  class GenericIf_;
 
   explicit KestSliceDmaStatus(Mox::Name name) noexcept;
   ~KestSliceDmaStatus() override;

@@ -157,6 +157,15 @@ class KEST_SLICE_DMA_API SliceEntity : public Traits::Base {
     collectionsOf(*this, visit);
   }
 
+  /// Name of the attribute of that number; empty when the entity has none.
+  Mox::String8 attributeString(Mox::AttributeId id) const override {
+    char const* name = nullptr;
+    forEachCollection([&](auto const& collection) {
+      if (collection.attributeId == id) name = collection.name;
+    });
+    return name == nullptr ? Mox::Entity::attributeString(id) : name;
+  }
+
   /// The observers registered now. An observer joins and leaves by itself.
   detail::ObserverList& observers() const noexcept { return observers_; }
 

@@ -6,6 +6,7 @@
 
 #include "model/Export.h"
 #include "model/detail/FieldTable.h"
+#include "platform/mox/MoxType.h"
 #include "platform/mox/String8.h"
 
 namespace Hardware::Kest::Slice {
@@ -14,6 +15,10 @@ namespace Hardware::Kest::Slice {
 class KEST_SLICE_DMA_API StatusSwitchPort {
  public:
   static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaStatus::SwitchPort";
+
+  class _Type;  // type object and generic access: registry/RecordTypes.h
+  class GenericIf_;
+  static Mox::MoxType const* _fwkType();
 
   StatusSwitchPort() = default;
   /// Reads the text form at `it` and leaves `it` behind it; `Mox::RangeException` otherwise.
@@ -32,6 +37,7 @@ class KEST_SLICE_DMA_API StatusSwitchPort {
 
     friend bool operator==(Fields const&, Fields const&) = default;
   };
+  explicit StatusSwitchPort(Fields fields) : fields_(std::move(fields)) {}
   Fields const& fields() const { return fields_; }
   static constexpr auto fieldTable() {
     return std::tuple{
@@ -54,6 +60,10 @@ class KEST_SLICE_DMA_API StatusDevice {
  public:
   static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaStatus::Device";
 
+  class _Type;  // type object and generic access: registry/RecordTypes.h
+  class GenericIf_;
+  static Mox::MoxType const* _fwkType();
+
   StatusDevice() = default;
   /// Reads the text form at `it` and leaves `it` behind it; `Mox::RangeException` otherwise.
   StatusDevice(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end);
@@ -71,6 +81,7 @@ class KEST_SLICE_DMA_API StatusDevice {
 
     friend bool operator==(Fields const&, Fields const&) = default;
   };
+  explicit StatusDevice(Fields fields) : fields_(std::move(fields)) {}
   Fields const& fields() const { return fields_; }
   static constexpr auto fieldTable() {
     return std::tuple{

@@ -32,11 +32,6 @@ KestSliceDmaSm::~KestSliceDmaSm() {
   if (stateTimer_) stateTimer_->kestSliceDmaSmIs(nullptr);
 }
 
-Mox::MoxType const* KestSliceDmaSm::_fwkType() {
-  static Mox::MoxType const type("Hardware::Kest::Slice::KestSliceDmaSm");
-  return &type;
-}
-
 Mox::MoxType const* KestSliceDmaSm::fwkType() const {
   return _fwkType();
 }

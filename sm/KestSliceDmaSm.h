@@ -32,6 +32,10 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
  public:
   class MoxConfig;
   class MoxStateTimer;
+  class _Type;  // type object and generic access: registry/SmType.h
+  class GenericIf_;
+
+  static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaSm";
 
   /// Seconds between two polls of the devices' states.
   static constexpr Mox::Seconds pollPeriodSeconds = 2.0;

@@ -45,6 +45,7 @@ class Collection {
 
   static constexpr char const* name = Description::name;
   static constexpr char const* keyName = Description::keyName;
+  static constexpr char const* wrongKeyName = Description::wrongKeyName;
   static constexpr Mox::AttributeId attributeId = Owner::firstCollectionId + Description::index;
 
   /// Resumable, as the map's: valid across any change of the collection, as long as it lives.
@@ -65,6 +66,8 @@ class Collection {
   static Mox::String8 keyOf(Value const& record) requires IsRecord<Value> {
     return Description::keyOf(record);
   }
+
+  static constexpr Description description() { return {}; }
 
   std::size_t count() const noexcept { return entries_.count(); }
 

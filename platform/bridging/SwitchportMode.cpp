@@ -1,6 +1,7 @@
 #include "platform/bridging/SwitchportMode.h"
 
 #include "platform/detail/EnumText.h"
+#include "platform/mox/GenericEnum.h"
 
 namespace Bridging {
 
@@ -38,3 +39,9 @@ std::ostream& operator<<(std::ostream& out, SwitchportMode const& value) {
 }
 
 }  // namespace Bridging
+
+Mox::MoxType const* Mox::TypeOf<Bridging::SwitchportMode>::type() {
+  static EnumType<Bridging::SwitchportMode> const enumeration("Bridging::SwitchportMode",
+                                                              Bridging::text.enumerators());
+  return &enumeration;
+}

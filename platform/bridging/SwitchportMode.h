@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <iosfwd>
 
+#include "platform/mox/MoxType.h"
 #include "platform/mox/String8.h"
 
 namespace Bridging {
@@ -28,3 +29,8 @@ MOX_API SwitchportMode sequenceToValue(Mox::String8::IteratorConst& it,
 MOX_API std::ostream& operator<<(std::ostream& out, SwitchportMode const& value);
 
 }  // namespace Bridging
+
+template <>
+struct MOX_API Mox::TypeOf<Bridging::SwitchportMode> {
+  static MoxType const* type();
+};

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "platform/mox/Strep.h"
 
@@ -45,6 +46,8 @@ struct EnumText {
       throw;
     }
   }
+
+  std::vector<String8> enumerators() const { return {names, names + count}; }
 
   /// The names, as in "'a', 'b' or 'c'".
   std::string choices() const {

@@ -1,6 +1,6 @@
 #include "platform/fru/PciHam.h"
 
-#include "platform/mox/MoxType.h"
+#include "platform/mox/GenericIfEntity.h"
 
 namespace Fru {
 
@@ -9,7 +9,7 @@ PciHam::PciHam(Mox::Name name) noexcept : Entity(std::move(name)) {}
 PciHam::~PciHam() = default;
 
 Mox::MoxType const* PciHam::_fwkType() {
-  static Mox::MoxType const type("Fru::PciHam");
+  static Mox::EntityType const type("Fru::PciHam");
   return &type;
 }
 

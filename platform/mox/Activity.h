@@ -10,6 +10,9 @@ class MOX_API ActivityConfig : public Entity {
  public:
   using Entity::Entity;
   ~ActivityConfig() override;
+
+  MoxType const* fwkType() const override;
+  static MoxType const* _fwkType();
 };
 
 /// The agent's activity manager, as far as reactors ask for it: it knows the clock.

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cmath>
 #include <csignal>
+#include <initializer_list>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -15,6 +16,12 @@
 namespace Mox {
 
 namespace {
+
+/// What a descriptor can be watched for, in the order in which the work runs.
+constexpr short readable = POLLIN;
+constexpr short writable = POLLOUT;
+/// What is told of it whatever it is watched for.
+constexpr short broken = POLLERR | POLLHUP | POLLNVAL;
 
 /// Rounded up, so that the loop does not spin before a wake-up; -1 is for ever.
 int pollMilliseconds(Seconds seconds) {
@@ -68,11 +75,19 @@ ActivityLoop::~ActivityLoop() {
 }
 
 void ActivityLoop::fdIs(int fd, Work work) {
-  fds_.insert_or_assign(fd, Watch{std::move(work), ++additions_});
+  watches_.insert_or_assign({fd, readable}, Watch{std::move(work), ++additions_});
 }
 
 void ActivityLoop::fdDel(int fd) {
-  fds_.erase(fd);
+  watches_.erase({fd, readable});
+}
+
+void ActivityLoop::fdWritableIs(int fd, Work work) {
+  watches_.insert_or_assign({fd, writable}, Watch{std::move(work), ++additions_});
+}
+
+void ActivityLoop::fdWritableDel(int fd) {
+  watches_.erase({fd, writable});
 }
 
 void ActivityLoop::signalIs(int number, Work work) {
@@ -100,27 +115,36 @@ void ActivityLoop::run() {
 
 void ActivityLoop::runOnce(Seconds timeout) {
   std::size_t const putOff = later_.size();
-  std::uint64_t const watched = additions_;
+  std::uint64_t const before = additions_;
   std::vector<pollfd> waiting;
   waiting.push_back({signalFd_, POLLIN, 0});  // ignored while negative
-  for (auto const& [fd, watch] : fds_) waiting.push_back({fd, POLLIN, 0});
+  for (auto const& [watched, watch] : watches_) {
+    auto const [fd, event] = watched;
+    // One entry for a descriptor: poll takes no more entries than there may be descriptors.
+    if (waiting.back().fd != fd) waiting.push_back({fd, 0, 0});
+    waiting.back().events = static_cast<short>(waiting.back().events | event);
+  }
   int const ready = wait(waiting, waitTime(timeout));
 
   if (ready > 0) {
     if (waiting.front().revents != 0) takeSignals();
     for (auto at = waiting.begin() + 1; at != waiting.end(); ++at) {
-      auto const found = fds_.find(at->fd);
-      if (at->revents == 0 || found == fds_.end() || found->second.number > watched) continue;
-      Work const work = found->second.work;  // it may remove itself
-      work();
+      for (short const event : std::initializer_list<short>{readable, writable}) {
+        if ((at->revents & (event | broken)) != 0) runWatch({at->fd, event}, before);
+      }
     }
   }
   if (clock_) clock_->dispatch();
   for (std::size_t i = 0; i < putOff; ++i) {
     Work const work = std::move(later_.front());
     later_.pop_front();
-    work();
+    carryOut(work);
   }
+}
+
+void ActivityLoop::carryOut(Work const& work) {
+  work();
+  if (clock_) clock_->dispatch();
 }
 
 Seconds ActivityLoop::waitTime(Seconds timeout) const {
@@ -129,11 +153,18 @@ Seconds ActivityLoop::waitTime(Seconds timeout) const {
   return std::min(timeout, timeSource().waitTime(clock_->timeMin()));
 }
 
+void ActivityLoop::runWatch(Watched watched, std::uint64_t lastAddition) {
+  auto const found = watches_.find(watched);
+  if (found == watches_.end() || found->second.number > lastAddition) return;
+  Work const work = found->second.work;  // it may remove itself
+  carryOut(work);
+}
+
 void ActivityLoop::takeSignals() {
   signalfd_siginfo info{};
   while (read(signalFd_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
     Work const work = signals_.at(static_cast<int>(info.ssi_signo)).work;
-    work();
+    carryOut(work);
   }
   if (errno != EAGAIN) refuse(errno, "signalfd");
 }

@@ -4,6 +4,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <utility>
 
 #include "platform/mox/Clock.h"
 
@@ -12,9 +13,9 @@ namespace Mox {
 /// The agent's activity: one thread that waits for file descriptors, signals and the clock, and
 /// runs what belongs to each, one at a time.
 ///
-/// A round waits until something is ready, then runs the work of signals, of descriptors by number,
-/// of the clock, and what was put off by `later` before the round. Work runs to completion; what
-/// becomes ready meanwhile waits for the next round.
+/// A round waits until something is ready, then runs the work of signals, of descriptors by number
+/// (to be read before to be written), of the clock, and what was put off by `later` before the
+/// round. Work runs to completion; what becomes ready meanwhile waits for the next round.
 ///
 /// Re-entrancy. Work may add, replace and remove work of any kind, itself included, and may end the
 /// loop. Work that was removed does not run any more; work for a descriptor that was added during a
@@ -24,9 +25,10 @@ namespace Mox {
 /// next round runs it.
 ///
 /// Time. The clock is never dispatched before its time, and no more than a millisecond later than
-/// it must be. Under a time source that real time does not move, waiting brings no wake-up nearer:
-/// a round then waits for descriptors, signals and its timeout alone, and work that moves the time
-/// finds the clock dispatched behind it in the same round.
+/// it must be: it is looked at behind every piece of work, however much more is ready. Under a time
+/// source that real time does not move, waiting brings no wake-up nearer: a round then waits for
+/// descriptors, signals and its timeout alone, and work that moves the time finds the clock
+/// dispatched behind it in the same round.
 class MOX_API ActivityLoop {
  public:
   using Work = std::function<void()>;
@@ -42,6 +44,9 @@ class MOX_API ActivityLoop {
   /// stays the caller's; `fdDel` comes before its close.
   void fdIs(int fd, Work work);
   void fdDel(int fd);
+  /// The same for when `fd` can be written to without blocking, or is broken.
+  void fdWritableIs(int fd, Work work);
+  void fdWritableDel(int fd);
 
   /// Runs `work` for every delivery of signal `number`, which is blocked for this thread from now
   /// on and so interrupts nothing. `std::system_error` when there is no such signal, when it cannot
@@ -60,6 +65,8 @@ class MOX_API ActivityLoop {
   void stop() noexcept { stopped_ = true; }
 
  private:
+  /// A descriptor and what it is watched for.
+  using Watched = std::pair<int, short>;
   struct Watch {
     Work work;
     std::uint64_t number;  // of its addition
@@ -70,10 +77,13 @@ class MOX_API ActivityLoop {
   };
 
   Seconds waitTime(Seconds timeout) const;
+  /// @param lastAddition that the round knows; later ones wait for the next
+  void runWatch(Watched watched, std::uint64_t lastAddition);
   void takeSignals();
+  void carryOut(Work const& work);
 
   Ptr<Clock> clock_;
-  std::map<int, Watch> fds_;
+  std::map<Watched, Watch> watches_;
   std::uint64_t additions_ = 0;
   std::map<int, Signal> signals_;
   std::deque<Work> later_;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/mox/MoxType.h"
+#include "platform/mox/GenericIfEntity.h"
 
 namespace Mox {
 
@@ -11,7 +11,7 @@ Clock::Clock(Name name) noexcept : Entity(std::move(name)) {}
 Clock::~Clock() = default;
 
 MoxType const* Clock::_fwkType() {
-  static MoxType const type("Mox::Clock");
+  static EntityType const type("Mox::Clock");
   return &type;
 }
 

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/mox/MoxType.h"
+#include "platform/mox/GenericIfEntity.h"
 #include "platform/mox/RangeException.h"
 
 namespace Mox {
@@ -37,9 +37,13 @@ Dir::~Dir() {
   for (auto it = members_.iteratorConst(); it; ++it) it->entity()->parent_ = nullptr;
 }
 
-MoxType const* Dir::fwkType() const {
-  static MoxType const type("Mox::Dir");
+MoxType const* Dir::_fwkType() {
+  static EntityType const type("Mox::Dir");
   return &type;
+}
+
+MoxType const* Dir::fwkType() const {
+  return _fwkType();
 }
 
 void Dir::entityIs(Ptr<Entity> const& entity) {

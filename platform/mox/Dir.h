@@ -25,6 +25,7 @@ class MOX_API Dir : public Entity {
   ~Dir() override;
 
   MoxType const* fwkType() const override;
+  static MoxType const* _fwkType();
 
   /// Adds `entity` under its name and becomes its parent. `RangeException` when the name is empty,
   /// holds a slash or is taken, when the entity has a parent already, or when this directory is in

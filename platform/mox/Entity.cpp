@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "platform/mox/Dir.h"
+#include "platform/mox/GenericIfEntity.h"
+#include "platform/mox/TypeNode.h"
 
 namespace Mox {
 
@@ -18,6 +20,17 @@ String8 Entity::fullName() const {
     path.insert(0, "/").insert(0, above->name_.string().view());
   }
   return String8(path);
+}
+
+String8 Entity::attributeString(AttributeId id) const {
+  TypeNode const* const node = _fwkType()->typeNode();
+  Attribute const* const attribute = node == nullptr ? nullptr : node->attribute(id);
+  return attribute == nullptr ? String8() : attribute->name;
+}
+
+MoxType const* Entity::_fwkType() {
+  static EntityType const type("Mox::Entity");
+  return &type;
 }
 
 void Entity::NotifieeConst::onParent() {}

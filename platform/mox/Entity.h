@@ -33,6 +33,10 @@ class MOX_API Entity : public PtrInterface {
   /// root, the path from its topmost directory without a leading slash.
   String8 fullName() const;
 
+  /// Name of the attribute of that number; empty when the entity has none.
+  virtual String8 attributeString(AttributeId id) const;
+  static MoxType const* _fwkType();
+
   std::uint64_t changeCount() const noexcept { return changeCount_; }
   std::uint64_t lookupCount() const noexcept { return lookupCount_; }
 

@@ -1,8 +1,11 @@
 #include "platform/mox/Strep.h"
 
+#include <array>
+#include <charconv>
 #include <limits>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "platform/mox/Dir.h"
 #include "platform/mox/Entity.h"
@@ -97,8 +100,10 @@ Unsigned readUnsigned(Iterator& it, Iterator const& end) {
   if (it == end || !isDigit(*it)) throwExpected("a decimal number", it, end);
   unsigned long long value = 0;
   for (; !(it == end) && isDigit(*it); ++it) {
-    value = value * 10 + static_cast<unsigned>(*it - '0');
-    if (value > most) {
+    auto const digit = static_cast<unsigned>(*it - '0');
+    bool const fits = value < most / 10 || (value == most / 10 && digit <= most % 10);
+    value = value * 10 + digit;
+    if (!fits) {
       it = start;
       throwRangeException(format("expected a number from 0 to %llu, found a larger one", most));
     }
@@ -138,6 +143,14 @@ String8 valueToStrep(String8 const& value) {
 
 String8 valueToStrep(unsigned long long value) {
   return String8(std::to_string(value));
+}
+
+String8 valueToStrep(double value) {
+  std::array<char, 32> digits{};
+  char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+  std::string text(digits.data(), end);
+  bool const looksWhole = text.find_first_not_of("-0123456789") == std::string::npos;
+  return String8(looksWhole ? text + ".0" : text);
 }
 
 String8 valueToStrep(bool value) {
@@ -182,6 +195,23 @@ unsigned int sequenceToValue(Iterator& it, Iterator const& end, unsigned int*) {
 
 unsigned short sequenceToValue(Iterator& it, Iterator const& end, unsigned short*) {
   return readUnsigned<unsigned short>(it, end);
+}
+
+unsigned long long sequenceToValue(Iterator& it, Iterator const& end, unsigned long long*) {
+  return readUnsigned<unsigned long long>(it, end);
+}
+
+double sequenceToValue(Iterator& it, Iterator const& end, double*) {
+  skipBlanks(it, end);
+  std::string_view const rest = it.viewTo(end);
+  double value = 0;
+  auto const [behind, error] = std::from_chars(rest.data(), rest.data() + rest.size(), value);
+  if (error == std::errc::result_out_of_range) {
+    throwRangeException("expected a number that a double can hold, found another");
+  }
+  if (error != std::errc()) throwExpected("a decimal number", it, end);
+  it += static_cast<std::size_t>(behind - rest.data());
+  return value;
 }
 
 bool sequenceToValue(Iterator& it, Iterator const& end, bool*) {

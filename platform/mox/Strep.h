@@ -23,6 +23,9 @@ class Entity;
 MOX_API String8 valueToStrep(String8 const& value);
 /// Decimal.
 MOX_API String8 valueToStrep(unsigned long long value);
+/// The shortest decimal form that reads back to the same number, as in `2.0` or `1e+300`; `inf`,
+/// `-inf` and `nan`.
+MOX_API String8 valueToStrep(double value);
 /// `True` or `False`.
 MOX_API String8 valueToStrep(bool value);
 String8 valueToStrep(char const*) = delete;  // would convert to bool
@@ -44,6 +47,11 @@ MOX_API unsigned int sequenceToValue(String8::IteratorConst& it, String8::Iterat
                                      unsigned int*);
 MOX_API unsigned short sequenceToValue(String8::IteratorConst& it,
                                        String8::IteratorConst const& end, unsigned short*);
+MOX_API unsigned long long sequenceToValue(String8::IteratorConst& it,
+                                           String8::IteratorConst const& end, unsigned long long*);
+/// A decimal number, as it is printed.
+MOX_API double sequenceToValue(String8::IteratorConst& it, String8::IteratorConst const& end,
+                               double*);
 MOX_API bool sequenceToValue(String8::IteratorConst& it, String8::IteratorConst const& end, bool*);
 
 namespace detail {

@@ -28,6 +28,15 @@ struct Rule {
   }
 };
 
+std::string levelsText(std::uint16_t levels) {
+  if (levels == allLevels) return "*";
+  std::string text;
+  for (unsigned level = 0; level < levelCount; ++level) {
+    if ((levels >> level & 1U) != 0) text += std::to_string(level);
+  }
+  return text;
+}
+
 /// Reads a setting; keeps its place for messages.
 class SettingReader {
  public:
@@ -151,6 +160,15 @@ void traceSettingIs(std::string_view setting) {
     std::erase_if(rules, [&](Rule const& older) { return rule.replaces(older); });
     rules.push_back(rule);
   }
+}
+
+String8 traceSetting() {
+  std::string text;
+  for (Rule const& rule : facilities().rules) {
+    text.append(text.empty() ? "" : ",").append(rule.facility).append(rule.isPrefix ? "*/" : "/");
+    text += levelsText(rule.levels);
+  }
+  return String8(text);
 }
 
 void traceStreamIs(std::ostream* stream) {

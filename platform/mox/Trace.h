@@ -38,6 +38,8 @@ class MOX_API TraceHandle {
 /// Changes the levels of every facility, present and future, as `setting` says (see `TraceHandle`).
 /// `RangeException` for a malformed setting, which then changes nothing.
 MOX_API void traceSettingIs(std::string_view setting);
+/// What has been set so far, as a setting.
+MOX_API String8 traceSetting();
 
 /// Where enabled trace points write; not owned. Null: standard error, the default.
 MOX_API void traceStreamIs(std::ostream* stream);

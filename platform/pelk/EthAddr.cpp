@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string_view>
 
+#include "platform/mox/GenericValue.h"
 #include "platform/mox/Strep.h"
 
 namespace Pelk {
@@ -32,6 +33,11 @@ EthAddr::EthAddr(Mox::String8 const& text) {
   Mox::throwRangeException(
       Mox::format("expected a MAC address such as '00:1c:73:0a:0b:0c', found %s",
                   Mox::valueToStrep(text).charPtr()));
+}
+
+Mox::MoxType const* EthAddr::_fwkType() {
+  static Mox::ValueType<EthAddr> const type("Pelk::EthAddr");
+  return &type;
 }
 
 Mox::String8 EthAddr::stringValue() const {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iosfwd>
 
+#include "platform/mox/MoxType.h"
 #include "platform/mox/String8.h"
 
 namespace Pelk {
@@ -24,6 +25,8 @@ class MOX_API EthAddr {
   Mox::String8 stringValue() const;
 
   friend constexpr bool operator==(EthAddr const&, EthAddr const&) = default;
+
+  static Mox::MoxType const* _fwkType();
 
  private:
   Octets octets_{};

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/mox/Dir.h"
+#include "registry/EntityTypes.h"
 #include "test/model/Collections.h"
 #include "test/model/Recorder.h"
 

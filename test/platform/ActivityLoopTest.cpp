@@ -276,6 +276,28 @@ TEST_F(ActivityLoopTest, DispatchesTheClockBetweenWhatIsReadyAndWhatIsPutOff) {
   EXPECT_THAT(events, ElementsAre("pipe", "alarm", "later"));
 }
 
+TEST_F(ActivityLoopTest, TheClockWaitsForOnePieceOfWorkAtMost) {
+  Ptr<Alarm> const alarm = alarmAt(2.0);
+  auto const passes = [this, &alarm](char const* what) {
+    return [this, &alarm, what] {
+      events.push_back(what);
+      time.nowIs(time.now() + 2.0);
+      alarm->timeMinIs(time.now());
+    };
+  };
+  Pipe a;
+  Pipe b;
+  loop.fdIs(a.reader(), passes("a"));
+  loop.fdIs(b.reader(), passes("b"));
+  a.write();
+  b.write();
+  loop.later(passes("first later"));
+  loop.later(note("second later"));
+  loop.runOnce(never);
+  EXPECT_THAT(events,
+              ElementsAre("a", "alarm", "b", "alarm", "first later", "alarm", "second later"));
+}
+
 TEST_F(ActivityLoopTest, WaitsForAWakeUpRoundedUpToTheMillisecond) {
   PassingTime const passing;
   timeSourceIs(&passing);

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # once.sh ROOT: in the library of the repository at ROOT, every field of a record is named by its
-# record's field table alone, and every collection of the entities by its description alone; whatever
+# record's field table alone, and every attribute of the entities by its description alone; whatever
 # else needs a name takes it from there. Each second place is a line `file:line: what`.
 set -euo pipefail
 export LC_ALL=C
@@ -28,7 +28,7 @@ only_where() {
 }
 
 field_prefix='detail::field\('
-collection_prefix='static constexpr char const\* name = '
+collection_prefix='static constexpr char const\* (name|sliceIdName) = '
 fields=$(names_behind "$field_prefix") || true
 collections=$(names_behind "$collection_prefix") || true
 [[ -n $fields && -n $collections ]] || { echo "no field table or no collection in $PWD/model"; exit 1; }

@@ -1,6 +1,7 @@
 #include "platform/hardware/kest/FapType.h"
 
 #include "platform/detail/EnumText.h"
+#include "platform/mox/GenericEnum.h"
 
 namespace Hardware::Kest {
 
@@ -37,3 +38,9 @@ std::ostream& operator<<(std::ostream& out, FapType const& value) {
 }
 
 }  // namespace Hardware::Kest
+
+Mox::MoxType const* Mox::TypeOf<Hardware::Kest::FapType>::type() {
+  static EnumType<Hardware::Kest::FapType> const enumeration("Hardware::Kest::FapType",
+                                                             Hardware::Kest::text.enumerators());
+  return &enumeration;
+}

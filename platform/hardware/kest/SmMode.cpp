@@ -1,6 +1,7 @@
 #include "platform/hardware/kest/SmMode.h"
 
 #include "platform/detail/EnumText.h"
+#include "platform/mox/GenericEnum.h"
 
 namespace Hardware::Kest {
 
@@ -37,3 +38,9 @@ std::ostream& operator<<(std::ostream& out, SmMode const& value) {
 }
 
 }  // namespace Hardware::Kest
+
+Mox::MoxType const* Mox::TypeOf<Hardware::Kest::SmMode>::type() {
+  static EnumType<Hardware::Kest::SmMode> const enumeration("Hardware::Kest::SmMode",
+                                                            Hardware::Kest::text.enumerators());
+  return &enumeration;
+}

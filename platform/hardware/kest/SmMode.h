@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <iosfwd>
 
+#include "platform/mox/MoxType.h"
 #include "platform/mox/String8.h"
 
 namespace Hardware::Kest {
@@ -28,3 +29,8 @@ MOX_API SmMode sequenceToValue(Mox::String8::IteratorConst& it,
 MOX_API std::ostream& operator<<(std::ostream& out, SmMode const& value);
 
 }  // namespace Hardware::Kest
+
+template <>
+struct MOX_API Mox::TypeOf<Hardware::Kest::SmMode> {
+  static MoxType const* type();
+};

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "platform/mox/GenericIf.h"
+#include "platform/mox/Ptr.h"
+
+namespace Mox {
+
+/// Adapter of a counted object, or of a null reference to one. Two are equal when they refer to the
+/// same object.
+class MOX_API GenericIfPtrInterface : public GenericIf {
+ public:
+  /// @param type of the object, or of the reference when it is null
+  GenericIfPtrInterface(MoxType const* type, PtrInterface* object, bool isConst) noexcept
+      : GenericIf(isConst), type_(type), object_(object) {}
+  ~GenericIfPtrInterface() override;
+
+  Ptr<PtrInterface> const& object() const noexcept { return object_; }
+
+  MoxType const* type() const override { return type_; }
+  std::unique_ptr<GenericIf> clone() const override;
+  /// A reference's text form; `ObjectPtr('Type')` for an object that is no entity.
+  String8 strRep() const override;
+  void attributeOp(AttributeOp const& op, GenericIf const* arg,
+                   std::unique_ptr<GenericIf>& result) override;
+
+ protected:
+  /// The object, which must be of the adapter's type; refused when the reference is null.
+  template <class T>
+  T& objectAs() const {
+    if (!object_) throwNotBoundException(type_->fullName());
+    return static_cast<T&>(*object_);
+  }
+
+ private:
+  MoxType const* type_;
+  Ptr<PtrInterface> object_;
+};
+
+/// The adapter of a reference, made by its type object; constant if the reference is to a constant
+/// object.
+template <class T>
+std::unique_ptr<GenericIf> genericOf(Ptr<T> const& reference) {
+  using Object = std::remove_const_t<T>;
+  return Object::_fwkType()->genericIf_(const_cast<Object*>(reference.ptr()), std::is_const_v<T>);
+}
+
+/// What an adapter refers to, if that is of `T`'s type; `isReference` tells a null reference from
+/// an adapter of something else.
+template <class T>
+Ptr<T> genericRef(GenericIf const* generic, bool& isReference) {
+  isReference = generic != nullptr && generic->type() == TypeOf<std::remove_const_t<T>>::type();
+  if (!isReference) return nullptr;
+  return ptrCast<T>(static_cast<GenericIfPtrInterface const*>(generic)->object());
+}
+
+}  // namespace Mox

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/mox/MoxType.h"
+#include "platform/mox/TypeNode.h"
+
+namespace Mox {
+
+/// The type registry. Libraries announce their types to it when they are loaded; generic tools ask
+/// it what there is.
+///
+/// What cannot be announced (a name or number that is taken, a scope that is not there) is a
+/// `RangeException`. A library withdraws its types (`typeDel`) when it is unloaded, so that the
+/// registry never knows a type object that is gone.
+class MOX_API IntrospectionReactor {
+ public:
+  /// The one of the process; it lives to the end.
+  static IntrospectionReactor& global();
+
+  IntrospectionReactor();
+  /// Withdraws what is left; those types are still there.
+  ~IntrospectionReactor();
+  IntrospectionReactor(IntrospectionReactor const&) = delete;
+  IntrospectionReactor& operator=(IntrospectionReactor const&) = delete;
+
+  // Announcements.
+
+  /// A namespace, given with its scopes (`Hardware::Kest`), which are there already. One that is
+  /// there is announced again without effect.
+  TypeNode const& onNamespace(String8 const& fullName);
+  /// A type, below the namespace or type that its full name gives. A type has one place in one
+  /// registry; what it is made of may be registered elsewhere.
+  void onType(MoxType const& type);
+  void onConstructorArgument(MoxType const& type, Argument argument);
+  void onAttribute(MoxType const& type, Attribute attribute);
+  /// Every attribute of `base`, in its order, as inherited.
+  void onInheritedAttributes(MoxType const& type, MoxType const& base);
+  /// An enumeration's enumerators as attributes whose numbers are their values, and behind them the
+  /// attribute `value` of every enumeration.
+  void onEnumerators(MoxType const& type);
+  /// A collection of records under one of their own fields: `keyName` is an attribute of
+  /// `attribute.type`, which gives the key's type. An inherited attribute of the same name is
+  /// dropped first.
+  void onRecordCollection(MoxType const& type, Attribute attribute, String8 const& keyName);
+
+  /// Withdraws a type and what is registered of it; the types nested in it must have gone. A
+  /// namespace that is left empty goes too.
+  void typeDel(MoxType const& type) noexcept;
+
+  // What there is.
+
+  TypeNode const& root() const noexcept { return root_; }
+  /// In order of announcement.
+  std::vector<MoxType const*> const& types() const noexcept { return types_; }
+  /// Null when no type has that full name.
+  MoxType const* type(String8 const& fullName) const noexcept;
+
+ private:
+  TypeNode& scopeOf(String8 const& fullName);
+  TypeNode& nodeOf(MoxType const& type);
+  TypeNode* find(String8 const& fullName) noexcept;
+
+  TypeNode root_;
+  std::vector<MoxType const*> types_;
+};
+
+}  // namespace Mox

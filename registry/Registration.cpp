@@ -1,0 +1,131 @@
+#include <algorithm>
+#include <vector>
+
+#include "platform/mox/IntrospectionReactor.h"
+#include "registry/SmType.h"
+#include "registry/detail/SmAttributes.h"
+
+/// What the library registers when it is loaded, in order, and withdraws when it is unloaded.
+namespace Hardware::Kest::Slice {
+
+namespace {
+
+using Mox::IntrospectionReactor;
+using Mox::MoxType;
+
+constexpr Mox::AttributeFlags statusFlags = Mox::attributeVisible | Mox::attributeNotifying;
+constexpr Mox::AttributeFlags configFlags =
+    statusFlags | Mox::attributePersistent | Mox::attributeWritable;
+
+void registerDeviceState(IntrospectionReactor& reactor) {
+  reactor.onType(*deviceStateType());
+  reactor.onEnumerators(*deviceStateType());
+}
+
+/// The type and what it inherits; its own attributes follow when its records are registered.
+template <class Entity>
+void registerEntity(IntrospectionReactor& reactor) {
+  MoxType const& type = *Entity::_fwkType();
+  reactor.onType(type);
+  reactor.onConstructorArgument(type, {"name", Mox::TypeOf<Mox::Name>::type()->fullName()});
+  reactor.onInheritedAttributes(type, *Mox::Entity::_fwkType());
+}
+
+template <class T>
+MoxType const* fieldType(T const*) {
+  return Mox::TypeOf<T>::type();
+}
+template <class T>
+MoxType const* fieldType(Mox::Ptr<T> const*) {
+  return Mox::TypeOf<std::remove_const_t<T>>::type();
+}
+
+template <class Record>
+void registerRecord(IntrospectionReactor& reactor) {
+  MoxType const& type = *Record::_fwkType();
+  reactor.onType(type);
+  typename Record::Fields const fields;
+  detail::forEachFieldAttribute<Record>([&](auto const& field, Mox::AttributeId id) {
+    MoxType const* const valueType = fieldType(&(fields.*field.member));
+    reactor.onConstructorArgument(type, {field.name, valueType->fullName()});
+    reactor.onAttribute(type, {field.name, id, valueType});
+  });
+}
+
+template <class Entity>
+void registerCollections(IntrospectionReactor& reactor, Mox::AttributeFlags flags) {
+  MoxType const& type = *Entity::_fwkType();
+  Entity::_Type::newEntity(Mox::Name(), nullptr)->forEachCollection([&](auto const& collection) {
+    using Collection = std::remove_cvref_t<decltype(collection)>;
+    using Value = typename Collection::Value;
+    Mox::Attribute attribute{Collection::name, Collection::attributeId, Mox::TypeOf<Value>::type(),
+                             Mox::IntrospectionClass::collection, flags};
+    if constexpr (detail::IsRecord<Value>) {
+      reactor.onRecordCollection(type, attribute, Collection::keyName);
+    } else {
+      attribute.keyName = Collection::keyName;
+      attribute.keyType = Mox::TypeOf<Mox::String8>::type();
+      reactor.onAttribute(type, attribute);
+    }
+  });
+}
+
+void registerSm(IntrospectionReactor& reactor) {
+  MoxType const& type = *KestSliceDmaSm::_fwkType();
+  reactor.onType(type);
+  reactor.onConstructorArgument(type, {detail::configArgument, KestSliceDmaConfig::typeName});
+  reactor.onConstructorArgument(type, {detail::statusArgument, KestSliceDmaStatus::typeName});
+  for (detail::SmAttribute const& one : detail::smAttributes()) {
+    reactor.onAttribute(type, one.attribute);
+  }
+}
+
+void moxInitKestSliceDmaSm(IntrospectionReactor& reactor) {
+  for (char const* scope : {"Hardware", "Hardware::Kest", "Hardware::Kest::Slice"}) {
+    reactor.onNamespace(scope);
+  }
+  registerDeviceState(reactor);
+  registerEntity<KestSliceDmaConfig>(reactor);
+  registerRecord<KestSliceDmaConfig::SwitchPort>(reactor);
+  registerRecord<KestSliceDmaConfig::Device>(reactor);
+  reactor.onAttribute(
+      *KestSliceDmaConfig::_fwkType(),
+      {KestSliceDmaConfig::sliceIdName, KestSliceDmaConfig::sliceIdAttributeId,
+       Mox::TypeOf<Mox::String8>::type(), Mox::IntrospectionClass::scalar, configFlags});
+  registerCollections<KestSliceDmaConfig>(reactor, configFlags);
+  registerEntity<KestSliceDmaStatus>(reactor);
+  registerRecord<KestSliceDmaStatus::SwitchPort>(reactor);
+  registerRecord<KestSliceDmaStatus::Device>(reactor);
+  registerCollections<KestSliceDmaStatus>(reactor, statusFlags);
+  registerSm(reactor);
+}
+
+/// The types that this library has registered, in order.
+std::vector<MoxType const*> ownTypes(IntrospectionReactor const& reactor, std::size_t before) {
+  return {reactor.types().begin() + static_cast<std::ptrdiff_t>(before), reactor.types().end()};
+}
+
+/// Lives as long as the library is loaded.
+class Registration {
+ public:
+  Registration() {
+    IntrospectionReactor& reactor = IntrospectionReactor::global();
+    std::size_t const before = reactor.types().size();
+    moxInitKestSliceDmaSm(reactor);
+    types_ = ownTypes(reactor, before);
+  }
+  /// The last first: what is nested goes before what it is in.
+  ~Registration() {
+    std::for_each(types_.rbegin(), types_.rend(),
+                  [](MoxType const* type) { IntrospectionReactor::global().typeDel(*type); });
+  }
+  Registration(Registration const&) = delete;
+  Registration& operator=(Registration const&) = delete;
+
+ private:
+  std::vector<MoxType const*> types_;
+} const registration;
+
+}  // namespace
+
+}  // namespace Hardware::Kest::Slice

@@ -1,0 +1,58 @@
+#include "registry/SmType.h"
+
+#include <algorithm>
+
+#include "registry/detail/Arguments.h"
+#include "registry/detail/SmAttributes.h"
+
+namespace Hardware::Kest::Slice {
+
+Mox::MoxType const* KestSliceDmaSm::_fwkType() {
+  static _Type const type;
+  return &type;
+}
+
+KestSliceDmaSm::_Type::_Type() noexcept : MoxType(typeName, Kind::object) {}
+
+std::unique_ptr<Mox::GenericIf> KestSliceDmaSm::_Type::genericIf_(Mox::PtrInterface* object,
+                                                                  bool isConst) const {
+  return std::make_unique<GenericIf_>(this, object, isConst);
+}
+
+std::unique_ptr<Mox::GenericIf> KestSliceDmaSm::_Type::genericIfNew(
+    Mox::GenericIf const& arguments) const {
+  detail::Arguments const given(arguments, *this);
+  auto const config = given.reference<KestSliceDmaConfig const>(0);
+  auto const status = given.reference<KestSliceDmaStatus>(1);
+  if (!status) given.refuse(1);
+  return genericIf_(kestSliceDmaSmFactory(config, status).ptr(), false);
+}
+
+void KestSliceDmaSm::GenericIf_::attributeOp(Mox::AttributeOp const& op, Mox::GenericIf const* arg,
+                                             std::unique_ptr<Mox::GenericIf>& result) {
+  using Code = Mox::AttributeOpCode;
+  checkModifiable(op);
+  auto const& all = detail::smAttributes();
+  auto const found = std::find_if(
+      all.begin(), all.end(), [&](auto const& one) { return one.attribute.id == op.attribute; });
+  bool const isWhole = op.attribute == Mox::wholeAttributeId && op.code == Code::equality;
+  if (found == all.end() || isWhole) {
+    GenericIfPtrInterface::attributeOp(op, arg, result);
+    return;
+  }
+  if (op.index != nullptr) throwBadIndexAttrException(found->attribute.name);
+  Mox::Ptr<KestSliceDmaSm> const sm(&objectAs<KestSliceDmaSm>());
+  if (op.code == Code::read && found->read != nullptr) {
+    result = found->read(*sm);
+  } else if (op.code == Code::store && found->store != nullptr) {
+    found->store(*sm, arg);
+  } else if (op.code == Code::remove && found->remove != nullptr) {
+    result = found->remove(*sm);
+  } else if (op.code == Code::invoke && found->invoke != nullptr) {
+    found->invoke(found->attribute, *sm, arg);
+  } else {
+    throwOpNotSupportedException(found->attribute.name, op.code);
+  }
+}
+
+}  // namespace Hardware::Kest::Slice

@@ -1,0 +1,65 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "platform/mox/IntrospectionReactor.h"
+#include "registry/DeviceStateType.h"
+#include "registry/EntityTypes.h"
+#include "registry/RecordTypes.h"
+#include "registry/SmType.h"
+#include "test/registry/RegistryText.h"
+
+namespace Hardware::Kest::Slice {
+namespace {
+
+/// The file but for its comment, which ends with the first empty line.
+std::string golden() {
+  std::ifstream file(KEST_REGISTRY_GOLDEN);
+  std::stringstream text;
+  for (std::string line; std::getline(file, line) && !line.empty();) EXPECT_EQ(line[0], '#');
+  text << file.rdbuf();
+  return text.str();
+}
+
+TEST(Registration, IsWhatTheGoldenFileSays) {
+  EXPECT_EQ(Mox::registryText(Mox::IntrospectionReactor::global(), "Hardware::Kest::Slice"),
+            golden());
+}
+
+TEST(Registration, FindsTheTypeObjectsByName) {
+  Mox::IntrospectionReactor const& registry = Mox::IntrospectionReactor::global();
+  EXPECT_EQ(registry.type("Hardware::Kest::Slice::DeviceState"), Mox::TypeOf<DeviceState>::type());
+  EXPECT_EQ(registry.type("Hardware::Kest::Slice::KestSliceDmaConfig"),
+            KestSliceDmaConfig::_fwkType());
+  EXPECT_EQ(registry.type("Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort"),
+            KestSliceDmaConfig::SwitchPort::_fwkType());
+  EXPECT_EQ(registry.type("Hardware::Kest::Slice::KestSliceDmaConfig::Device"),
+            KestSliceDmaConfig::Device::_fwkType());
+  EXPECT_EQ(registry.type("Hardware::Kest::Slice::KestSliceDmaStatus"),
+            KestSliceDmaStatus::_fwkType());
+  EXPECT_EQ(registry.type("Hardware::Kest::Slice::KestSliceDmaStatus::SwitchPort"),
+            KestSliceDmaStatus::SwitchPort::_fwkType());
+  EXPECT_EQ(registry.type("Hardware::Kest::Slice::KestSliceDmaStatus::Device"),
+            KestSliceDmaStatus::Device::_fwkType());
+  EXPECT_EQ(registry.type("Hardware::Kest::Slice::KestSliceDmaSm"), KestSliceDmaSm::_fwkType());
+}
+
+TEST(Registration, PutsRecordsBelowTheirEntity) {
+  EXPECT_EQ(ConfigDevice::_fwkType()->typeNode()->parent(),
+            KestSliceDmaConfig::_fwkType()->typeNode());
+  EXPECT_EQ(StatusSwitchPort::_fwkType()->typeNode()->parent(),
+            KestSliceDmaStatus::_fwkType()->typeNode());
+  EXPECT_EQ(KestSliceDmaSm::_fwkType()->typeNode()->parent()->fullName(), "Hardware::Kest::Slice");
+}
+
+TEST(Registration, ObjectsNameTheirTypes) {
+  EXPECT_EQ(Mox::Ptr<KestSliceDmaConfig>(new KestSliceDmaConfig("config"))->fwkType(),
+            KestSliceDmaConfig::_fwkType());
+  EXPECT_EQ(Mox::Ptr<KestSliceDmaStatus>(new KestSliceDmaStatus("status"))->fwkType(),
+            KestSliceDmaStatus::_fwkType());
+}
+
+}  // namespace
+}  // namespace Hardware::Kest::Slice
