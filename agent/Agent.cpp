@@ -3,13 +3,16 @@
 #include <csignal>
 #include <utility>
 
-#include "agent/FileError.h"
+#include "agent/ControlPath.h"
+#include "agent/RunReason.h"
 #include "agent/StatusReport.h"
+#include "agent/byname/ChangeRules.h"
+#include "agent/control/ControlServer.h"
 #include "platform/mox/Activity.h"
 
 namespace Kest::Agent {
 
-Agent::Agent(Options options, Console console)
+Agent::Agent(Options options, Console console, DriverLibrary const& driver)
     : options_(std::move(options)),
       console_(console),
       verbose_(options_.verbose || !console_.terminal()),
@@ -21,7 +24,16 @@ Agent::Agent(Options options, Console console)
                                        [this](std::string const& line) {
                                          if (verbose_) console_.line("status  " + line);
                                        })),
-      application_(loop_, console_, config_, verbose_) {
+      application_(loop_, console_, config_, verbose_),
+      served_{config_,
+              status_,
+              sm_,
+              driver,
+              handles_,
+              [this] { return application_.isRunning(); },
+              [this](std::string const& file, Slice slice, Done done) {
+                apply(file, std::move(slice), std::move(done));
+              }} {
   loop_.signalIs(SIGHUP, [this] { reload(); });
   for (int const signal : {SIGTERM, SIGINT}) {
     loop_.signalIs(signal, [this, signal] { end(signal); });
@@ -33,36 +45,59 @@ Agent::~Agent() {
 }
 
 int Agent::run() {
-  apply(readSliceFile(options_.sliceFile));
+  Slice wanted = readSliceFile(options_.sliceFile);
+  openControl();
+  std::string const reason = runReason(options_);
+  if (!reason.empty()) console_.line(reason);
+  applySliceFile(std::move(wanted));
   loop_.run();
   return exitCode_;
 }
 
-void Agent::apply(Slice wanted) {
+/// Before anything is applied: an agent that nobody can ask is not started.
+void Agent::openControl() {
+  std::optional<std::string> const path = controlPath(options_);
+  if (path) {
+    control_ = std::make_unique<ControlServer>(loop_, *path, served_);
+  } else if (options_.control.empty() && !options_.once) {
+    console_.line("no control socket: --control names one, where XDG_RUNTIME_DIR is not set");
+  }
+}
+
+void Agent::applySliceFile(Slice wanted) {
+  apply(options_.sliceFile, std::move(wanted), [this](Applied const& outcome) {
+    if (options_.poll) sm_->modeIs(Hardware::Kest::SmMode::smModePolling_);
+    if (options_.once) {
+      exitCode_ = static_cast<int>(outcome.notUp.empty() ? Exit::done : Exit::notUp);
+      loop_.stop();
+    }
+  });
+}
+
+/// None may be running.
+void Agent::apply(std::string const& file, Slice wanted, Done done) {
   Changes changes = changesBetween(*config_, *wanted.config);
   std::size_t const count = changes.steps.size();
   std::size_t const unchanged = changes.unchanged;
   // Devices that go still refer to the old handles; what refers to a handle keeps it.
   wanted.handles.succeed(handles_);
   handles_ = std::move(wanted.handles);
-  application_.start(std::move(changes), [this, count, unchanged] { applied(count, unchanged); });
+  application_.start(std::move(changes), [this, file, count, unchanged, done = std::move(done)] {
+    done(applied(file, count, unchanged));
+    if (!options_.once && std::exchange(reloadWanted_, false)) reload();
+  });
 }
 
-void Agent::applied(std::size_t changes, std::size_t unchanged) {
-  console_.line(options_.sliceFile + ": announced " + std::to_string(changes) +
+Applied Agent::applied(std::string const& file, std::size_t changes, std::size_t unchanged) {
+  console_.line(file + ": announced " + std::to_string(changes) +
                 (changes == 1 ? " change, " : " changes, ") + std::to_string(unchanged) +
                 " unchanged entries left alone");
   // As plain lines, what changed has been told already when the file is read again.
   if (console_.terminal() || !shown_) showStatus(console_, *config_, *status_);
   shown_ = true;
-  std::vector<std::string> const missing = notUp(*config_, *status_);
+  std::vector<std::string> missing = notUp(*config_, *status_);
   for (std::string const& what : missing) console_.line(console_.bad("not up: " + what));
-  if (options_.once) {
-    exitCode_ = static_cast<int>(missing.empty() ? Exit::done : Exit::notUp);
-    loop_.stop();
-  } else if (std::exchange(reloadWanted_, false)) {
-    reload();
-  }
+  return {changes, unchanged, std::move(missing)};
 }
 
 /// A file that is refused changes nothing. While changes are being applied the file waits: a step
@@ -72,14 +107,20 @@ void Agent::reload() {
     reloadWanted_ = true;
     return;
   }
+  Slice wanted;
   try {
-    apply(readSliceFile(options_.sliceFile));
-  } catch (FileError const& refused) {
+    wanted = readSliceFile(options_.sliceFile);
+    checkApply(*wanted.config, *config_, *status_);
+  } catch (std::exception const& refused) {
     console_.line(std::string("not reloaded: ") + refused.what());
+    return;
   }
+  applySliceFile(std::move(wanted));
 }
 
+/// A terminal and a supervisor send a signal each for the same wish: one is enough.
 void Agent::end(int signal) {
+  for (int const another : {SIGTERM, SIGINT}) loop_.signalIs(another, [] {});
   console_.line(std::string("ended by ") + (signal == SIGTERM ? "SIGTERM" : "SIGINT"));
   constexpr int signalledExit = 128;
   if (options_.once) exitCode_ = signalledExit + signal;

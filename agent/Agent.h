@@ -1,20 +1,30 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+
 #include "agent/Application.h"
 #include "agent/Console.h"
+#include "agent/DriverLibrary.h"
 #include "agent/Options.h"
 #include "agent/SliceFile.h"
 #include "agent/StatusWatcher.h"
+#include "agent/byname/Served.h"
 #include "platform/mox/ActivityLoop.h"
 #include "sm/KestSliceDmaSm.h"
 
 namespace Kest::Agent {
 
+class ControlServer;
+
 /// The running agent: the two entities of a slice, the state machine between them, and the activity
 /// that brings the configuration in line with the slice file.
 class Agent {
  public:
-  Agent(Options options, Console console);
+  /// The driver must outlive the agent.
+  Agent(Options options, Console console, DriverLibrary const& driver);
   ~Agent();
   Agent(Agent const&) = delete;
   Agent& operator=(Agent const&) = delete;
@@ -24,8 +34,12 @@ class Agent {
   int run();
 
  private:
-  void apply(Slice wanted);
-  void applied(std::size_t changes, std::size_t unchanged);
+  using Done = std::function<void(Applied)>;
+
+  void apply(std::string const& file, Slice wanted, Done done);
+  Applied applied(std::string const& file, std::size_t changes, std::size_t unchanged);
+  void applySliceFile(Slice wanted);
+  void openControl();
   void reload();
   void end(int signal);
 
@@ -39,6 +53,8 @@ class Agent {
   Mox::Ptr<StatusWatcher> statusWatcher_;
   Application application_;
   PciHandles handles_;
+  Served served_;
+  std::unique_ptr<ControlServer> control_;
   bool reloadWanted_ = false;
   bool shown_ = false;
   int exitCode_ = 0;

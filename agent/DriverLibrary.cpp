@@ -3,7 +3,6 @@
 #include <cxxabi.h>
 #include <dlfcn.h>
 
-#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -12,6 +11,8 @@
 namespace Kest::Agent {
 
 namespace {
+
+constexpr char const* isDeviceUp = "_ZN8Hardware4Kest17kestDmaIsDeviceUpEN3Mox7String8EPb";
 
 /// The nine operations of driver/KestDma.h, as the linker knows them.
 constexpr char const* operations[] = {
@@ -22,7 +23,7 @@ constexpr char const* operations[] = {
     "_ZN8Hardware4Kest18kestDmaDeviceParamEN3Mox7String8EjNS0_7FapTypeEjjjjjjj",
     "_ZN8Hardware4Kest17kestDmaDeviceDownEN3Mox7String8E",
     "_ZN8Hardware4Kest15kestDmaDeviceUpEN3Mox7String8E",
-    "_ZN8Hardware4Kest17kestDmaIsDeviceUpEN3Mox7String8EPb",
+    isDeviceUp,
     "_ZN8Hardware4Kest11kestDmaDumpEv",
 };
 
@@ -57,12 +58,15 @@ DriverLibrary::DriverLibrary(std::string const& driver)
   if (!missing.empty()) throw DriverError("driver " + path_ + " lacks" + missing);
 }
 
-void DriverLibrary::faultFileIs(std::string const& path) {
-  using FaultFileIs = int (*)(char const* path, char* error, unsigned errorBytes);
-  auto const faultFileIs = reinterpret_cast<FaultFileIs>(dlsym(library_, "kestDmaSimFaultFileIs"));
-  if (faultFileIs == nullptr) throw DriverError("driver " + path_ + " takes no fault file");
-  std::array<char, 1024> error{};
-  if (faultFileIs(path.c_str(), error.data(), error.size()) != 0) throw DriverError(error.data());
+DriverLibrary::DeviceState DriverLibrary::deviceState(Mox::String8 const& devName) const {
+  using IsDeviceUp = int (*)(Mox::String8 devName, bool* up);
+  bool up = false;
+  int const error = reinterpret_cast<IsDeviceUp>(symbol(isDeviceUp))(devName, &up);
+  return {error, up};
+}
+
+void* DriverLibrary::symbol(char const* name) const {
+  return dlsym(library_, name);
 }
 
 }  // namespace Kest::Agent

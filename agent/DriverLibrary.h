@@ -3,6 +3,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/mox/String8.h"
+
 namespace Kest::Agent {
 
 /// A driver library that cannot be used; the message says which and why, every missing operation
@@ -19,8 +21,17 @@ class DriverLibrary {
   /// @param driver `sim` for the simulated driver that comes with the agent, or a library's path
   explicit DriverLibrary(std::string const& driver);
 
-  /// Hands a fault file to a driver that takes one: the simulated one does.
-  void faultFileIs(std::string const& path);
+  std::string const& path() const noexcept { return path_; }
+
+  /// What the driver says of a device's state: an error number, and with 0 whether it is up.
+  struct DeviceState {
+    int error;
+    bool up;
+  };
+  DeviceState deviceState(Mox::String8 const& devName) const;
+
+  /// What the library exports under that name; null when it does not.
+  void* symbol(char const* name) const;
 
  private:
   std::string path_;

@@ -1,5 +1,7 @@
 #include "agent/FileError.h"
 
+#include <algorithm>
+
 namespace Kest::Agent {
 
 namespace {
@@ -17,18 +19,51 @@ std::string caretIndent(std::string_view line, std::size_t column) {
   return indent;
 }
 
+/// As much of a line as people want to see, and the column there.
+struct Excerpt {
+  std::string text;
+  std::size_t column;
+};
+
+Excerpt excerptOf(std::string_view line, std::size_t column) {
+  constexpr std::size_t longest = 1000;
+  constexpr std::size_t around = 60;
+  constexpr std::string_view dots = "...";
+  if (line.size() <= longest) return {std::string(line), column};
+  std::size_t first = column > around ? column - around : 0;
+  while (first > 0 && continuesCharacter(line[first])) --first;
+  std::size_t end = std::min(column + around, line.size());
+  while (end < line.size() && continuesCharacter(line[end])) ++end;
+  std::string text(first > 0 ? dots : "");
+  std::size_t const shift = first - text.size();
+  text.append(line.substr(first, end - first)).append(end < line.size() ? dots : "");
+  return {text, column - shift};
+}
+
 std::string report(std::string_view file, std::size_t line, std::size_t column,
                    std::string_view message, std::string_view lineText) {
+  Excerpt excerpt = excerptOf(lineText, column);
+  std::replace(excerpt.text.begin(), excerpt.text.end(), '\0', ' ');  // it would end the report
   std::string text(file);
   text.append(":").append(std::to_string(line));
   text.append(":").append(std::to_string(column + 1));
   text.append(": ").append(message);
-  text.append("\n  ").append(lineText);
-  text.append("\n  ").append(caretIndent(lineText, column)).append("^");
+  text.append("\n  ").append(excerpt.text);
+  text.append("\n  ").append(caretIndent(excerpt.text, excerpt.column)).append("^");
   return text;
 }
 
 }  // namespace
+
+FileError FileError::inText(std::string_view file, std::string_view text, std::size_t at,
+                            std::string_view message) {
+  std::string_view const before = text.substr(0, at);
+  auto const line = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
+  std::size_t const start = before.rfind('\n') + 1;  // 0 in the first line
+  std::string_view lineText = text.substr(start, text.substr(start).find('\n'));
+  if (lineText.ends_with('\r')) lineText.remove_suffix(1);
+  return {file, line + 1, at - start, message, lineText};
+}
 
 FileError::FileError(std::string_view file, std::size_t line, std::size_t column,
                      std::string_view message, std::string_view lineText)

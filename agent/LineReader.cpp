@@ -19,11 +19,15 @@ std::string LineReader::keyword() {
   return std::string(rest.substr(0, length));
 }
 
-void LineReader::refuse(std::string_view expected) const {
+std::string LineReader::word() const {
   std::string_view const rest = at_.viewTo(end_);
+  return std::string(rest.substr(0, rest.find_first_of(" \t")));
+}
+
+void LineReader::refuse(std::string_view expected) const {
   std::string text = "expected ";
-  text.append(expected).append(", found '").append(rest.substr(0, rest.find_first_of(" \t")));
-  Mox::throwRangeException(Mox::String8(text.append("'")));
+  text.append(expected).append(", found '").append(word()).append("'");
+  Mox::throwRangeException(Mox::String8(text));
 }
 
 }  // namespace Kest::Agent

@@ -27,6 +27,9 @@ class LineReader {
   /// The letters that come next; they are not taken.
   std::string keyword();
 
+  /// What comes next, up to a blank; it is not taken.
+  std::string word() const;
+
   void skip(std::size_t characters) { at_ += characters; }
 
   [[noreturn]] void refuse(std::string_view expected) const;

@@ -19,10 +19,23 @@ std::variant<Options, Exit> parseOptions(int argc, char const* const* argv) {
       ->capture_default_str();
   app.add_option("--driver-faults", options.faultFile, "Fault file for the simulated driver")
       ->type_name("FILE");
+  app.add_option("--driver-state", options.driverState,
+                 "File in which the simulated driver keeps interfaces and devices, so that they "
+                 "outlive the agent's process")
+      ->type_name("FILE");
+  app.add_option("--control", options.control,
+                 "Control socket for kestctl, or 'none'; by default KEST_SLICE_AGENT_SOCKET, "
+                 "/run/kest-slice-agent.sock for root, or kest-slice-agent.sock in "
+                 "XDG_RUNTIME_DIR; with --once none unless it is given")
+      ->type_name("PATH");
   app.add_flag("--once", options.once,
                "End after the file was applied; exit code 1 if a port or device did not come up");
+  app.add_flag("--poll", options.poll,
+               "Poll the devices' states once the file has been applied (mode polling)");
   app.add_flag("-v,--verbose", options.verbose,
                "Show every change on a terminal too, where only progress is shown otherwise");
+  app.add_flag("--supervise", options.supervise,
+               "Run the agent as a child process and start it again when a signal ended it");
   app.add_option("--trace", options.trace,
                  "Trace setting FACILITY/LEVELS[,...], as in 'KestSliceDma/0-2'; the default comes "
                  "from MOX_TRACE")
@@ -31,7 +44,9 @@ std::variant<Options, Exit> parseOptions(int argc, char const* const* argv) {
   app.footer(
       "Exit codes: 0 done, 1 a port or device did not come up (--once), 2 the command line, the "
       "slice file or the driver cannot be used; ended by a signal before --once was done: 128 and "
-      "its number.\nEnvironment: MOX_TRACE, NO_COLOR.");
+      "its number.\nEnvironment: MOX_TRACE, NO_COLOR; KEST_LAST_END, which tells a run that is "
+      "started again what "
+      "ended the last one.");
   try {
     app.parse(argc, argv);
   } catch (CLI::ParseError const& outcome) {

@@ -9,10 +9,14 @@ namespace Kest::Agent {
 struct Options {
   std::string sliceFile;
   std::string driver = "sim";
-  std::string faultFile;  // empty: none
-  std::string trace;      // empty: as the environment says
+  std::string faultFile;    // empty: none
+  std::string driverState;  // empty: it ends with the process
+  std::string control;      // empty: the default socket, if there is one; "none": none
+  std::string trace;        // empty: as the environment says
   bool once = false;
+  bool poll = false;
   bool verbose = false;
+  bool supervise = false;
 };
 
 /// How the program ends.

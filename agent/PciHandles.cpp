@@ -47,6 +47,14 @@ bool PciHandles::declares(Fru::PciHam const& handle) const {
   return find(taken_, handle) != taken_.end();
 }
 
+std::vector<Mox::String8> PciHandles::paths() const {
+  std::vector<Mox::String8> all;
+  for (Taken const& taken : taken_) {
+    if (Mox::ptrCast<Fru::PciHam>(taken.entity)) all.push_back(taken.entity->fullName());
+  }
+  return all;
+}
+
 void PciHandles::succeed(PciHandles& old) {
   for (Taken& before : old.taken_) {
     auto const mine = find(taken_, *before.entity);

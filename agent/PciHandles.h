@@ -30,6 +30,9 @@ class PciHandles {
   void declare(Mox::String8 const& path);
   bool declares(Fru::PciHam const& handle) const;
 
+  /// The paths of the handles, in order of declaration.
+  std::vector<Mox::String8> paths() const;
+
   /// Takes over what both sets declare; what only `old` declares leaves the tree.
   void succeed(PciHandles& old);
 

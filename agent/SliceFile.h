@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -19,6 +20,9 @@ struct Slice {
   PciHandles handles;
 };
 
+/// In bytes.
+inline constexpr std::size_t largestSlice = std::size_t{16} << 20U;
+
 /// Reads a slice file: one statement a line, `#` starts a comment, in the text forms
 /// of the configuration entity:
 ///
@@ -30,12 +34,25 @@ struct Slice {
 ///     nativeVlan 'et3/1' 10
 ///     switchportMode 'et3/1' 'switchportModeTrunk'
 ///
-/// `pciHam` declares a handle that devices in lines below it refer to. The file is checked whole:
-/// `FileError` for the first line that is malformed, that gives a key a second time, or that would
-/// end the process by the state machine's rules (see `SliceRules.h`); then nothing is left behind.
+/// `pciHam` declares a handle that devices in lines below it refer to. A file whose name ends in
+/// `.json` holds the same as JSON:
+///
+///     {"pciHam": ["/pci/0000:05:00.0"],
+///      "sliceId": "Linecard3",
+///      "device": {"fap0": {"pciHam": "/pci/0000:05:00.0", ...}},
+///      "deviceState": {"fap0": "deviceStateUp"},
+///      "switchPort": {"et3/1": {"destId": 1, ...}},
+///      "nativeVlan": {"et3/1": 10},
+///      "switchportMode": {"et3/1": "switchportModeTrunk"}}
+///
+/// There, members come in any order, and the field that is a record's key may be left out.
+///
+/// The file is checked whole: `FileError` for the first place that is malformed, that gives a key a
+/// second time, or that would end the process by the state machine's rules (see `SliceRules.h`);
+/// then nothing is left behind.
 Slice readSliceFile(std::string const& path);
 
-/// The same for a text; `name` stands for the file in errors.
+/// The same for a text; `name` stands for the file in errors, and tells JSON from statements.
 Slice parseSlice(std::string_view name, std::string_view text);
 
 }  // namespace Kest::Agent

@@ -4,9 +4,11 @@
 #include <string_view>
 
 #include "model/DeviceState.h"
+#include "platform/mox/GenericValue.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Strep.h"
 #include "platform/mox/String8.h"
+#include "registry/DeviceStateType.h"
 
 /// What the state machine's rules demand of configured values. The configuration entity takes
 /// anything; a value that breaks one of these would end the process when it is announced, so a
@@ -16,6 +18,11 @@ namespace Kest::Agent {
 inline void checkKey(std::string_view keyName, Mox::String8 const& key) {
   if (keyName == "ifName" && key.pos("et") == Mox::String8::npos) {
     Mox::throwRangeException(Mox::format("expected an interface name with 'et' in it, found %s",
+                                         Mox::valueToStrep(key).charPtr()));
+  }
+  // The driver takes interfaces by C strings: two names would be one.
+  if (keyName == "ifName" && key.view().find('\0') != std::string_view::npos) {
+    Mox::throwRangeException(Mox::format("expected an interface name without NUL, found %s",
                                          Mox::valueToStrep(key).charPtr()));
   }
   if (key.empty()) Mox::throwRangeException("expected a device name, found an empty one");
@@ -40,8 +47,13 @@ inline void checkStateName(Mox::String8 const& name) {
                                        down.charPtr(), Mox::valueToStrep(name).charPtr()));
 }
 
-/// Every other value is the driver's to judge.
-template <class Value>
-void checkValue(Value const&) {}
+/// Of a collection, or of a field. Values of other types are the driver's to judge.
+inline void checkValue(Mox::GenericIf const& value) {
+  using Hardware::Kest::Slice::DeviceState;
+  if (auto const* const vlan = Mox::genericVal<std::uint16_t>(&value)) checkValue(*vlan);
+  if (auto const* const state = Mox::genericVal<DeviceState>(&value)) {
+    checkStateName(stringValue(*state));
+  }
+}
 
 }  // namespace Kest::Agent

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "agent/Collections.h"
 #include "agent/Text.h"
 
 namespace Kest::Agent {
@@ -19,37 +18,15 @@ std::string valueText(Status::Device const& device) {
 }  // namespace
 
 StatusWatcher::StatusWatcher(Mox::Ptr<Status const> const& status, Told told)
-    : told_(std::move(told)) {
-  Status::NotifieeConst::notifierIs(status);
-  Status::NotifieeConst::isRegisteredNotifieeIs(true);
-}
+    : CollectionObserver(status), told_(std::move(told)) {}
 
-template <class Collection>
-void StatusWatcher::changed(Mox::String8 const& key) {
-  Mox::Ptr<Status const> const status = notifier();
-  auto const entry = collectionOf<Collection>(*status).iteratorConst(key);
-  std::string const now = entry ? valueText(entry.value()) : "removed";
-  told_(std::string(Collection::name) + " " + nameText(key) + ": " + now);
-}
-
-void StatusWatcher::onSwitchPort(Mox::String8 ifName) {
-  changed<Status::SwitchPorts>(ifName);
-}
-
-void StatusWatcher::onNativeVlan(Mox::String8 ifName) {
-  changed<Status::NativeVlans>(ifName);
-}
-
-void StatusWatcher::onSwitchportMode(Mox::String8 ifName) {
-  changed<Status::SwitchportModes>(ifName);
-}
-
-void StatusWatcher::onDevice(Mox::String8 devName) {
-  changed<Status::Devices>(devName);
-}
-
-void StatusWatcher::onDeviceState(Mox::String8 devName) {
-  changed<Status::DeviceStates>(devName);
+void StatusWatcher::changed(Mox::AttributeId id, Mox::String8 const& key) {
+  notifier()->forEachCollection([&](auto const& collection) {
+    if (collection.attributeId != id) return;
+    auto const entry = collection.iteratorConst(key);
+    std::string const now = entry ? valueText(entry.value()) : "removed";
+    told_(std::string(collection.name) + " " + nameText(key) + ": " + now);
+  });
 }
 
 }  // namespace Kest::Agent

@@ -1,24 +1,21 @@
 #include "agent/Text.h"
 
+#include <algorithm>
 #include <cctype>
-#include <string_view>
 
 #include "platform/mox/Strep.h"
 
 namespace Kest::Agent {
 
-namespace {
-
-std::string without(std::string_view typeName, Mox::String8 const& enumerator) {
-  std::string_view name = enumerator.view();
-  bool const isLonger = name.size() > typeName.size();
-  if (!isLonger || !name.starts_with(typeName)) return std::string(name);
-  std::string rest(name.substr(typeName.size()));
+std::string shortEnumerator(std::string_view typeName, std::string_view enumerator) {
+  bool const named = enumerator.size() > typeName.size() &&
+                     std::equal(typeName.begin() + 1, typeName.end(), enumerator.begin() + 1) &&
+                     std::tolower(static_cast<unsigned char>(typeName[0])) == enumerator[0];
+  if (!named) return std::string(enumerator);
+  std::string rest(enumerator.substr(typeName.size()));
   rest[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(rest[0])));
   return rest;
 }
-
-}  // namespace
 
 std::string nameText(Mox::String8 const& name) {
   Mox::String8 const quoted = Mox::valueToStrep(name);
@@ -30,15 +27,15 @@ std::string valueText(std::uint16_t vlan) {
 }
 
 std::string valueText(Bridging::SwitchportMode mode) {
-  return without("switchportMode", stringValue(mode));
+  return shortEnumerator("SwitchportMode", stringValue(mode).view());
 }
 
 std::string valueText(Hardware::Kest::Slice::DeviceState state) {
-  return without("deviceState", stringValue(state));
+  return shortEnumerator("DeviceState", stringValue(state).view());
 }
 
 std::string valueText(Hardware::Kest::FapType type) {
-  return without("fapType", stringValue(type));
+  return shortEnumerator("FapType", stringValue(type).view());
 }
 
 }  // namespace Kest::Agent

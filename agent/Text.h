@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "model/DeviceState.h"
 #include "platform/bridging/SwitchportMode.h"
@@ -14,6 +15,9 @@ namespace Kest::Agent {
 
 /// A name as a slice file writes it, without the apostrophes: control characters are escaped.
 std::string nameText(Mox::String8 const& name);
+
+/// An enumerator's name without the name of its type in front, as in `polling` for `smModePolling`.
+std::string shortEnumerator(std::string_view typeName, std::string_view enumerator);
 
 std::string valueText(std::uint16_t vlan);
 std::string valueText(Bridging::SwitchportMode mode);

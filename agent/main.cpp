@@ -5,6 +5,8 @@
 #include "agent/DriverLibrary.h"
 #include "agent/FileError.h"
 #include "agent/Options.h"
+#include "agent/SimulatedDriver.h"
+#include "agent/Supervisor.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Trace.h"
 
@@ -15,8 +17,15 @@ using namespace Kest::Agent;
 int runAgent(Options const& options) {
   if (!options.trace.empty()) Mox::traceSettingIs(options.trace);
   DriverLibrary driver(options.driver);
-  if (!options.faultFile.empty()) driver.faultFileIs(options.faultFile);
-  return Agent(options, Console::standardOutput()).run();
+  SimulatedDriver const simulated(driver);
+  if (!options.driverState.empty()) simulated.stateFileIs(options.driverState);
+  if (!options.faultFile.empty()) simulated.faultFileIs(options.faultFile);
+  return Agent(options, Console::standardOutput(), driver).run();
+}
+
+int run(Options const& options) {
+  if (!options.supervise) return runAgent(options);
+  return Supervisor([&options] { return runAgent(options); }).run();
 }
 
 }  // namespace
@@ -25,7 +34,7 @@ int main(int argc, char** argv) {
   std::variant<Options, Exit> const options = parseOptions(argc, argv);
   if (Exit const* const exit = std::get_if<Exit>(&options)) return static_cast<int>(*exit);
   try {
-    return runAgent(std::get<Options>(options));
+    return run(std::get<Options>(options));
   } catch (std::exception const& error) {
     std::cerr << "kest-slice-agent: " << error.what() << '\n';
     return static_cast<int>(Exit::usage);

@@ -1,6 +1,7 @@
 # What `cmake --install` lays out, so that others build against the library:
 # the CMake package kest-slice-dma with the targets kest::mox, kest::slice_dma and kest::driver_sim,
-# a pkg-config file, the headers under include/kest-slice-dma, the agent and the examples.
+# a pkg-config file, the headers under include/kest-slice-dma, the agent with its systemd unit, its
+# client with its completion, and the examples.
 include(CMakePackageConfigHelpers)
 
 set(KEST_INCLUDE_DIR include/kest-slice-dma)
@@ -16,12 +17,15 @@ foreach(target mox kest_slice_dma kest_driver_sim)
 endforeach()
 set_target_properties(kest-slice-agent PROPERTIES INSTALL_RPATH "$ORIGIN/../${KEST_LIB_DIR}")
 
-install(TARGETS mox kest_slice_dma kest_driver_sim kest-slice-agent EXPORT kest-slice-dma
+install(TARGETS mox kest_slice_dma kest_driver_sim kest-slice-agent kestctl EXPORT kest-slice-dma
   RUNTIME DESTINATION bin
   LIBRARY DESTINATION ${KEST_LIB_DIR})
-install(DIRECTORY platform model driver sm DESTINATION ${KEST_INCLUDE_DIR}
+install(DIRECTORY platform model driver sm registry DESTINATION ${KEST_INCLUDE_DIR}
   FILES_MATCHING PATTERN "*.h")
+install(FILES ctl/kestctl.bash DESTINATION share/bash-completion/completions RENAME kestctl)
 install(DIRECTORY examples/ DESTINATION share/kest-slice-dma/examples)
+# systemd looks here under the prefixes /usr and /usr/local, where it finds the agent too.
+install(FILES packaging/kest-slice-agent.service DESTINATION lib/systemd/system)
 
 install(EXPORT kest-slice-dma NAMESPACE kest:: FILE kest-slice-dma-targets.cmake
   DESTINATION ${KEST_PACKAGE_DIR})

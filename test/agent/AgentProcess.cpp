@@ -37,6 +37,7 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
                          AgentProcess::Environment const& environment) {
   AgentProcess::Environment all = environment;
   all.emplace("TERM", "xterm");
+  all.emplace("KEST_SLICE_AGENT_SOCKET", "control.sock");  // in its own directory
   std::vector<std::string> variables;
   for (auto const& [name, value] : all) variables.push_back(name + "=" + value);
   for (char const* name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"}) {

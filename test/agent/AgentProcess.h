@@ -17,13 +17,15 @@ class AgentProcess {
   using Environment = std::map<std::string, std::string>;
 
   /// On a terminal both outputs are one and the lines end as they were written. The environment
-  /// holds `environment` and `TERM=xterm` alone, beside what the sanitizers want.
+  /// holds `environment` and `TERM=xterm` alone, beside what the sanitizers want, and the control
+  /// socket `control.sock` in the directory.
   AgentProcess(std::string const& directory, std::vector<std::string> arguments,
                Output output = Output::pipes, Environment environment = {});
   AgentProcess(AgentProcess const&) = delete;
   AgentProcess& operator=(AgentProcess const&) = delete;
   ~AgentProcess();
 
+  pid_t pid() const { return pid_; }
   void signalIs(int number) const;
 
   /// Waits until standard output holds `text`; returns the output to its end and takes it.

@@ -372,7 +372,7 @@ port et1 device=- destination=0 MAC=00:00:00:00:00:00 created=yes native-VLAN=- 
 
 TEST_F(AgentOnATerminal, ShowsTheTablesAgainWhenTheFileIsReadAgain) {
   AgentProcess agent(directory, {"slice"}, AgentProcess::Output::terminal, {{"NO_COLOR", "1"}});
-  EXPECT_EQ(agent.outputUntil("-            -\n"), std::string(progress) + table);
+  EXPECT_EQ(agent.outputUntil("-            -\n"), "cold start\n" + std::string(progress) + table);
   agent.signalIs(SIGHUP);
   EXPECT_EQ(agent.outputUntil("-            -\n"),
             std::string("slice: announced 0 changes, 4 unchanged entries left alone\n") + table);

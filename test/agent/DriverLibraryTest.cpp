@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
+#include "agent/SimulatedDriver.h"
 #include "driver/sim/SimDriver.h"
 
 namespace Kest::Agent {
@@ -55,14 +58,41 @@ TEST(DriverLibrary, SaysWhyALibraryCannotBeLoaded) {
             "/small.slice: invalid ELF header");
 }
 
-TEST(DriverLibrary, HandsAFaultFileToTheSimulatedDriver) {
-  DriverLibrary sim("sim");
+TEST(DriverLibrary, AsksTheDriverForADevicesState) {
+  DriverLibrary const sim("sim");
+  Hardware::Kest::Sim::simDriver().reset();
+  EXPECT_EQ(sim.deviceState("fap0").error, ENODEV);
+  Mox::Ptr<Fru::PciHam const> const handle(new Fru::PciHam("0000:05:00.0"));
+  Hardware::Kest::Sim::simDriver().deviceRename("fap0", handle);
+  EXPECT_EQ(sim.deviceState("fap0").error, 0);
+  EXPECT_FALSE(sim.deviceState("fap0").up);
+  Hardware::Kest::Sim::simDriver().deviceFlip("fap0");
+  EXPECT_TRUE(sim.deviceState("fap0").up);
+}
+
+TEST(SimulatedDriver, TakesFaultsFromAFileOrAText) {
+  DriverLibrary const library("sim");
+  SimulatedDriver const sim(library);
   Hardware::Kest::Sim::simDriver().reset();
   EXPECT_EQ(refusal([&] { sim.faultFileIs("/no/such/file"); }),
             "/no/such/file: cannot be read: No such file or directory");
   EXPECT_EQ(refusal([&] { sim.faultFileIs(KEST_EXAMPLES "/small.slice"); }),
             KEST_EXAMPLES "/small.slice:3:1: expected fail or flip, found 'pciHam'");
-  EXPECT_EQ(Hardware::Kest::Sim::simDriver().faultsText(), "");
+  EXPECT_EQ(refusal([&] { sim.faultsAre("nonsense"); }),
+            "faults:1:1: expected fail or flip, found 'nonsense'");
+  EXPECT_EQ(sim.text("faults"), "");
+  EXPECT_EQ(refusal([&] { sim.faultsAre("fail kestDmaIfdel * 5 always\n"); }), "");
+  EXPECT_EQ(sim.text("faults"), "fail kestDmaIfdel * 5 always\n");
+}
+
+TEST(SimulatedDriver, IsToldFromAnother) {
+  DriverLibrary const library("sim");
+  EXPECT_TRUE(SimulatedDriver(library).isThere());
+  DriverLibrary const other(KEST_DRIVER_BARE);
+  SimulatedDriver const notThere(other);
+  EXPECT_FALSE(notThere.isThere());
+  EXPECT_EQ(refusal([&] { notThere.text("dump"); }),
+            "driver " KEST_DRIVER_BARE " is not the simulated one: it has no kestDmaSimText");
 }
 
 }  // namespace

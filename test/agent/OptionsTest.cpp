@@ -32,12 +32,13 @@ TEST(Options, HaveDefaults) {
   EXPECT_EQ(options.trace, "");
   EXPECT_FALSE(options.once);
   EXPECT_FALSE(options.verbose);
+  EXPECT_FALSE(options.supervise);
 }
 
 TEST(Options, AreTakenInAnyOrderAndForm) {
   Options const options =
-      std::get<Options>(parse({"-v", "--driver=/lib/tap.so", "--once", "a.slice", "--driver-faults",
-                               "b.faults", "--trace", "KestSliceDma/0-2"})
+      std::get<Options>(parse({"-v", "--driver=/lib/tap.so", "--once", "--supervise", "a.slice",
+                               "--driver-faults", "b.faults", "--trace", "KestSliceDma/0-2"})
                             .result);
   EXPECT_EQ(options.sliceFile, "a.slice");
   EXPECT_EQ(options.driver, "/lib/tap.so");
@@ -45,6 +46,7 @@ TEST(Options, AreTakenInAnyOrderAndForm) {
   EXPECT_EQ(options.trace, "KestSliceDma/0-2");
   EXPECT_TRUE(options.once);
   EXPECT_TRUE(options.verbose);
+  EXPECT_TRUE(options.supervise);
 }
 
 TEST(Options, SayTheVersionAndEnd) {
@@ -59,9 +61,9 @@ TEST(Options, HelpNamesEveryOptionAndExitCodeAndEnds) {
     Outcome const outcome = parse({option});
     EXPECT_EQ(std::get<Exit>(outcome.result), Exit::done);
     EXPECT_EQ(outcome.err, "");
-    for (char const* part :
-         {"SLICEFILE", "--driver ", "--driver-faults", "--once", "--verbose", "--trace",
-          "--version", "SIGHUP", "Exit codes: 0 done, 1 ", "NO_COLOR"}) {
+    for (char const* part : {"SLICEFILE", "--driver ", "--driver-faults", "--once", "--verbose",
+                             "--trace", "--supervise", "--version", "SIGHUP",
+                             "Exit codes: 0 done, 1 ", "NO_COLOR", "KEST_LAST_END"}) {
       EXPECT_NE(outcome.out.find(part), std::string::npos) << part;
     }
   }

@@ -31,7 +31,7 @@ ErrorRow const rows[] = {
   bogus 'x'
   ^)"},
     {"StatementInWrongCase", R"(SliceId 'x')",
-     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'SliceId'
+     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'SliceId'; did you mean 'sliceId'?
   SliceId 'x'
   ^)"},
     {"NoStatement", R"('et1' 10)",
@@ -184,6 +184,10 @@ nativeVlan 'et1' 20)",
      R"(slice:1:12: expected an interface name with 'et' in it, found 'Management1'
   nativeVlan 'Management1' 10
              ^)"},
+    {"VlanNameWithNul", R"(nativeVlan 'et\x001' 10)",
+     R"(slice:1:12: expected an interface name without NUL, found 'et\x001'
+  nativeVlan 'et\x001' 10
+             ^)"},
     {"ModeUnknown", R"(switchportMode 'et1' 'trunk')",
      R"(slice:1:22: expected 'switchportModeAccess', 'switchportModeTrunk' or 'switchportModeDot1qTunnel', found 'trunk'
   switchportMode 'et1' 'trunk'
@@ -275,7 +279,7 @@ deviceState 'fap0' 'deviceStateDown')",
          ^)"},
     {"DeviceWithoutState",
      R"(device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0'})  # no state)",
-     R"(slice:1:1: expected a deviceState statement for this device, found none
+     R"(slice:1:1: expected a deviceState for this device, found none
   device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0'})  # no state
   ^)"},
     {"DevicesWithoutState",
@@ -285,7 +289,7 @@ device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName':
 device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap3'})
 device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0'})
 device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap5'}))",
-     R"(slice:3:1: expected a deviceState statement for this device, found none
+     R"(slice:3:1: expected a deviceState for this device, found none
   device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap7'})
   ^)"},
     {"DeviceTwice",
@@ -432,6 +436,10 @@ switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'i
      "slice:1:14: expected the end of the line, found 'b'\n"
      "  sliceId\r 'a' b\n"
      "               ^"},
+    {"StatementMisspelt", R"(natveVlan 'et1' 10)",
+     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'natveVlan'; did you mean 'nativeVlan'?
+  natveVlan 'et1' 10
+  ^)"},
     {"ControlCharacter", "nativeVlan 'et1' \001",
      "slice:1:18: expected a decimal number, found character 0x01\n"
      "  nativeVlan 'et1' \001\n"
@@ -440,19 +448,6 @@ switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'i
 
 INSTANTIATE_TEST_SUITE_P(Rows, SliceFileError, testing::ValuesIn(rows),
                          [](auto const& row) { return row.param.name; });
-
-TEST(SliceFileErrors, ComeFromFilesThatCannotBeReadToo) {
-  auto const message = [](std::string const& path) -> std::string {
-    try {
-      readSliceFile(path);
-      return {};
-    } catch (FileError const& error) {
-      return error.what();
-    }
-  };
-  EXPECT_EQ(message("no/such/slice"), "no/such/slice: cannot be read: No such file or directory");
-  EXPECT_EQ(message("/"), "/: cannot be read: Is a directory");
-}
 
 }  // namespace
 }  // namespace Kest::Agent

@@ -154,7 +154,7 @@ TEST(SliceHandles, ThatOnlyTheFileBeforeDeclaredAreRefusedAsAtTheStart) {
                     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** "
                     "{'devName': 'fap0', 'pciHam': EntityPtr('/pci/a', 'Fru::PciHam')})\n"
                     "pciHam '/pci/a'"),
-            "slice:2:8: expected a pciHam statement for '/pci/a' above, found none\n"
+            "slice:2:8: expected a pciHam for '/pci/a' before it, found none\n"
             "  device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': "
             "'fap0', 'pciHam': EntityPtr('/pci/a', 'Fru::PciHam')})\n"
             "         ^");

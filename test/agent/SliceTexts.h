@@ -46,13 +46,16 @@ inline Entries entriesOf(Config const& config) {
 }
 
 /// The message with which a slice file's text is refused; empty when it is not.
-inline std::string refusal(std::string_view text) {
+inline std::string refusal(std::string_view text, char const* name = "slice") {
   try {
-    parseSlice("slice", text);
+    parseSlice(name, text);
     return {};
   } catch (FileError const& error) {
     return error.what();
   }
+}
+inline std::string jsonRefusal(std::string_view text) {
+  return refusal(text, "slice.json");
 }
 
 }  // namespace Kest::Agent

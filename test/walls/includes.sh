@@ -23,7 +23,7 @@ allowed_in() {
     sm/*) echo '(sm|model|platform)/|driver/[^/]+$' ;;
     registry/*) echo '(registry|model|sm|platform)/' ;;
     agent/*) echo '(agent|registry|sm|model|platform)/|driver/[^/]+$' ;;
-    ctl/*) echo '(ctl|agent)/' ;;
+    ctl/*) echo '(ctl|agent/wire)/' ;;
   esac
 }
 

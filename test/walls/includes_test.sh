@@ -29,10 +29,12 @@ plant driver/sim/Sim.cpp '#include "driver/sim/Sim.h"' '#include "driver/KestDma
 plant sm/Sm.cpp '#include "driver/KestDma.h"' '#include "model/Entity.h"' '#include "sm/detail/Reactor.h"'
 plant registry/Types.cpp '#include "sm/Sm.h"'
 plant agent/main.cpp '#include <CLI/CLI.hpp>' '#include "registry/Types.h"' '#include "agent/Agent.h"'
+plant ctl/main.cpp '#include "agent/wire/Protocol.h"' '#include "ctl/Client.h"'
 plant test/sm/Fixture.h '#pragma once' '#include "agent/Agent.h"'
 expect 0 ""
 
 plant agent/Agent.h '#include "driver/sim/Sim.h"'
+plant ctl/Client.cpp '#include "agent/Agent.h"' '#include "platform/mox/Ptr.h"'
 plant driver/KestDma.h '#pragma once' '#include "driver/sim/Sim.h"'
 plant driver/sim/Up.cpp '#include "model/Entity.h"' '#include "driver/tap/Tap.h"'
 plant model/Up.cpp '#include "model/Up.h"' '' ' #  include "sm/Sm.h"' '#include <agent/Agent.h>'
@@ -42,6 +44,8 @@ plant sm/Low.cpp '#include "platform/detail/EnumText.h"' '#include "model/../age
 plant sm/Sim.cpp '#include "driver/sim/Sim.h"' '#include "registry/Types.h"'
 plant test/sm/Bare.h 'int once;'
 expect 1 "agent/Agent.h:1: agent/ may not include driver/sim/Sim.h
+ctl/Client.cpp:1: ctl/ may not include agent/Agent.h
+ctl/Client.cpp:2: ctl/ may not include platform/mox/Ptr.h
 driver/KestDma.h:2: driver/ may not include driver/sim/Sim.h
 driver/sim/Up.cpp:1: driver/ may not include model/Entity.h
 driver/sim/Up.cpp:2: driver/ may not include driver/tap/Tap.h
@@ -57,4 +61,4 @@ sm/Sim.cpp:1: sm/ may not include driver/sim/Sim.h
 sm/Sim.cpp:2: sm/ may not include registry/Types.h
 agent/Agent.h:1: no #pragma once
 test/sm/Bare.h:1: no #pragma once
-16 defects"
+18 defects"

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+#include "agent/byname/GenericJson.h"
+
+namespace Kest::Agent {
+
+/// The JSON object that a text of whatever origin is. `Mox::RangeException` "expected ..., found
+/// ..." when it is none, or nests deeper than `Wire::deepestRequest`: what works through JSON goes
+/// down as deep as it does.
+Json objectFromText(std::string_view text);
+
+}  // namespace Kest::Agent

@@ -1,0 +1,136 @@
+#include "agent/byname/Verbs.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "agent/DriverLibrary.h"
+#include "agent/FileError.h"
+#include "agent/Text.h"
+#include "agent/byname/ControlError.h"
+#include "agent/wire/NearMatch.h"
+#include "platform/mox/GenericIf.h"
+#include "platform/mox/RangeException.h"
+#include "platform/mox/Trace.h"
+
+namespace Kest::Agent {
+
+using Wire::ErrorKind;
+
+/// One verb. It changes something always, or only when the request has one of some members.
+struct Verbs::Verb {
+  using Now = Json (Verbs::*)(Request const&);
+  using AndLater = std::optional<Json> (Verbs::*)(Request const&, Later);
+
+  char const* name;
+  bool (*changes)(Request const& request);
+  std::variant<Now, AndLater> carryOut;
+};
+
+std::span<Verbs::Verb const> Verbs::all() {
+  constexpr auto never = [](Request const&) { return false; };
+  constexpr auto always = [](Request const&) { return true; };
+  static Verb const verbs[] = {
+      {"types", never, &Verbs::types},
+      {"describe", never, &Verbs::describe},
+      {"get", never, &Verbs::get},
+      {"set", always, &Verbs::set},
+      {"del", always, &Verbs::del},
+      {"notify", always, &Verbs::notify},
+      {"call", always, &Verbs::call},
+      {"verify", never, &Verbs::verify},
+      {"show", never, &Verbs::show},
+      {"apply", always, &Verbs::apply},
+      {"diff", never, &Verbs::diff},
+      {"dump", never, &Verbs::dump},
+      {"trace", [](Request const& request) { return request.find("setting") != nullptr; },
+       &Verbs::trace},
+      {"driver",
+       [](Request const& request) {
+         std::string const action = request.string("action");
+         return action == "fault" || action == "flip";
+       },
+       &Verbs::driver},
+      {"mode", [](Request const& request) { return request.find("mode") != nullptr; },
+       &Verbs::mode},
+      {"complete", never, &Verbs::complete},
+  };
+  return verbs;
+}
+
+namespace {
+
+/// The kind of error that a refusal of generic access is to a client.
+ErrorKind kindOf(Mox::GenericAccessException const& refused) {
+  using Kind = Mox::GenericAccessException::Kind;
+  switch (refused.kind()) {
+    case Kind::noSuchAttribute:
+      return ErrorKind::path;
+    case Kind::type:
+    case Kind::unknownArg:
+      return ErrorKind::value;
+    case Kind::constInstance:
+    case Kind::badIndex:
+    case Kind::opNotSupported:
+    case Kind::notBound:
+      break;
+  }
+  return ErrorKind::refused;
+}
+
+/// Lets only `ControlError`s out.
+template <class Work>
+auto translated(Work work) {
+  try {
+    return work();
+  } catch (Mox::GenericAccessException const& refused) {
+    throw ControlError(kindOf(refused), refused.what());
+  } catch (Mox::RangeException const& refused) {
+    throw ControlError(ErrorKind::value, refused.what());
+  } catch (FileError const& refused) {
+    throw ControlError(ErrorKind::file, refused.what());
+  } catch (DriverError const& refused) {
+    throw ControlError(ErrorKind::refused, refused.what());
+  }
+}
+
+}  // namespace
+
+std::optional<Json> Verbs::carryOut(Json const& json, bool mayChange, Later later) {
+  Request const request(json);
+  std::string const name = request.string("verb");
+  auto const verb = std::find_if(all().begin(), all().end(),
+                                 [&](Verb const& candidate) { return candidate.name == name; });
+  if (verb == all().end()) {
+    std::vector<std::string> names{"watch"};
+    for (Verb const& candidate : all()) names.emplace_back(candidate.name);
+    throw ControlError(ErrorKind::request,
+                       "there is no verb '" + nameText(Mox::String8(name)) + "'",
+                       Wire::nearMatch(name, names).value_or(std::string()));
+  }
+  if (!mayChange && verb->changes(request)) {
+    throw ControlError(ErrorKind::denied,
+                       "'" + name + "' changes the agent: only root and the agent's user may");
+  }
+  return translated([&]() -> std::optional<Json> {
+    if (auto const* const now = std::get_if<Verb::Now>(&verb->carryOut)) {
+      return (this->**now)(request);
+    }
+    return (this->*std::get<Verb::AndLater>(verb->carryOut))(request, std::move(later));
+  });
+}
+
+void Verbs::checkIdle() const {
+  if (!served_.isApplying()) return;
+  throw ControlError(ErrorKind::busy, "a slice file is being applied: try again when it is done");
+}
+
+Json Verbs::trace(Request const& request) {
+  request.checkMembers({"setting"});
+  if (auto const setting = request.optionalString("setting")) Mox::traceSettingIs(*setting);
+  return {{"setting", std::string(Mox::traceSetting().view())}};
+}
+
+}  // namespace Kest::Agent

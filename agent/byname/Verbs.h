@@ -1,0 +1,54 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <span>
+
+#include "agent/byname/GenericJson.h"
+#include "agent/byname/Request.h"
+#include "agent/byname/Served.h"
+
+namespace Kest::Agent {
+
+/// The verbs of the control protocol (`doc/control-protocol.md`), but for `watch`, which is about a
+/// connection.
+class Verbs {
+ public:
+  using Later = std::function<void(Json result)>;
+
+  explicit Verbs(Served const& served) : served_(served) {}
+
+  /// Carries a request, an object, out.
+  /// @param mayChange whether the client may change anything
+  /// @param later called with the result when it comes later
+  /// @return the result, or nothing when it comes later
+  /// @throw ControlError what the request is refused with
+  std::optional<Json> carryOut(Json const& json, bool mayChange, Later later);
+
+ private:
+  struct Verb;
+  static std::span<Verb const> all();
+
+  Json types(Request const& request);
+  Json describe(Request const& request);
+  Json complete(Request const& request);
+  Json get(Request const& request);
+  Json set(Request const& request);
+  Json del(Request const& request);
+  Json notify(Request const& request);
+  Json call(Request const& request);
+  Json mode(Request const& request);
+  Json verify(Request const& request);
+  Json show(Request const& request);
+  std::optional<Json> apply(Request const& request, Later later);
+  Json diff(Request const& request);
+  Json dump(Request const& request);
+  Json trace(Request const& request);
+  Json driver(Request const& request);
+
+  void checkIdle() const;
+
+  Served const& served_;
+};
+
+}  // namespace Kest::Agent

@@ -1,0 +1,155 @@
+#include "agent/control/Listener.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace Kest::Agent {
+
+namespace {
+
+constexpr int backlog = 512;
+
+Descriptor openSpare() {
+  return Descriptor(open("/dev/null", O_RDONLY | O_CLOEXEC));
+}
+
+/// @param path short enough
+sockaddr_un addressOf(std::string const& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+  return address;
+}
+
+Descriptor openSocket() {
+  return Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+}
+
+bool isListenedTo(std::string const& path) {
+  sockaddr_un const address = addressOf(path);
+  Descriptor const probe = openSocket();
+  int const result =
+      connect(probe.fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address);
+  return result == 0 || errno != ECONNREFUSED;
+}
+
+/// The process's mask for the modes of new files, until this goes. One thread runs.
+class FileMask {
+ public:
+  explicit FileMask(mode_t mask) noexcept : before_(umask(mask)) {}
+  ~FileMask() { umask(before_); }
+  FileMask(FileMask const&) = delete;
+  FileMask& operator=(FileMask const&) = delete;
+
+ private:
+  mode_t before_;
+};
+
+}  // namespace
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+  std::swap(fd_, other.fd_);
+  return *this;
+}
+
+Descriptor::~Descriptor() {
+  if (fd_ >= 0) close(fd_);
+}
+
+int Descriptor::take() noexcept {
+  return std::exchange(fd_, -1);
+}
+
+Listener::Listener(std::string path, mode_t mode) : path_(std::move(path)), spare_(openSpare()) {
+  checkPath();
+  lock();
+  removeStale();
+  bind(mode);
+}
+
+Listener::~Listener() {
+  struct stat file {};
+  bool const isOurs =
+      lstat(path_.c_str(), &file) == 0 && file.st_dev == device_ && file.st_ino == inode_;
+  if (isOurs) unlink(path_.c_str());
+}
+
+void Listener::refuse(std::string const& why) const {
+  throw ControlSocketError("control socket " + path_ + " " + why);
+}
+
+void Listener::refuseErrno(char const* what) const {
+  refuse(std::string(what) + ": " + std::strerror(errno));
+}
+
+void Listener::checkPath() const {
+  constexpr std::size_t longest = sizeof(sockaddr_un::sun_path) - 1;
+  if (path_.empty()) refuse("cannot be made: the path is empty");
+  if (path_.size() > longest) {
+    refuse("cannot be made: the path has more than " + std::to_string(longest) + " bytes");
+  }
+}
+
+void Listener::lock() {
+  constexpr mode_t ownerOnly = 0600;
+  std::string const file = path_ + ".lock";
+  lock_ = Descriptor(open(file.c_str(), O_CREAT | O_RDWR | O_CLOEXEC | O_NOFOLLOW, ownerOnly));
+  if (!lock_.isOpen()) refuseErrno("cannot be locked");
+  if (flock(lock_.fd(), LOCK_EX | LOCK_NB) == 0) return;
+  if (errno == EWOULDBLOCK) refuse("is in use by another agent");
+  refuseErrno("cannot be locked");
+}
+
+/// Nobody else that takes the lock makes or removes the file meanwhile.
+void Listener::removeStale() const {
+  struct stat file {};
+  if (lstat(path_.c_str(), &file) != 0) return;
+  if (!S_ISSOCK(file.st_mode)) refuse("cannot be made: there is a file that is no socket");
+  if (isListenedTo(path_)) refuse("is in use by another agent");
+  if (unlink(path_.c_str()) != 0) refuseErrno("cannot be replaced");
+}
+
+void Listener::bind(mode_t mode) {
+  sockaddr_un const address = addressOf(path_);
+  socket_ = openSocket();
+  if (!socket_.isOpen()) refuseErrno("cannot be made");
+  // The file takes the socket's mode, less the mask.
+  FileMask const mask(0);
+  bool const isBound =
+      fchmod(socket_.fd(), mode) == 0 &&
+      ::bind(socket_.fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0;
+  if (!isBound) refuseErrno("cannot be made");
+  struct stat file {};
+  if (lstat(path_.c_str(), &file) != 0) refuseErrno("cannot be made");
+  device_ = file.st_dev;
+  inode_ = file.st_ino;
+  if (listen(socket_.fd(), backlog) != 0) refuseErrno("cannot be made");
+}
+
+Descriptor Listener::accept() {
+  while (true) {
+    Descriptor client(accept4(fd(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    if (client.isOpen()) return client;
+    bool const isGone = errno == ECONNABORTED || errno == EINTR;
+    if (isGone) continue;
+    if (errno == EMFILE || errno == ENFILE) turnAway();
+    return Descriptor();
+  }
+}
+
+void Listener::turnAway() {
+  spare_ = Descriptor();
+  while (Descriptor(accept4(fd(), nullptr, nullptr, SOCK_CLOEXEC)).isOpen()) {
+  }
+  spare_ = openSpare();
+}
+
+}  // namespace Kest::Agent

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "ctl/Json.h"
+
+namespace Kest::Ctl {
+
+/// A connection to the agent. Every wait ends at a deadline. `Failure` of kind `no-agent`,
+/// `timeout`, or `reply` when what comes is no message of the protocol.
+class Client {
+ public:
+  using Clock = std::chrono::steady_clock;
+  /// None: wait for ever.
+  using Deadline = std::optional<Clock::time_point>;
+
+  static Deadline after(double seconds);
+
+  Client(std::string const& path, Deadline deadline);
+  ~Client();
+  Client(Client const&) = delete;
+  Client& operator=(Client const&) = delete;
+
+  /// Sends a request and returns the result of its reply. `Failure` of the reply's kind when the
+  /// agent refuses.
+  Json ask(Json const& request, Deadline deadline);
+  /// The next message, such as an event.
+  Json receive(Deadline deadline);
+
+ private:
+  void connect(std::string const& path, Deadline deadline) const;
+  void send(std::string_view bytes, Deadline deadline);
+  void await(short events, Deadline deadline) const;
+  std::string line(Deadline deadline);
+
+  int fd_;
+  std::string input_;
+};
+
+}  // namespace Kest::Ctl

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ctl/Json.h"
+
+/// Text for people.
+namespace Kest::Ctl {
+
+/// Control characters as `\xHH`, so that a terminal shows what is there and does nothing else.
+std::string escaped(std::string_view text);
+/// A value on one line; strings without quotation marks.
+std::string shown(Json const& value);
+
+/// A value on as many lines as it takes, each ended by a newline: objects with their names in
+/// front, those in them indented.
+std::string page(Json const& value);
+
+/// Rows of cells under headings, in columns.
+class Table {
+ public:
+  explicit Table(std::vector<std::string> headings) : rows_{std::move(headings)} {}
+
+  /// As many cells as there are headings.
+  void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+  /// The last row's cell is to be noticed.
+  void mark(std::size_t column) { marked_.push_back({rows_.size() - 1, column}); }
+
+  /// @param colour whether headings and marks may be coloured
+  std::string text(bool colour) const;
+
+ private:
+  struct Cell {
+    std::size_t row;
+    std::size_t column;
+  };
+  std::vector<std::vector<std::string>> rows_;
+  std::vector<Cell> marked_;
+};
+
+}  // namespace Kest::Ctl

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "ctl/Json.h"
+#include "ctl/Options.h"
+
+namespace Kest::Ctl {
+
+/// What an argument names, and so how it is completed. A `subject` is what the argument before it
+/// works on: `fault` a file, `flip` a device.
+enum class Completion { none, path, type, handler, file, word, subject };
+
+/// One positional argument of a verb.
+struct Parameter {
+  char const* name;
+  Completion completion;
+  bool isOptional = false;
+  bool isRepeated = false;              // takes all that are left
+  std::vector<char const*> words = {};  // what `word` completes to
+};
+
+/// How a verb's result is shown.
+struct Shown {
+  std::string text;
+  bool isGood = true;  // otherwise the exit code is that of a failure
+};
+
+/// One verb. Parsing, help, requests, presentation and completion all come from the table.
+struct Verb {
+  char const* name;
+  char const* help;
+  std::vector<Parameter> parameters;
+  /// The request of the control protocol, but for `verb` itself.
+  Json (*request)(Options const& options);
+  /// The result for people.
+  Shown (*present)(Json const& result, Options const& options, bool colour);
+  double timeout = 10;   // seconds
+  bool hasForm = false;  // takes --text
+  bool isDump = false;   // takes --format and --output
+  bool isWatch = false;  // takes --count, and goes on with events
+};
+
+/// In the order of the help.
+std::span<Verb const> verbs();
+/// Null when there is none.
+Verb const* verbNamed(std::string const& name);
+
+}  // namespace Kest::Ctl

@@ -1,0 +1,149 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "test/agent/AgentProcess.h"
+#include "test/agent/ControlClient.h"
+#include "test/agent/ScratchDirectory.h"
+
+namespace Kest::Agent {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string const clean = R"({"ok":true,"result":{"clean":true,"differences":[]}})";
+std::string const faultsTaken = R"({"ok":true,"result":{}})";
+
+class ControlledAgent : public ScratchDirectory {
+ protected:
+  /// What a new client is answered.
+  std::string ask(std::string const& request) const {
+    return ControlClient(directory + "/control.sock").ask(request);
+  }
+
+  std::string slice(char const* name) const { return std::string(KEST_EXAMPLES "/") + name; }
+};
+
+/// The text from `from` on; nothing of it is taken for granted.
+std::string from(std::string const& text, std::string const& from) {
+  std::size_t const at = text.find(from);
+  return at == std::string::npos ? "no '" + from + "' in:\n" + text : text.substr(at);
+}
+
+TEST_F(ControlledAgent, RecoversByRestartFromADeviceThatChangesBehindItsBack) {
+  AgentProcess agent(
+      directory, {"--supervise", "--verbose", "--driver-state", "driver.json", slice("full.slice")},
+      AgentProcess::Output::terminal, {{"TERM", "dumb"}});
+  EXPECT_THAT(agent.outputUntil("unchanged entries left alone\n"), StartsWith("cold start\n"));
+  EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
+
+  EXPECT_EQ(ask(R"({"verb":"set","path":"sm/mode","text":"polling"})"),
+            R"({"ok":true,"result":{"path":"sm/mode","type":"Hardware::Kest::SmMode",)"
+            R"("changed":true,"value":"smModePolling"}})");
+  EXPECT_EQ(ask(R"({"verb":"get","path":"sm/mode","id":7})"),
+            R"({"ok":true,"result":{"path":"sm/mode","type":"Hardware::Kest::SmMode",)"
+            R"("value":"smModePolling"},"id":7})");
+  EXPECT_EQ(ask(R"({"verb":"set","path":"config/nativeVlan/et3/1","value":77})"),
+            R"({"ok":true,"result":{"path":"config/nativeVlan/et3/1","type":"U16",)"
+            R"("changed":true,"value":77}})");
+  EXPECT_EQ(ask(R"({"verb":"get","path":"status/nativeVlan/et3/1","form":"text"})"),
+            R"({"ok":true,"result":{"path":"status/nativeVlan/et3/1","type":"U16",)"
+            R"("value":"77"}})");
+  EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
+
+  EXPECT_EQ(ask(R"({"verb":"driver","action":"flip","device":"fap3/1"})"), faultsTaken);
+  std::string const report = agent.outputUntil("restarted: ");
+  std::string const mismatch =
+      "handleTimerExpired: fap3/1 expected state: up, actual state: down\n";
+  std::string const end = from(report, mismatch);
+  EXPECT_THAT(end, StartsWith(mismatch + "kest-dma-sim: interfaces 36, devices 3, "));
+  // Standard error is a terminal, so the log message is there too.
+  EXPECT_THAT(from(end, "KEST_DMA"),
+              testing::MatchesRegex("KEST_DMA_DEVICE_STATE_ERROR: fap3/1 expected state: up, "
+                                    "actual state: down\n"
+                                    "kest-slice-agent: the agent \\(pid [0-9]+\\) was ended by "
+                                    "signal 6 \\(SIGABRT\\); starting it again\n"
+                                    "restarted: "));
+
+  EXPECT_THAT(agent.outputUntil("unchanged entries left alone\n"),
+              StartsWith("the last run was ended by signal 6 (SIGABRT)\n"));
+  EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
+  EXPECT_EQ(ask(R"({"verb":"get","path":"status/nativeVlan/et3/1"})"),
+            R"({"ok":true,"result":{"path":"status/nativeVlan/et3/1","type":"U16","value":10}})");
+  // The simulated chips outlived the agent, as real ones do.
+  EXPECT_THAT(ask(R"({"verb":"driver","action":"dump"})"),
+              HasSubstr("'fap3/1', up, flips 1, numFaps 2"));
+  agent.signalIs(SIGTERM);
+  EXPECT_EQ(agent.ended(), 0);
+}
+
+/// The one port and device of the example, up and served.
+class SmallAgent : public ControlledAgent {
+ protected:
+  SmallAgent() { agent.outputUntil("unchanged entries left alone\n"); }
+
+  // The address sanitizer would report signal 7 as a defect and end the process in its own way.
+  AgentProcess agent{directory,
+                     {slice("small.slice")},
+                     AgentProcess::Output::pipes,
+                     {{"ASAN_OPTIONS", "handle_sigbus=0"}}};
+};
+
+TEST_F(SmallAgent, IsEndedByAVerificationThatFails) {
+  EXPECT_EQ(ask(R"({"verb":"call","handler":"doVerify"})"),
+            R"({"ok":true,"result":{"handler":"sm/doVerify"}})");
+  EXPECT_EQ(ask(R"({"verb":"driver","action":"fault","text":"fail kestDmaIfadd * 5 always"})"),
+            faultsTaken);
+  EXPECT_EQ(ask(R"({"verb":"notify","path":"config/switchPort/et1"})"),
+            R"({"ok":true,"result":{"path":"config/switchPort/et1"}})");
+  EXPECT_EQ(ask(R"({"verb":"call","handler":"doVerify"})"), "");
+  EXPECT_EQ(agent.ended(), -SIGABRT);
+  EXPECT_EQ(agent.errors(),
+            "kest-slice-agent: KestSliceDmaSm:38: void "
+            "Hardware::Kest::Slice::KestSliceDmaSm::doVerify(): Assertion "
+            "`status()->switchPort( iterDev->ifName() ).created()' failed.\n");
+}
+
+TEST_F(SmallAgent, IsEndedByAPollOfADeviceThatTheDriverDoesNotKnow) {
+  EXPECT_EQ(ask(R"({"verb":"driver","action":"fault",)"
+                R"("text":"fail kestDmaIsDeviceUp 'fap0' 19 always"})"),
+            faultsTaken);
+  EXPECT_EQ(ask(R"({"verb":"mode","mode":"polling"})"),
+            R"({"ok":true,"result":{"mode":"smModePolling","number":2}})");
+  EXPECT_EQ(agent.ended(), -7);
+  EXPECT_EQ(agent.errors(), "kestDmaIsDeviceUp fap0 returned 19\n");
+}
+
+TEST_F(SmallAgent, IsEndedByAPollThatTheDriverDoesNotAnswer) {
+  EXPECT_EQ(ask(R"({"verb":"driver","action":"fault",)"
+                R"("text":"fail kestDmaIsDeviceUp 'fap0' 5 always"})"),
+            faultsTaken);
+  EXPECT_EQ(ask(R"({"verb":"call","handler":"handleTimerExpired"})"), "");
+  EXPECT_EQ(agent.ended(), -SIGABRT);
+  EXPECT_EQ(agent.errors(),
+            "kestDmaIsDeviceUp fap0 returned 5\n"
+            "kest-slice-agent: KestSliceDmaSm:97: void "
+            "Hardware::Kest::Slice::KestSliceDmaSm::handleTimerExpired(): Assertion `false' "
+            "failed.\n");
+}
+
+TEST_F(SmallAgent, LivesOnAfterWhatItRefuses) {
+  EXPECT_EQ(ask("nonsense"),
+            R"({"ok":false,"error":{"kind":"request","message":"expected a JSON object; at byte )"
+            R"(2: syntax error while parsing value - invalid literal; last read: 'no'"}})");
+  EXPECT_EQ(ask(R"({"verb":"set","path":"config/nativeVlan/et1","value":4095})"),
+            R"({"ok":false,"error":{"kind":"value","message":"expected a VLAN id from 1 to 4094, )"
+            R"(or 0 for none, found 4095"}})");
+  EXPECT_EQ(ask(R"({"verb":"get","path":"confg"})"),
+            R"({"ok":false,"error":{"kind":"path","message":"a path begins with one of config, )"
+            R"(status, sm, not with 'confg'","suggestion":"config"}})");
+  EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
+  agent.signalIs(SIGTERM);
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.errors(), "");
+}
+
+}  // namespace
+}  // namespace Kest::Agent

@@ -1,0 +1,198 @@
+#include <gtest/gtest.h>
+
+#include "test/ctl/KestctlRun.h"
+
+namespace Kest::Ctl {
+namespace {
+
+class KestctlFailure : public KestctlRun {
+ protected:
+  static std::string document(std::string const& kind, std::string const& message) {
+    return "{\n  \"error\": {\n    \"kind\": \"" + kind + "\",\n    \"message\": \"" + message +
+           "\"\n  }\n}\n";
+  }
+};
+
+TEST_F(KestctlFailure, WhatTheAgentRefusesIsSaidWithWhatWasMeant) {
+  std::string const refusal =
+      R"({"ok":false,"error":{"kind":"path","message":"no 'x'\n  here","suggestion":"y"}})"
+      "\n";
+  Outcome const people = run({"get", "x"}, {refusal});
+  EXPECT_EQ(people.errors, "kestctl: no 'x'\n  here\ndid you mean 'y'?\n");
+  EXPECT_EQ(people.out, "");
+  EXPECT_EQ(people.exit, 1);
+  Outcome const programs = run({"get", "x", "--json"}, {refusal});
+  EXPECT_EQ(programs.out,
+            "{\n  \"error\": {\n    \"kind\": \"path\",\n    \"message\": \"no 'x'\\n  here\",\n"
+            "    \"suggestion\": \"y\"\n  }\n}\n");
+  EXPECT_EQ(programs.errors, "");
+  EXPECT_EQ(programs.exit, 1);
+}
+
+TEST_F(KestctlFailure, WithoutAnAgentItSaysWhere) {
+  std::string const message =
+      "no agent at " + socket() + ": No such file or directory (--socket names another socket)";
+  Outcome const people = runAlone({KEST_CTL, "types"});
+  EXPECT_EQ(people.errors, "kestctl: " + message + "\n");
+  EXPECT_EQ(people.exit, 3);
+  Outcome const programs = runAlone({KEST_CTL, "types", "--json"});
+  EXPECT_EQ(programs.out, document("no-agent", message));
+  EXPECT_EQ(programs.exit, 3);
+  Outcome const longPath = runAlone({KEST_CTL, "types", "--socket", std::string(200, 'x')});
+  EXPECT_EQ(longPath.errors, "kestctl: no agent at " + std::string(200, 'x') +
+                                 ": that is no path of a socket (--socket names another socket)\n");
+  Outcome const folder = runAlone({KEST_CTL, "types", "--socket", "/"});
+  EXPECT_EQ(folder.errors,
+            "kestctl: no agent at /: Connection refused (--socket names another socket)\n");
+  EXPECT_EQ(folder.exit, 3);
+}
+
+TEST_F(KestctlFailure, AnAgentThatDoesNotAnswerInTimeIsNotWaitedFor) {
+  Outcome const people = run({"types", "--timeout", "0.1"}, {});
+  EXPECT_EQ(people.errors, "kestctl: the agent did not answer in time\n");
+  EXPECT_EQ(people.exit, 4);
+  Outcome const programs = run({"watch", "--timeout", "0.1", "--json"}, {});
+  EXPECT_EQ(programs.out, document("timeout", "the agent did not answer in time"));
+  EXPECT_EQ(programs.exit, 4);
+}
+
+TEST_F(KestctlFailure, AReplyThatIsNoneIsNoCrash) {
+  struct {
+    std::string reply;
+    std::string message;
+  } const cases[] = {
+      {"", "the agent ended the connection"},
+      {"{\"ok\":true", "the agent ended the connection"},
+      {"nonsense\n", "it is no JSON"},
+      {"\n", "it is no JSON"},
+      {"[]\n", "it is no object"},
+      {"7\n", "it is no object"},
+      {"{}\n", "it has no 'ok'"},
+      {"{\"ok\":true}\n", "it has no 'result'"},
+      {"{\"ok\":false}\n", "it has no 'error'"},
+      {"{\"ok\":1,\"error\":7}\n", "its error is no object"},
+      {"{\"ok\":false,\"error\":{}}\n", "it has no 'kind'"},
+      {"{\"ok\":false,\"error\":{\"kind\":7}}\n", "expected a string, found 7"},
+      {"{\"ok\":false,\"error\":{\"kind\":\"k\"}}\n", "it has no 'message'"},
+      {"{\"ok\":false,\"error\":{\"kind\":\"k\",\"message\":null}}\n",
+       "expected a string, found null"},
+      {"{\"ok\":false,\"error\":{\"kind\":\"k\",\"message\":\"m\",\"suggestion\":1}}\n",
+       "expected a string, found 1"},
+  };
+  for (auto const& [reply, message] : cases) {
+    Outcome const outcome = run({"types"}, {reply});
+    EXPECT_EQ(outcome.errors, "kestctl: the agent's reply cannot be used: " + message + "\n")
+        << reply;
+    EXPECT_EQ(outcome.exit, 1) << reply;
+  }
+}
+
+/// Whatever verb it is the result of.
+TEST_F(KestctlFailure, AResultOfTheWrongShapeIsNoCrash) {
+  fileIs("f", "");
+  std::vector<std::vector<std::string>> const verbs{
+      {"types"},    {"describe", "T"}, {"get", "p"},      {"set", "p", "v"},
+      {"del", "p"}, {"notify", "p"},   {"call", "h"},     {"verify"},
+      {"show"},     {"apply", "f"},    {"diff", "f"},     {"dump"},
+      {"trace"},    {"mode"},          {"driver", "log"}, {"driver", "state"}};
+  for (auto const& verb : verbs) {
+    for (char const* result : {"7", "null", "\"text\"", "[7]", R"({"devices":7,"ports":[{}]})",
+                               R"({"value":1,"path":2,"text":3,"content":4,"steps":5})"}) {
+      Outcome const outcome = run(verb, {ok(result)});
+      EXPECT_TRUE(outcome.exit == 0 || outcome.exit == 1)
+          << testing::PrintToString(verb) << " " << result << ": " << outcome.exit;
+      if (outcome.exit == 0) continue;
+      EXPECT_TRUE(outcome.errors.starts_with("kestctl: the agent's reply cannot be used: "))
+          << testing::PrintToString(verb) << " " << result << ": " << outcome.errors;
+    }
+  }
+}
+
+TEST_F(KestctlFailure, AReplyThatNeverEndsIsGivenUp) {
+  Outcome const outcome = run({"types"}, {std::string((std::size_t{16} << 20) + 70000, 'x')});
+  EXPECT_EQ(outcome.errors, "kestctl: the agent's reply cannot be used: it is too long\n");
+  EXPECT_EQ(outcome.exit, 1);
+}
+
+TEST_F(KestctlFailure, AFileThatCannotBeReadIsNamedBeforeAnythingIsAsked) {
+  Outcome const missing = run({"apply", "no.slice"}, {});
+  EXPECT_EQ(missing.errors, "kestctl: no.slice cannot be read: No such file or directory\n");
+  EXPECT_EQ(missing.exit, 2);
+  EXPECT_TRUE(missing.requests.empty());
+  Outcome const folder = run({"diff", "."}, {});
+  EXPECT_EQ(folder.errors, "kestctl: . cannot be read: Is a directory\n");
+}
+
+TEST_F(KestctlFailure, WhenNobodyReadsItEndsQuietly) {
+  std::string const command = std::string(KEST_CTL) + " types | true; echo ${PIPESTATUS[0]}";
+  Outcome const outcome = runAlone({"/bin/bash", "-c", command});
+  EXPECT_EQ(outcome.out, "3\n");  // there is no agent, and nothing worse
+}
+
+struct BadCommand {
+  std::vector<std::string> arguments;
+  std::string message;
+};
+
+TEST_F(KestctlFailure, BadCommandLinesAreRefusedWithWhatIsWrong) {
+  std::vector<BadCommand> const cases{
+      {{}, "expected a verb; kestctl --help lists them"},
+      {{""}, "there is no verb ''; kestctl --help lists them"},
+      {{"frobnicate"}, "there is no verb 'frobnicate'; kestctl --help lists them"},
+      {{"--socket"}, "there is no verb '--socket'; kestctl --help lists them"},
+      {{"vrify"}, "there is no verb 'vrify'; kestctl --help lists them\ndid you mean 'verify'?"},
+      {{"Get", "x"}, "there is no verb 'Get'; kestctl --help lists them\ndid you mean 'get'?"},
+      {{"types", "x"}, "types: The following argument was not expected: x"},
+      {{"describe"}, "describe: TYPE is required"},
+      {{"describe", "a", "b"}, "describe: The following argument was not expected: b"},
+      {{"get"}, "get: PATH is required"},
+      {{"get", "a", "b"}, "get: The following argument was not expected: b"},
+      {{"set"}, "set: PATH is required"},
+      {{"set", "a"}, "set: VALUE is required"},
+      {{"set", "a", "b", "c"}, "set: The following argument was not expected: c"},
+      {{"del"}, "del: PATH is required"},
+      {{"notify"}, "notify: PATH is required"},
+      {{"call"}, "call: HANDLER is required"},
+      {{"verify", "x"}, "verify: The following argument was not expected: x"},
+      {{"show", "x"}, "show: The following argument was not expected: x"},
+      {{"apply"}, "apply: FILE is required"},
+      {{"diff"}, "diff: FILE is required"},
+      {{"mode", "a", "b"}, "mode: The following argument was not expected: b"},
+      {{"trace", "a", "b"}, "trace: The following argument was not expected: b"},
+      {{"driver"}, "driver: ACTION is required"},
+      {{"driver", "lag"}, "driver has no action 'lag'\ndid you mean 'log'?"},
+      {{"driver", "zzzzz"}, "driver has no action 'zzzzz'"},
+      {{"driver", "flip"}, "driver flip needs a DEVICE"},
+      {{"driver", "fault"}, "driver fault needs a FILE, or -"},
+      {{"driver", "log", "x"}, "driver log takes no further argument"},
+      {{"types", "--frob"}, "types: The following argument was not expected: --frob"},
+      {{"types", "--text"}, "types: The following argument was not expected: --text"},
+      {{"get", "a", "--count", "1"}, "get: The following arguments were not expected: 1 --count"},
+      {{"types", "--timeout"}, "types: --timeout: 1 required SECONDS missing"},
+      {{"types", "--timeout", "nan"}, "types: --timeout: expected a number above 0, found 'nan'"},
+      {{"types", "--timeout", "x"}, "types: --timeout: expected a number above 0, found 'x'"},
+      {{"types", "--timeout", "0"}, "types: --timeout: expected a number above 0, found '0'"},
+      {{"types", "--timeout", "-1"}, "types: --timeout: expected a number above 0, found '-1'"},
+      {{"types", "--socket"}, "types: --socket: 1 required PATH missing"},
+      {{"watch", "--count", "0"}, "watch: --count: expected a number above 0, found '0'"},
+      {{"watch", "--count", "x"}, "watch: --count: expected a number above 0, found 'x'"},
+      {{"dump", "--format", "xml"}, "dump: --format: xml not in {slice,json}"},
+  };
+  for (auto const& [arguments, message] : cases) {
+    std::vector<std::string> command{KEST_CTL};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    Outcome const outcome = runAlone(command);
+    EXPECT_EQ(outcome.errors, "kestctl: " + message + "\n");
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.exit, 2) << message;
+  }
+}
+
+TEST_F(KestctlFailure, ABadCommandLineIsADocumentToo) {
+  Outcome const outcome = runAlone({KEST_CTL, "get", "--json"});
+  EXPECT_EQ(outcome.out, document("usage", "get: PATH is required"));
+  EXPECT_EQ(outcome.exit, 2);
+}
+
+}  // namespace
+}  // namespace Kest::Ctl

@@ -1,0 +1,200 @@
+#include "test/ctl/KestctlRun.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <stdexcept>
+#include <system_error>
+
+namespace Kest::Ctl {
+
+namespace {
+
+constexpr int deadlineMilliseconds = 60000;  // for anything to happen
+
+int check(int result, char const* what) {
+  if (result < 0) throw std::system_error(errno, std::generic_category(), what);
+  return result;
+}
+
+/// A descriptor that is closed when this goes, or before.
+struct Fd {
+  int fd = -1;
+  Fd() = default;
+  Fd(Fd const&) = delete;
+  Fd& operator=(Fd const&) = delete;
+  ~Fd() { end(); }
+  void end() {
+    if (fd >= 0) close(fd);
+    fd = -1;
+  }
+};
+
+struct Pipe {
+  Fd read;
+  Fd write;
+  Pipe() {
+    std::array<int, 2> ends{};
+    check(pipe2(ends.data(), O_CLOEXEC), "pipe2");
+    read.fd = ends[0];
+    write.fd = ends[1];
+  }
+};
+
+/// Appends what there is to read; false at the end.
+bool readInto(std::string& text, int fd) {
+  std::array<char, 65536> block;
+  ssize_t const bytes = read(fd, block.data(), block.size());
+  if (bytes > 0) text.append(block.data(), static_cast<std::size_t>(bytes));
+  return bytes > 0;
+}
+
+}  // namespace
+
+/// The agent's side: one connection, one reply for each request.
+class ScriptedAgent {
+ public:
+  ScriptedAgent(std::string const& path, std::vector<std::string> const& replies)
+      : replies_(replies) {
+    listener_.fd = check(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+    unlink(path.c_str());
+    check(bind(listener_.fd, reinterpret_cast<sockaddr const*>(&address), sizeof address), "bind");
+    check(listen(listener_.fd, 1), "listen");
+  }
+
+  int fd() const { return client_.fd >= 0 ? client_.fd : listener_.fd; }
+
+  void ready(std::vector<std::string>& requests) {
+    if (client_.fd < 0) {
+      client_.fd = check(accept4(listener_.fd, nullptr, nullptr, SOCK_CLOEXEC), "accept4");
+      return;
+    }
+    if (!readInto(input_, client_.fd)) {
+      isOver_ = true;
+      client_.end();
+      return;
+    }
+    for (std::size_t end = input_.find('\n'); end != std::string::npos; end = input_.find('\n')) {
+      requests.push_back(input_.substr(0, end));
+      input_.erase(0, end + 1);
+      answer();
+    }
+  }
+
+  bool isOver() const { return isOver_; }
+
+ private:
+  void answer() {
+    if (replies_.empty()) return;  // it never does
+    std::string const& reply = replies_.at(answered_++);
+    for (std::size_t sent = 0; sent < reply.size();) {
+      ssize_t const bytes =
+          send(client_.fd, reply.data() + sent, reply.size() - sent, MSG_NOSIGNAL);
+      if (bytes < 0) break;  // it has gone
+      sent += static_cast<std::size_t>(bytes);
+    }
+    if (answered_ < replies_.size()) return;
+    isOver_ = true;
+    client_.end();
+  }
+
+  std::vector<std::string> const& replies_;
+  Fd listener_;
+  Fd client_;
+  std::string input_;
+  std::size_t answered_ = 0;
+  bool isOver_ = false;
+};
+
+namespace {
+
+/// Starts `command` in `directory`; its input holds `input`.
+pid_t start(std::string const& directory, std::vector<std::string> command,
+            std::map<std::string, std::string> const& environment, std::string const& input,
+            Pipe& out, Pipe& errors) {
+  Pipe in;
+  check(static_cast<int>(write(in.write.fd, input.data(), input.size())), "write");
+  std::vector<std::string> variables;
+  for (auto const& [name, value] : environment) variables.push_back(name + "=" + value);
+  auto const pointers = [](std::vector<std::string>& texts) {
+    std::vector<char*> all;
+    for (std::string& text : texts) all.push_back(text.data());
+    all.push_back(nullptr);
+    return all;
+  };
+  auto const arguments = pointers(command);
+  auto const settings = pointers(variables);
+  pid_t const pid = check(fork(), "fork");
+  if (pid != 0) return pid;
+  dup2(in.read.fd, STDIN_FILENO);
+  dup2(out.write.fd, STDOUT_FILENO);
+  dup2(errors.write.fd, STDERR_FILENO);
+  if (chdir(directory.c_str()) == 0) execve(arguments[0], arguments.data(), settings.data());
+  _exit(127);
+}
+
+/// Serves until the process has closed both of its outputs.
+Outcome finish(pid_t pid, Pipe& out, Pipe& errors, ScriptedAgent* agent) {
+  Outcome outcome;
+  out.write.end();
+  errors.write.end();
+  while (out.read.fd >= 0 || errors.read.fd >= 0) {
+    bool const serves = agent != nullptr && !agent->isOver();
+    std::array<pollfd, 3> waiting{pollfd{out.read.fd, POLLIN, 0}, pollfd{errors.read.fd, POLLIN, 0},
+                                  pollfd{serves ? agent->fd() : -1, POLLIN, 0}};
+    if (poll(waiting.data(), waiting.size(), deadlineMilliseconds) <= 0) {
+      kill(pid, SIGKILL);
+      throw std::runtime_error("kestctl does not come to an end");
+    }
+    if (waiting[0].revents != 0 && !readInto(outcome.out, out.read.fd)) out.read.end();
+    if (waiting[1].revents != 0 && !readInto(outcome.errors, errors.read.fd)) errors.read.end();
+    if (waiting[2].revents != 0) agent->ready(outcome.requests);
+  }
+  int status = 0;
+  check(waitpid(pid, &status, 0), "waitpid");
+  outcome.exit = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  return outcome;
+}
+
+}  // namespace
+
+Outcome KestctlRun::run(std::vector<std::string> const& arguments, Replies const& replies,
+                        std::string const& input) {
+  std::vector<std::string> command{KEST_CTL};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return runServed(command, replies, input);
+}
+
+Outcome KestctlRun::runServed(std::vector<std::string> const& command, Replies const& replies,
+                              std::string const& input) {
+  ScriptedAgent agent(socket(), replies);
+  return serve(command, input, &agent);
+}
+
+Outcome KestctlRun::runAlone(std::vector<std::string> const& command) {
+  unlink(socket().c_str());
+  return serve(command, "", nullptr);
+}
+
+Outcome KestctlRun::serve(std::vector<std::string> const& command, std::string const& input,
+                          ScriptedAgent* agent) {
+  auto all = environment;
+  all.emplace("KEST_SLICE_AGENT_SOCKET", socket());
+  Pipe out;
+  Pipe errors;
+  pid_t const pid = start(directory, command, all, input, out, errors);
+  return finish(pid, out, errors, agent);
+}
+
+}  // namespace Kest::Ctl
