@@ -9,9 +9,9 @@
 #include "agent/Console.h"
 #include "agent/DriverLibrary.h"
 #include "agent/Options.h"
-#include "agent/SliceFile.h"
 #include "agent/StatusWatcher.h"
 #include "agent/byname/Served.h"
+#include "agent/slice/SliceFile.h"
 #include "platform/mox/ActivityLoop.h"
 #include "sm/KestSliceDmaSm.h"
 

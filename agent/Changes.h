@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "agent/SliceFile.h"
+#include "agent/slice/SliceFile.h"
 
 namespace Kest::Agent {
 

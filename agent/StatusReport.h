@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "agent/Console.h"
-#include "agent/SliceFile.h"
+#include "agent/slice/SliceFile.h"
 
 namespace Kest::Agent {
 

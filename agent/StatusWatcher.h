@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "agent/SliceFile.h"
+#include "agent/slice/SliceFile.h"
 #include "registry/CollectionObserver.h"
 
 namespace Kest::Agent {

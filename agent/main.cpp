@@ -3,10 +3,10 @@
 
 #include "agent/Agent.h"
 #include "agent/DriverLibrary.h"
-#include "agent/FileError.h"
 #include "agent/Options.h"
 #include "agent/SimulatedDriver.h"
 #include "agent/Supervisor.h"
+#include "agent/slice/FileError.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Trace.h"
 

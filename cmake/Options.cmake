@@ -2,6 +2,7 @@
 
 option(KEST_TESTS "Build the tests" ON)
 set(KEST_SANITIZE "" CACHE STRING "Sanitizers to build with, as in address,undefined")
+option(KEST_SANITIZE_AGENT "Instrument the agent and its client too, not only the libraries" ON)
 option(KEST_32BIT "Build for 32-bit x86" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -27,6 +28,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options(-Wno-restrict)
 endif()
 
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  add_compile_options(-fpch-preprocess)  # lets ccache work beside precompiled headers
+endif()
+
 if(KEST_32BIT)
   # The switch's control processor. SSE2 keeps floating point the same as on 64 bits.
   add_compile_options(-m32 -msse2 -mfpmath=sse)
@@ -39,3 +44,12 @@ if(KEST_SANITIZE)
   add_compile_options(-fsanitize=${KEST_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KEST_SANITIZE})
 endif()
+
+# For the folders of the agent and its client: leaves them without sanitizers, and quick to compile,
+# where only the libraries are to have them.
+macro(kest_agent_folder)
+  if(KEST_SANITIZE AND NOT KEST_SANITIZE_AGENT)
+    add_compile_options(-fno-sanitize=all -O0)
+    set(KEST_TEST_HEADERS "")  # they were compiled with other options
+  endif()
+endmacro()

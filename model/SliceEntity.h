@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 
 #include "model/DeviceState.h"
@@ -157,11 +158,21 @@ class KEST_SLICE_DMA_API SliceEntity : public Traits::Base {
     collectionsOf(*this, visit);
   }
 
+  /// Calls `visit(std::type_identity<Collection>())` for each collection's type, in the same order.
+  template <class Visit>
+  static constexpr void forEachCollectionType(Visit visit) {
+    visit(std::type_identity<SwitchPorts>());
+    visit(std::type_identity<NativeVlans>());
+    visit(std::type_identity<SwitchportModes>());
+    visit(std::type_identity<Devices>());
+    visit(std::type_identity<DeviceStates>());
+  }
+
   /// Name of the attribute of that number; empty when the entity has none.
   Mox::String8 attributeString(Mox::AttributeId id) const override {
     char const* name = nullptr;
-    forEachCollection([&](auto const& collection) {
-      if (collection.attributeId == id) name = collection.name;
+    forEachCollectionType([&]<class Collection>(std::type_identity<Collection>) {
+      if (Collection::attributeId == id) name = Collection::name;
     });
     return name == nullptr ? Mox::Entity::attributeString(id) : name;
   }

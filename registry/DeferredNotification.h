@@ -2,6 +2,7 @@
 
 #include <map>
 #include <set>
+#include <type_traits>
 #include <utility>
 
 #include "registry/CollectionObserver.h"
@@ -81,15 +82,9 @@ class DeferredNotification : public CollectionObserver<Entity> {
   /// of zero references once more.
   template <class Visit>
   static void visit(Mox::AttributeId attribute, Visit visitDescription) {
-    visitAmong<typename Entity::SwitchPorts, typename Entity::NativeVlans,
-               typename Entity::SwitchportModes, typename Entity::Devices,
-               typename Entity::DeviceStates>(attribute, visitDescription);
-  }
-  template <class... Collections, class Visit>
-  static void visitAmong(Mox::AttributeId attribute, Visit& visitDescription) {
-    ((Collections::attributeId == attribute ? visitDescription(Collections::description())
-                                            : void()),
-     ...);
+    Entity::forEachCollectionType([&]<class Collection>(std::type_identity<Collection>) {
+      if (Collection::attributeId == attribute) visitDescription(Collection::description());
+    });
   }
 
   Mox::Ptr<Observer> observer_;

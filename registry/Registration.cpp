@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <type_traits>
 #include <vector>
 
 #include "platform/mox/IntrospectionReactor.h"
@@ -55,8 +56,7 @@ void registerRecord(IntrospectionReactor& reactor) {
 template <class Entity>
 void registerCollections(IntrospectionReactor& reactor, Mox::AttributeFlags flags) {
   MoxType const& type = *Entity::_fwkType();
-  Entity::_Type::newEntity(Mox::Name(), nullptr)->forEachCollection([&](auto const& collection) {
-    using Collection = std::remove_cvref_t<decltype(collection)>;
+  Entity::forEachCollectionType([&]<class Collection>(std::type_identity<Collection>) {
     using Value = typename Collection::Value;
     Mox::Attribute attribute{Collection::name, Collection::attributeId, Mox::TypeOf<Value>::type(),
                              Mox::IntrospectionClass::collection, flags};

@@ -67,7 +67,12 @@ quietly() {
   return "$result"
 }
 
-# Configures preset NAME, with ccache where that is installed.
+# With these, ccache can work beside precompiled headers.
+export CCACHE_SLOPPINESS=pch_defines,time_macros
+
+# configure NAME OPTION...: configures a preset, with ccache where that is installed.
 configure() {
-  cmake --preset "$1" -D CMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache)"
+  local preset=$1
+  shift
+  cmake --preset "$preset" -D CMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache)" "$@"
 }

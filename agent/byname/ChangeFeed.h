@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "agent/byname/GenericJson.h"
+#include "agent/json/GenericJson.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "platform/mox/GenericValue.h"
 #include "registry/CollectionObserver.h"

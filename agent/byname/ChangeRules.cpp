@@ -1,7 +1,7 @@
 #include "agent/byname/ChangeRules.h"
 
 #include "agent/Collections.h"
-#include "agent/SliceRules.h"
+#include "agent/slice/SliceRules.h"
 #include "platform/mox/GenericValue.h"
 #include "platform/mox/RangeException.h"
 #include "registry/DeviceStateType.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "agent/SliceFile.h"
 #include "agent/byname/Place.h"
+#include "agent/slice/SliceFile.h"
 
 /// What is refused of changes by name, because the state machine would end the process over it: the
 /// rules of slice files (`SliceRules.h`), and those that need the state as it is now. Each check

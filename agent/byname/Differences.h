@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "agent/SliceFile.h"
 #include "agent/byname/DriverView.h"
+#include "agent/slice/SliceFile.h"
 
 namespace Kest::Agent {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "agent/DriverLibrary.h"
-#include "agent/byname/GenericJson.h"
+#include "agent/json/GenericJson.h"
 #include "platform/mox/String8.h"
 
 namespace Kest::Agent {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "agent/byname/GenericJson.h"
+#include "agent/json/GenericJson.h"
 
 namespace Kest::Agent {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "agent/DriverLibrary.h"
-#include "agent/SliceFile.h"
 #include "agent/byname/Place.h"
+#include "agent/slice/SliceFile.h"
 #include "sm/KestSliceDmaSm.h"
 
 namespace Kest::Agent {

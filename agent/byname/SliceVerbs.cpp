@@ -1,10 +1,10 @@
 #include <nlohmann/json.hpp>
 
 #include "agent/Changes.h"
-#include "agent/SliceWriter.h"
 #include "agent/byname/ChangeRules.h"
 #include "agent/byname/ControlError.h"
 #include "agent/byname/Verbs.h"
+#include "agent/slice/SliceWriter.h"
 
 /// Whole slice files.
 namespace Kest::Agent {

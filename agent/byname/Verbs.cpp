@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "agent/DriverLibrary.h"
-#include "agent/FileError.h"
 #include "agent/Text.h"
 #include "agent/byname/ControlError.h"
+#include "agent/slice/FileError.h"
 #include "agent/wire/NearMatch.h"
 #include "platform/mox/GenericIf.h"
 #include "platform/mox/RangeException.h"

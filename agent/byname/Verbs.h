@@ -4,9 +4,9 @@
 #include <optional>
 #include <span>
 
-#include "agent/byname/GenericJson.h"
 #include "agent/byname/Request.h"
 #include "agent/byname/Served.h"
+#include "agent/json/GenericJson.h"
 
 namespace Kest::Agent {
 

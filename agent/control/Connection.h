@@ -9,8 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include "agent/byname/GenericJson.h"
 #include "agent/control/Listener.h"
+#include "agent/json/GenericJson.h"
 #include "platform/mox/ActivityLoop.h"
 
 namespace Kest::Agent {

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "agent/byname/ControlError.h"
-#include "agent/byname/JsonText.h"
+#include "agent/json/JsonText.h"
 #include "platform/mox/RangeException.h"
 
 namespace Kest::Agent {

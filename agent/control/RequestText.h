@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "agent/byname/GenericJson.h"
+#include "agent/json/GenericJson.h"
 
 namespace Kest::Agent {
 

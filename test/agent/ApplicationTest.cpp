@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "test/agent/SliceTexts.h"
+#include "test/agent/slice/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {

@@ -9,7 +9,7 @@
 #include "agent/StatusReport.h"
 #include "driver/sim/SimDriver.h"
 #include "sm/KestSliceDmaSm.h"
-#include "test/agent/SliceTexts.h"
+#include "test/agent/slice/SliceTexts.h"
 #include "test/model/Recorder.h"
 
 /// The machine's pause behind every port passes at once.

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "agent/NaturalOrder.h"
-#include "test/agent/SliceTexts.h"
+#include "test/agent/slice/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {

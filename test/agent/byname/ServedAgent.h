@@ -12,7 +12,7 @@
 #include "agent/byname/Verbs.h"
 #include "agent/control/RequestText.h"
 #include "driver/sim/SimDriver.h"
-#include "test/agent/SliceTexts.h"
+#include "test/agent/slice/SliceTexts.h"
 #include "test/support/VirtualTime.h"
 
 namespace Kest::Agent {

@@ -69,7 +69,7 @@ TEST_F(Verb, DelRemovesAndShowsWhatWasThere) {
 }
 
 TEST_F(Verb, NotifyAnnouncesAKeyAgain) {
-  std::size_t const before = Hardware::Kest::Sim::simDriver().log().total();
+  std::uint64_t const before = Hardware::Kest::Sim::simDriver().log().total();
   std::uint64_t const changes = config->changeCount();
   EXPECT_EQ(ask(R"({"verb":"notify","path":"config/switchPort/et3/2"})"),
             R"({"path":"config/switchPort/et3/2"})");

@@ -65,7 +65,7 @@ TEST(NearMatch, ANameOfAnyLengthAndBytesIsTaken) {
 TEST(NearMatch, MistakesWithinTheBoundLeadBackToTheName) {
   std::vector<std::string> const names{"nativeVlan", "switchportMode", "deviceState"};
   std::mt19937_64 random(1);
-  auto const below = [&](std::size_t bound) { return random() % bound; };
+  auto const below = [&](std::size_t bound) { return static_cast<std::size_t>(random() % bound); };
   for (int round = 0; round < 2000; ++round) {
     std::string const& name = names[below(names.size())];
     std::string typed = name;

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "agent/SliceFile.h"
+#include "agent/slice/SliceFile.h"
 
 namespace Kest::Agent {
 

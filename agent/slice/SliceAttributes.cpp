@@ -1,4 +1,4 @@
-#include "agent/SliceAttributes.h"
+#include "agent/slice/SliceAttributes.h"
 
 #include <memory>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "agent/SliceWriter.h"
+#include "agent/slice/SliceWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include "agent/Changes.h"
 #include "platform/mox/Dir.h"
 #include "platform/mox/RangeException.h"
-#include "test/agent/SliceTexts.h"
+#include "test/agent/slice/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {

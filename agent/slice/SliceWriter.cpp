@@ -1,4 +1,4 @@
-#include "agent/SliceWriter.h"
+#include "agent/slice/SliceWriter.h"
 
 #include <algorithm>
 #include <memory>
@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "agent/Collections.h"
-#include "agent/SliceAttributes.h"
-#include "agent/byname/GenericJson.h"
+#include "agent/json/GenericJson.h"
+#include "agent/slice/SliceAttributes.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "platform/mox/GenericValue.h"
 #include "platform/mox/RangeException.h"

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "agent/FileError.h"
-#include "agent/byname/GenericJson.h"
+#include "agent/json/GenericJson.h"
+#include "agent/slice/FileError.h"
 
 namespace Kest::Agent {
 

@@ -1,15 +1,15 @@
-#include "agent/SliceStatements.h"
+#include "agent/slice/SliceStatements.h"
 
 #include <algorithm>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
-#include "agent/FileError.h"
-#include "agent/LineReader.h"
-#include "agent/SliceAttributes.h"
-#include "agent/SliceBuilder.h"
-#include "agent/SliceRules.h"
+#include "agent/slice/FileError.h"
+#include "agent/slice/LineReader.h"
+#include "agent/slice/SliceAttributes.h"
+#include "agent/slice/SliceBuilder.h"
+#include "agent/slice/SliceRules.h"
 #include "registry/RecordTypes.h"
 
 namespace Kest::Agent {

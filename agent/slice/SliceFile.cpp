@@ -1,4 +1,4 @@
-#include "agent/SliceFile.h"
+#include "agent/slice/SliceFile.h"
 
 #include <algorithm>
 #include <array>
@@ -7,9 +7,9 @@
 #include <cstring>
 #include <memory>
 
-#include "agent/FileError.h"
-#include "agent/SliceJson.h"
-#include "agent/SliceStatements.h"
+#include "agent/slice/FileError.h"
+#include "agent/slice/SliceJson.h"
+#include "agent/slice/SliceStatements.h"
 
 namespace Kest::Agent {
 

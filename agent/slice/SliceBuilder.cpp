@@ -1,9 +1,9 @@
-#include "agent/SliceBuilder.h"
+#include "agent/slice/SliceBuilder.h"
 
 #include <utility>
 
-#include "agent/SliceAttributes.h"
-#include "agent/SliceRules.h"
+#include "agent/slice/SliceAttributes.h"
+#include "agent/slice/SliceRules.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "registry/EntityTypes.h"
 

@@ -1,4 +1,4 @@
-#include "agent/byname/GenericJson.h"
+#include "agent/json/GenericJson.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "agent/Text.h"
-#include "agent/byname/JsonText.h"
+#include "agent/json/JsonText.h"
 #include "platform/mox/Entity.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "platform/mox/GenericValue.h"

@@ -1,15 +1,15 @@
-#include "agent/SliceJson.h"
+#include "agent/slice/SliceJson.h"
 
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
 
-#include "agent/JsonDocument.h"
-#include "agent/SliceAttributes.h"
-#include "agent/SliceBuilder.h"
-#include "agent/SliceRules.h"
 #include "agent/Text.h"
+#include "agent/slice/JsonDocument.h"
+#include "agent/slice/SliceAttributes.h"
+#include "agent/slice/SliceBuilder.h"
+#include "agent/slice/SliceRules.h"
 #include "platform/mox/GenericValue.h"
 
 namespace Kest::Agent {

@@ -1,4 +1,4 @@
-#include "agent/JsonDocument.h"
+#include "agent/slice/JsonDocument.h"
 
 #include <algorithm>
 #include <iterator>

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "agent/PciHandles.h"
+#include "agent/slice/PciHandles.h"
 #include "model/KestSliceDmaConfig.h"
 #include "model/KestSliceDmaStatus.h"
 #include "platform/mox/Ptr.h"

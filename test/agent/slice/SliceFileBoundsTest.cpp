@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "test/agent/SliceTexts.h"
+#include "test/agent/slice/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {

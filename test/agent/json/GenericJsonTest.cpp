@@ -1,4 +1,4 @@
-#include "agent/byname/GenericJson.h"
+#include "agent/json/GenericJson.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "agent/LineReader.h"
+#include "agent/slice/LineReader.h"
 
 #include <cctype>
 

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "agent/Collections.h"
-#include "agent/FileError.h"
-#include "agent/SliceFile.h"
+#include "agent/slice/FileError.h"
+#include "agent/slice/SliceFile.h"
 
 namespace Kest::Agent {
 

@@ -1,4 +1,4 @@
-#include "agent/FileError.h"
+#include "agent/slice/FileError.h"
 
 #include <algorithm>
 

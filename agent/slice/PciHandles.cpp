@@ -1,4 +1,4 @@
-#include "agent/PciHandles.h"
+#include "agent/slice/PciHandles.h"
 
 #include <algorithm>
 #include <utility>

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "agent/SliceFile.h"
+#include "agent/slice/SliceFile.h"
 
 /// A configuration as a slice file, which reads back to the same configuration: handles first, then
 /// what is of devices, then what is of ports, keys in the order in which people number things.

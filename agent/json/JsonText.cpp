@@ -1,4 +1,4 @@
-#include "agent/byname/JsonText.h"
+#include "agent/json/JsonText.h"
 
 #include <nlohmann/json.hpp>
 #include <string>
