@@ -73,8 +73,8 @@ TEST_F(ListenerTest, TakesClientsInTheirOrderWithoutWaiting) {
 }
 
 TEST_F(ListenerTest, TheFileHasItsModeWhateverTheMask) {
-  for (mode_t const mask : {0000, 0077, 0777}) {
-    for (mode_t const mode : {0666, 0600, 0660}) {
+  for (mode_t const mask : {0000U, 0077U, 0777U}) {
+    for (mode_t const mode : {0666U, 0600U, 0660U}) {
       mode_t const before = umask(mask);
       {
         Listener const listener(path, mode);
