@@ -19,6 +19,7 @@ namespace Kest::Ctl {
 namespace {
 
 constexpr std::size_t longestReply = std::size_t{16} << 20;
+constexpr int deepestReply = 100;  // nested arrays and objects: they are walked recursively
 
 [[noreturn]] void throwNoAgent(std::string const& path, std::string const& why) {
   throw Failure(Exit::noAgent, "no-agent",
@@ -96,7 +97,7 @@ void Client::send(std::string_view bytes, Deadline deadline) {
       bytes.remove_prefix(static_cast<std::size_t>(sent));
     } else if (errno == EAGAIN) {
       await(POLLOUT, deadline);
-    } else if (errno == EPIPE) {
+    } else if (errno == EPIPE || errno == ECONNRESET) {
       return;  // it may have said why
     } else if (errno != EINTR) {
       throwBadReply(std::strerror(errno));
@@ -111,6 +112,7 @@ std::string Client::line(Deadline deadline) {
     if (end != std::string::npos) {
       std::string line = input_.substr(0, end);
       input_.erase(0, end + 1);
+      if (line.size() > longestReply) throwBadReply("it is too long");
       return line;
     }
     if (input_.size() > longestReply) throwBadReply("it is too long");
@@ -129,7 +131,11 @@ std::string Client::line(Deadline deadline) {
 }
 
 Json Client::receive(Deadline deadline) {
-  Json message = Json::parse(line(deadline), nullptr, false);
+  auto const bounded = [](int depth, Json::parse_event_t, Json&) {
+    if (depth > deepestReply) throwBadReply("it is nested too deep");
+    return true;
+  };
+  Json message = Json::parse(line(deadline), bounded, false);
   if (message.is_discarded()) throwBadReply("it is no JSON");
   if (!message.is_object()) throwBadReply("it is no object");
   return message;

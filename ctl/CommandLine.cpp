@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "agent/wire/NearMatch.h"
+#include "ctl/Text.h"
 #include "ctl/Version.h"
 
 namespace Kest::Ctl {
@@ -33,7 +34,7 @@ void addOptions(CLI::App& command, Verb const& verb, Options& options) {
   if (verb.isDump) {
     command.add_option("--format", options.format, "slice or json")
         ->type_name("FORMAT")
-        ->check(CLI::IsMember({"slice", "json"}));
+        ->check(CLI::IsMember(formats()));
     command.add_option("-o,--output", options.output, "File to write; it is replaced as a whole")
         ->type_name("FILE");
   }
@@ -76,16 +77,34 @@ class VerbLine {
   CLI::App& app() { return app_; }
 
   void parse(std::vector<std::string> words) {
+    guardLists(words);
     std::reverse(words.begin(), words.end());  // as CLI11 takes them
     app_.parse(std::move(words));
     for (auto const& given : given_) {
-      options_.arguments.insert(options_.arguments.end(), given.begin(), given.end());
+      for (std::string const& argument : given) take(argument);
     }
     checkFirstWord();
   }
 
  private:
   static constexpr int most = 64;
+  static constexpr char guard = '\0';  // no word of a command line has it
+
+  /// Where an argument may be repeated CLI11 would make two of `[a,b]`.
+  void guardLists(std::vector<std::string>& words) const {
+    if (verb_.parameters.empty() || !verb_.parameters.back().isRepeated) return;
+    for (std::string& word : words) {
+      if (word.starts_with('[')) word += guard;
+    }
+  }
+
+  void take(std::string argument) {
+    if (argument.ends_with(guard)) argument.pop_back();
+    options_.arguments.push_back(std::move(argument));
+    if (isUtf8(options_.arguments.back())) return;
+    throw usageFailure(std::string(verb_.name) + ": expected UTF-8 in argument " +
+                       std::to_string(options_.arguments.size()));
+  }
 
   /// A first argument that must be one of some words is one of them.
   void checkFirstWord() const {
@@ -133,6 +152,9 @@ std::variant<Command, std::string> readCommandLine(std::vector<std::string> cons
   if (name == "--help" || name == "-h") return overview();
   if (name == "--version") return std::string("kestctl ") + version + "\n";
   Command command;
+  if (name.starts_with("-")) {
+    throw usageFailure("expected a verb before '" + name + "'; kestctl --help lists them");
+  }
   command.verb = verbNamed(name);
   if (command.verb == nullptr) {
     std::vector<std::string> names;
@@ -149,6 +171,23 @@ std::variant<Command, std::string> readCommandLine(std::vector<std::string> cons
     throw usageFailure(name + ": " + error.what());
   }
   return command;
+}
+
+std::vector<std::string> formats() {
+  return {"slice", "json"};
+}
+
+std::string optionValue(Verb const& verb, std::string const& name) {
+  Options options;
+  VerbLine line(verb, options);
+  for (CLI::Option const* option : line.app().get_options()) {
+    if (option->check_name(name) && option->nonpositional() &&
+        option->get_items_expected_max() > 0) {
+      std::string const type = option->get_type_name();
+      return type.substr(0, type.find(':'));  // behind it is what its check allows
+    }
+  }
+  return "";
 }
 
 std::vector<std::string> optionNames(Verb const& verb) {

@@ -5,6 +5,7 @@
 #include "agent/wire/Protocol.h"
 #include "ctl/Client.h"
 #include "ctl/CommandLine.h"
+#include "ctl/Text.h"
 
 namespace Kest::Ctl {
 
@@ -23,11 +24,30 @@ std::vector<std::string> fromAgent(std::string const& socket, char const* what,
   }
 }
 
-std::string socketOf(std::vector<std::string> const& words) {
-  for (std::size_t at = 0; at + 1 < words.size(); ++at) {
-    if (words[at] == "--socket") return words[at + 1];
+/// The words behind the verb, read as far as they go.
+struct Line {
+  std::vector<std::string> arguments;  // without the word that is completed
+  std::string socket = Wire::defaultSocketPath().value_or(std::string());
+  std::string valueOf;       // what an option wants the last word to be; empty: it is none's value
+  bool takesOptions = true;  // no `--` yet
+};
+
+Line read(Verb const& verb, std::vector<std::string> const& words) {
+  Line line;
+  for (std::size_t at = 1; at + 1 < words.size(); ++at) {
+    std::string const& word = words[at];
+    std::string const value = line.takesOptions ? optionValue(verb, word) : "";
+    if (!value.empty()) {
+      ++at;
+      if (at + 1 == words.size()) line.valueOf = value;
+      if (word == "--socket") line.socket = words[at];
+    } else if (line.takesOptions && word == "--") {
+      line.takesOptions = false;
+    } else if (!line.takesOptions || !word.starts_with("--")) {
+      line.arguments.push_back(word);
+    }
   }
-  return Wire::defaultSocketPath().value_or(std::string());
+  return line;
 }
 
 /// The devices that are configured.
@@ -44,17 +64,32 @@ std::vector<std::string> subjects(std::string const& action, std::string const& 
   return action == "flip" ? devices(socket, beginning) : std::vector<std::string>();
 }
 
-/// How many of the words between the verb and the one that is completed are arguments.
-std::size_t argumentsBefore(std::vector<std::string> const& words) {
-  std::size_t count = 0;
-  for (std::size_t at = 1; at + 1 < words.size(); ++at) {
-    bool const isOption = words[at].starts_with("--");
-    bool const hasValue = words[at] == "--socket" || words[at] == "--timeout" ||
-                          words[at] == "--format" || words[at] == "--count";
-    if (!isOption) ++count;
-    if (hasValue) ++at;
+std::vector<std::string> optionValues(std::string const& what) {
+  if (what == "FILE" || what == "PATH") return {"file:"};
+  return what == "FORMAT" ? formats() : std::vector<std::string>();
+}
+
+std::vector<std::string> arguments(Verb const& verb, Line const& line, std::string const& word) {
+  std::size_t const at = line.arguments.size();
+  if (at >= verb.parameters.size()) return {};
+  Parameter const& parameter = verb.parameters[at];
+  switch (parameter.completion) {
+    case Completion::path:
+      return fromAgent(line.socket, "path", word);
+    case Completion::type:
+      return fromAgent(line.socket, "type", word);
+    case Completion::handler:
+      return fromAgent(line.socket, "handler", word);
+    case Completion::file:
+      return {"file:"};
+    case Completion::word:
+      return {parameter.words.begin(), parameter.words.end()};
+    case Completion::subject:
+      return subjects(line.arguments.front(), line.socket, word);
+    case Completion::none:
+      break;
   }
-  return count;
+  return {};
 }
 
 std::vector<std::string> candidates(std::vector<std::string> const& words) {
@@ -63,31 +98,12 @@ std::vector<std::string> candidates(std::vector<std::string> const& words) {
     for (Verb const& verb : verbs()) names.emplace_back(verb.name);
     return names;
   }
-  std::string const& word = words.back();
   Verb const* const verb = verbNamed(words.front());
   if (verb == nullptr) return {};
-  if (word.starts_with("-")) return optionNames(*verb);
-  if (verb->parameters.empty()) return {};
-  std::size_t const at = argumentsBefore(words);
-  if (at >= verb->parameters.size()) return {};
-  Parameter const& parameter = verb->parameters[at];
-  switch (parameter.completion) {
-    case Completion::path:
-      return fromAgent(socketOf(words), "path", word);
-    case Completion::type:
-      return fromAgent(socketOf(words), "type", word);
-    case Completion::handler:
-      return fromAgent(socketOf(words), "handler", word);
-    case Completion::file:
-      return {"file:"};
-    case Completion::word:
-      return {parameter.words.begin(), parameter.words.end()};
-    case Completion::subject:
-      return subjects(words[1], socketOf(words), word);
-    case Completion::none:
-      break;
-  }
-  return {};
+  Line const line = read(*verb, words);
+  if (!line.valueOf.empty()) return optionValues(line.valueOf);
+  if (line.takesOptions && words.back().starts_with("-")) return optionNames(*verb);
+  return arguments(*verb, line, words.back());
 }
 
 }  // namespace
@@ -96,7 +112,9 @@ std::vector<std::string> completions(std::vector<std::string> const& words) {
   std::vector<std::string> all = candidates(words);
   std::string const word = words.empty() ? "" : words.back();
   std::erase_if(all, [&](std::string const& candidate) {
-    return candidate != "file:" && !candidate.starts_with(word);
+    bool const isShell = candidate == "file:";
+    bool const isPrintable = escaped(candidate) == candidate;
+    return !isShell && !(isPrintable && candidate.starts_with(word));
   });
   return all;
 }

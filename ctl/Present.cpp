@@ -244,11 +244,13 @@ Shown presentSetting(Json const& result, Options const&, bool) {
 }
 
 Shown presentDriver(Json const& result, Options const& options, bool) {
-  if (result.contains("text")) return {result.at("text").get<std::string>()};
-  if (result.contains("state")) return {result.at("state").dump(2) + "\n"};
-  bool const isFlip = options.argument(0) == "flip";
-  return {isFlip ? escaped(options.arguments.at(1)) + ": flipped\n"
-                 : std::string("faults replaced\n")};
+  std::string const& action = options.arguments.at(0);
+  if (action == "log" || action == "dump") {
+    return {escapedLines(result.at("text").get_ref<std::string const&>())};
+  }
+  if (action == "state") return {escapedLines(result.at("state").dump(2)) + "\n"};
+  return {action == "flip" ? escaped(options.arguments.at(1)) + ": flipped\n"
+                           : std::string("faults replaced\n")};
 }
 
 Shown presentMode(Json const& result, Options const&, bool) {

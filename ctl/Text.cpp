@@ -60,6 +60,26 @@ std::string escaped(std::string_view text) {
   return safe;
 }
 
+std::string escapedLines(std::string_view text) {
+  std::string safe;
+  while (true) {
+    std::size_t const end = text.find('\n');
+    safe += escaped(text.substr(0, end));
+    if (end == std::string_view::npos) return safe;
+    safe += '\n';
+    text.remove_prefix(end + 1);
+  }
+}
+
+bool isUtf8(std::string_view text) {
+  try {
+    static_cast<void>(Json(text).dump());
+    return true;
+  } catch (Json::type_error const&) {
+    return false;
+  }
+}
+
 std::string shown(Json const& value) {
   if (value.is_string()) return escaped(value.get_ref<std::string const&>());
   return escaped(value.dump(-1, ' ', false, Json::error_handler_t::replace));

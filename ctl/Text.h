@@ -12,6 +12,9 @@ namespace Kest::Ctl {
 
 /// Control characters as `\xHH`, so that a terminal shows what is there and does nothing else.
 std::string escaped(std::string_view text);
+/// The same, but for newlines.
+std::string escapedLines(std::string_view text);
+bool isUtf8(std::string_view text);
 /// A value on one line; strings without quotation marks.
 std::string shown(Json const& value);
 

@@ -1,36 +1,14 @@
 #include "ctl/Verbs.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <iostream>
-#include <iterator>
-#include <memory>
 
 #include "ctl/Failure.h"
+#include "ctl/Files.h"
 #include "ctl/Present.h"
 
 namespace Kest::Ctl {
 
 namespace {
-
-std::string contentOf(std::string const& file) {
-  auto const refuse = [&] {
-    throw usageFailure(file + " cannot be read: " + std::strerror(errno));
-  };
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const stream(std::fopen(file.c_str(), "rb"),
-                                                               &std::fclose);
-  if (!stream) refuse();
-  std::string content;
-  std::array<char, 65536> block{};
-  while (std::size_t const bytes = std::fread(block.data(), 1, block.size(), stream.get())) {
-    content.append(block.data(), bytes);
-  }
-  if (std::ferror(stream.get()) != 0) refuse();
-  return content;
-}
 
 Json nothing(Options const&) {
   return Json::object();
@@ -74,8 +52,7 @@ Json driverAction(Options const& options) {
   }
   if (action == "flip") request["device"] = *subject;
   if (action == "fault") {
-    request["text"] = *subject == "-" ? std::string(std::istreambuf_iterator<char>(std::cin), {})
-                                      : contentOf(*subject);
+    request["text"] = *subject == "-" ? contentOfInput() : contentOf(*subject);
   }
   return request;
 }

@@ -1,17 +1,16 @@
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <iostream>
 
 #include "agent/wire/Protocol.h"
 #include "ctl/Client.h"
 #include "ctl/CommandLine.h"
 #include "ctl/Complete.h"
+#include "ctl/Files.h"
 #include "ctl/Present.h"
 #include "ctl/Text.h"
 
@@ -27,12 +26,6 @@ bool isColourful() {
   return isatty(STDOUT_FILENO) == 1 && variable("NO_COLOR").empty() && variable("TERM") != "dumb";
 }
 
-/// Whether everything could be written.
-bool print(std::string const& text) {
-  std::cout << text << std::flush;
-  return static_cast<bool>(std::cout);
-}
-
 std::string document(Json const& json) {
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
@@ -42,20 +35,6 @@ std::string socketOf(Options const& options) {
   if (auto const path = Kest::Wire::defaultSocketPath()) return *path;
   throw Failure(Exit::noAgent, "no-agent",
                 "no socket is known: name one with --socket or in KEST_SLICE_AGENT_SOCKET");
-}
-
-/// Replaces the file as a whole, so that it is never half written.
-void write(std::string const& file, std::string const& content) {
-  std::string const fresh = file + ".new";
-  std::FILE* const stream = std::fopen(fresh.c_str(), "wb");
-  bool good = stream != nullptr;
-  good = good && std::fwrite(content.data(), 1, content.size(), stream) == content.size();
-  if (stream != nullptr) good = std::fclose(stream) == 0 && good;
-  good = good && std::rename(fresh.c_str(), file.c_str()) == 0;
-  if (good) return;
-  std::string const why = std::strerror(errno);
-  std::remove(fresh.c_str());
-  throw usageFailure(file + " cannot be written: " + why);
 }
 
 /// Events, until there have been enough or nobody reads them any more.
@@ -80,32 +59,38 @@ Exit carryOut(Command const& command) {
   }
   Shown const shown = verb.present(result, options, isColourful());
   if (verb.isDump && !options.output.empty()) {
-    write(options.output, shown.text);
-  } else {
-    print(options.json ? document(result) : shown.text);
+    replaceFile(options.output, shown.text);
+    if (!options.json) return Exit::done;
   }
+  print(options.json ? document(result) : shown.text);
   return shown.isGood ? Exit::done : Exit::failed;
 }
 
-Exit complain(Failure const& failure, bool asJson) {
-  if (asJson) {
-    Json error{{"kind", failure.kind()}, {"message", failure.what()}};
-    if (!failure.suggestion().empty()) error["suggestion"] = failure.suggestion();
+/// False when standard output takes no document.
+bool printError(Failure const& failure) {
+  Json error{{"kind", failure.kind()}, {"message", failure.what()}};
+  if (!failure.suggestion().empty()) error["suggestion"] = failure.suggestion();
+  try {
     print(document({{"error", error}}));
-    return failure.exit();
+  } catch (Failure const&) {
+    return false;
   }
-  // The agent's reports on files have several lines.
-  std::string text = failure.what();
-  std::cerr << "kestctl: ";
-  for (std::size_t end = 0; end != std::string::npos;) {
-    end = text.find('\n');
-    std::cerr << escaped(std::string_view(text).substr(0, end)) << '\n';
-    text.erase(0, end == std::string::npos ? end : end + 1);
-  }
+  return true;
+}
+
+Exit complain(Failure const& failure, bool asJson) {
+  if (asJson && printError(failure)) return failure.exit();
+  std::cerr << "kestctl: " << escapedLines(failure.what()) << '\n';
   if (!failure.suggestion().empty()) {
     std::cerr << "did you mean '" << escaped(failure.suggestion()) << "'?\n";
   }
   return failure.exit();
+}
+
+/// Whatever else may be wrong with the command line.
+bool wantsJson(std::vector<std::string> const& words) {
+  auto const end = std::find(words.begin(), words.end(), "--");
+  return std::find(words.begin(), end, "--json") != end;
 }
 
 Exit run(std::vector<std::string> const& words) {
@@ -115,7 +100,7 @@ Exit run(std::vector<std::string> const& words) {
     for (std::string const& candidate : completions(rest)) print(candidate + "\n");
     return Exit::done;
   }
-  bool const asJson = std::find(words.begin(), words.end(), "--json") != words.end();
+  bool const asJson = wantsJson(words);
   try {
     auto const read = readCommandLine(words);
     if (auto const* const text = std::get_if<std::string>(&read)) {
@@ -129,6 +114,8 @@ Exit run(std::vector<std::string> const& words) {
     return complain({Exit::failed, "reply",
                      std::string("the agent's reply cannot be used: ") + unexpected.what()},
                     asJson);
+  } catch (std::exception const& unexpected) {  // no memory, most likely
+    return complain({Exit::failed, "internal", unexpected.what()}, asJson);
   }
 }
 
@@ -138,7 +125,7 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone shows when something is printed
   try {
     return static_cast<int>(run({argv + 1, argv + argc}));
-  } catch (std::exception const& error) {  // no memory, most likely
+  } catch (std::exception const& error) {  // not even enough to say so, or of completion
     std::fprintf(stderr, "kestctl: %s\n", error.what());
     return static_cast<int>(Exit::failed);
   }

@@ -45,6 +45,12 @@ TEST_F(Completion, KnowsVerbsOptionsAndActions) {
   EXPECT_EQ(complete({"mode", "p"}), "polling\n");
   EXPECT_EQ(complete({"dump", "--f"}), "--format\n");
   EXPECT_EQ(complete({"get", "--t"}), "--timeout\n--text\n");
+  EXPECT_EQ(complete({"get", "--", "--t"}), "");
+  EXPECT_EQ(complete({"driver", "--json", "fl"}), "flip\n");
+  EXPECT_EQ(complete({"dump", "-o", ""}), "file:\n");
+  EXPECT_EQ(complete({"get", "--socket", "/r"}), "file:\n");
+  EXPECT_EQ(complete({"dump", "--format", ""}), "slice\njson\n");
+  EXPECT_EQ(complete({"dump", "--timeout", ""}), "");
   EXPECT_EQ(complete({"apply", ""}), "file:\n");
   EXPECT_EQ(complete({"apply", "a", ""}), "");
   EXPECT_EQ(complete({"types", ""}), "");
@@ -70,6 +76,11 @@ TEST_F(Completion, IsSilentWithoutAnAgentAndWhateverItAnswers) {
   EXPECT_EQ(complete({"get", "config/"}), "");
   EXPECT_EQ(complete({"get", "config/"}, {"nonsense\n"}), "");
   EXPECT_EQ(complete({"get", "config/"}, {ok("7")}), "");
+  EXPECT_EQ(complete({"get", "config/"}, {ok(R"(["config/a\u001b[31m","config/b"])")}),
+            "config/b\n");
+  Outcome const unanswered = run({"complete", "--", "get", "config/"}, {});
+  EXPECT_EQ(unanswered.out + unanswered.errors, "");
+  EXPECT_EQ(unanswered.exit, 0);
 }
 
 TEST_F(Completion, InBashLeavesOutWhatIsOnTheLineAlready) {

@@ -65,6 +65,8 @@ TEST_F(KestctlFailure, AReplyThatIsNoneIsNoCrash) {
       {"{\"ok\":true", "the agent ended the connection"},
       {"nonsense\n", "it is no JSON"},
       {"\n", "it is no JSON"},
+      {R"({"ok":true,"result":)" + std::string(1000000, '[') + "\n", "it is nested too deep"},
+      {std::string(1000000, '{') + "\n", "it is no JSON"},
       {"[]\n", "it is no object"},
       {"7\n", "it is no object"},
       {"{}\n", "it has no 'ok'"},
@@ -121,12 +123,44 @@ TEST_F(KestctlFailure, AFileThatCannotBeReadIsNamedBeforeAnythingIsAsked) {
   EXPECT_TRUE(missing.requests.empty());
   Outcome const folder = run({"diff", "."}, {});
   EXPECT_EQ(folder.errors, "kestctl: . cannot be read: Is a directory\n");
+  EXPECT_EQ(run({"apply", "/dev/zero"}, {}).errors,
+            "kestctl: /dev/zero is too long: more than 1048576 bytes\n");
+  fileIs("latin", "sliceId 'a'\n# caf\xe9\n");
+  EXPECT_EQ(run({"apply", "latin"}, {}).errors, "kestctl: latin:2: expected UTF-8\n");
+}
+
+TEST_F(KestctlFailure, AnInputThatCannotBeReadReplacesNoFaults) {
+  std::string const command = std::string(KEST_CTL) + " driver fault - <&-";
+  Outcome const outcome = runServed({"/bin/bash", "-c", command}, {});
+  EXPECT_EQ(outcome.errors, "kestctl: standard input cannot be read: Bad file descriptor\n");
+  EXPECT_EQ(outcome.exit, 2);
+  EXPECT_TRUE(outcome.requests.empty());
+}
+
+TEST_F(KestctlFailure, AnAnswerToAnotherQuestionIsNoAnswer) {
+  Outcome const outcome = run({"driver", "log"}, {ok("{}")});
+  EXPECT_EQ(outcome.errors,
+            "kestctl: the agent's reply cannot be used: [json.exception.out_of_range.403] key "
+            "'text' not found\n");
+  EXPECT_EQ(outcome.exit, 1);
 }
 
 TEST_F(KestctlFailure, WhenNobodyReadsItEndsQuietly) {
-  std::string const command = std::string(KEST_CTL) + " types | true; echo ${PIPESTATUS[0]}";
-  Outcome const outcome = runAlone({"/bin/bash", "-c", command});
-  EXPECT_EQ(outcome.out, "3\n");  // there is no agent, and nothing worse
+  std::string const command =
+      "exec 3> >(:); wait $!; " + std::string(KEST_CTL) + " types >&3; echo $?";
+  Outcome const outcome = runServed({"/bin/bash", "-c", command}, {ok("[]")});
+  EXPECT_EQ(outcome.out, "0\n");
+  EXPECT_EQ(outcome.errors, "");
+}
+
+TEST_F(KestctlFailure, OutputThatIsLostIsSaid) {
+  for (std::string const option : {"", " --json"}) {
+    std::string const command = std::string(KEST_CTL) + " types" + option + " >/dev/full; echo $?";
+    Outcome const outcome = runServed({"/bin/bash", "-c", command}, {ok("[]")});
+    EXPECT_EQ(outcome.errors,
+              "kestctl: standard output cannot be written: No space left on device\n");
+    EXPECT_EQ(outcome.out, "1\n");
+  }
 }
 
 struct BadCommand {
@@ -139,7 +173,7 @@ TEST_F(KestctlFailure, BadCommandLinesAreRefusedWithWhatIsWrong) {
       {{}, "expected a verb; kestctl --help lists them"},
       {{""}, "there is no verb ''; kestctl --help lists them"},
       {{"frobnicate"}, "there is no verb 'frobnicate'; kestctl --help lists them"},
-      {{"--socket"}, "there is no verb '--socket'; kestctl --help lists them"},
+      {{"--socket"}, "expected a verb before '--socket'; kestctl --help lists them"},
       {{"vrify"}, "there is no verb 'vrify'; kestctl --help lists them\ndid you mean 'verify'?"},
       {{"Get", "x"}, "there is no verb 'Get'; kestctl --help lists them\ndid you mean 'get'?"},
       {{"types", "x"}, "types: The following argument was not expected: x"},
@@ -165,6 +199,9 @@ TEST_F(KestctlFailure, BadCommandLinesAreRefusedWithWhatIsWrong) {
       {{"driver", "flip"}, "driver flip needs a DEVICE"},
       {{"driver", "fault"}, "driver fault needs a FILE, or -"},
       {{"driver", "log", "x"}, "driver log takes no further argument"},
+      {{"get", "\xff"}, "get: expected UTF-8 in argument 1"},
+      {{"types", "--timeout", "1", "--timeout", "2"},
+       "types: --timeout: At Most 1 required but received 2"},
       {{"types", "--frob"}, "types: The following argument was not expected: --frob"},
       {{"types", "--text"}, "types: The following argument was not expected: --text"},
       {{"get", "a", "--count", "1"}, "get: The following arguments were not expected: 1 --count"},

@@ -5,11 +5,13 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 #include <system_error>
@@ -48,6 +50,20 @@ struct Pipe {
     write.fd = ends[1];
   }
 };
+
+/// What is written to the terminal's inner side is read from its outer side as it is.
+void becomeTerminal(Pipe& pipe) {
+  pipe.read.end();
+  pipe.write.end();
+  pipe.read.fd = check(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), "posix_openpt");
+  check(grantpt(pipe.read.fd), "grantpt");
+  check(unlockpt(pipe.read.fd), "unlockpt");
+  pipe.write.fd = check(open(ptsname(pipe.read.fd), O_RDWR | O_NOCTTY | O_CLOEXEC), "open");
+  termios settings{};
+  check(tcgetattr(pipe.write.fd, &settings), "tcgetattr");
+  cfmakeraw(&settings);
+  check(tcsetattr(pipe.write.fd, TCSANOW, &settings), "tcsetattr");
+}
 
 /// Appends what there is to read; false at the end.
 bool readInto(std::string& text, int fd) {
@@ -192,6 +208,7 @@ Outcome KestctlRun::serve(std::vector<std::string> const& command, std::string c
   auto all = environment;
   all.emplace("KEST_SLICE_AGENT_SOCKET", socket());
   Pipe out;
+  if (isOnTerminal) becomeTerminal(out);
   Pipe errors;
   pid_t const pid = start(directory, command, all, input, out, errors);
   return finish(pid, out, errors, agent);

@@ -44,6 +44,8 @@ class KestctlRun : public Agent::ScratchDirectory {
 
   /// Beside the control socket.
   std::map<std::string, std::string> environment;
+  /// Whether standard output is a terminal.
+  bool isOnTerminal = false;
 
  private:
   Outcome serve(std::vector<std::string> const& command, std::string const& input,

@@ -1,12 +1,17 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <nlohmann/json.hpp>
 
 #include "test/ctl/KestctlRun.h"
 
 namespace Kest::Ctl {
 namespace {
 
-/// One verb against one result of the agent.
+/// One verb against one result of the agent, for people and for programs.
 struct Case {
   std::vector<std::string> arguments;
   std::string request;
@@ -24,6 +29,18 @@ class Kestctl : public KestctlRun {
     EXPECT_EQ(outcome.out, expected.shown) << name;
     EXPECT_EQ(outcome.errors, "") << name;
     EXPECT_EQ(outcome.exit, expected.exit) << name;
+    std::vector<std::string> arguments = expected.arguments;
+    arguments.insert(arguments.begin() + 1, "--json");
+    Outcome const programs = run(arguments, {ok(expected.result)});
+    EXPECT_EQ(programs.requests, outcome.requests) << name;
+    EXPECT_EQ(programs.out, nlohmann::ordered_json::parse(expected.result).dump(2) + "\n") << name;
+    EXPECT_EQ(programs.errors, "") << name;
+    EXPECT_EQ(programs.exit, expected.exit) << name;
+  }
+
+  std::string contentOf(std::string const& name) const {
+    std::ifstream file(directory + "/" + name);
+    return {std::istreambuf_iterator<char>(file), {}};
   }
 };
 
@@ -81,6 +98,14 @@ TEST_F(Kestctl, ReadsAndChangesValues) {
           R"({"verb":"call","handler":"handleDevice","args":["fap0"]})",
           R"({"handler":"sm/handleDevice"})",
           "sm/handleDevice: done\n"});
+  expect({{"call", "h", "--", "[a,b]", "{}", "", "--json", "-1"},
+          R"({"verb":"call","handler":"h","args":["[a,b]","{}","","--json","-1"]})",
+          R"({"handler":"h"})",
+          "h: done\n"});
+  expect({{"set", "p", "-5"},
+          R"({"verb":"set","path":"p","text":"-5"})",
+          R"({"path":"p","type":"int","changed":true,"value":-5})",
+          "p: -5\n"});
   expect({{"mode"},
           R"({"verb":"mode"})",
           R"({"mode":"smModeInitial","number":0})",
@@ -156,15 +181,67 @@ TEST_F(Kestctl, DumpGoesToStandardOutputOrAFile) {
           R"({"verb":"dump","format":"json"})",
           result,
           ""});
-  std::ifstream file(directory + "/out");
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "sliceId 'a'\n# \xc3\xa9\n");
+  EXPECT_EQ(contentOf("out"), "sliceId 'a'\n# \xc3\xa9\n");
   Outcome const refused = run({"dump", "-o", "no/such/out"}, {ok(result)});
   EXPECT_EQ(refused.errors, "kestctl: no/such/out cannot be written: No such file or directory\n");
   EXPECT_EQ(refused.exit, 2);
 }
 
+TEST_F(Kestctl, ADumpTakesTheFilesPlaceAndLeavesNothingBeside) {
+  fileIs("file", "old");
+  std::string const file = directory + "/file";
+  ASSERT_EQ(chmod(file.c_str(), 0640), 0);
+  std::filesystem::create_symlink("file", directory + "/link");
+  std::filesystem::create_hard_link(file, directory + "/earlier");
+  EXPECT_EQ(run({"dump", "-o", "link"}, {ok(R"({"content":"new"})")}).errors, "");
+  EXPECT_EQ(contentOf("file"), "new");
+  EXPECT_EQ(contentOf("earlier"), "old");  // whoever has it open reads on
+  EXPECT_TRUE(std::filesystem::is_symlink(directory + "/link"));
+  struct stat now {};
+  ASSERT_EQ(stat(file.c_str(), &now), 0);
+  EXPECT_EQ(now.st_mode, mode_t{S_IFREG | 0640});
+  std::filesystem::directory_iterator const all(directory);
+  EXPECT_EQ(std::distance(begin(all), end(all)), 4);  // and the socket
+}
+
+TEST_F(Kestctl, ADumpToADeviceIsWrittenToIt) {
+  std::string const fifo = directory + "/fifo";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  int const reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  EXPECT_EQ(run({"dump", "-o", "fifo"}, {ok(R"({"content":"new"})")}).errors, "");
+  std::array<char, 9> text{};
+  EXPECT_EQ(read(reader, text.data(), text.size()), 3);
+  EXPECT_STREQ(text.data(), "new");
+  close(reader);
+  EXPECT_TRUE(std::filesystem::is_fifo(fifo));
+}
+
+TEST_F(Kestctl, ColoursAreForTerminalsThatTakeThem) {
+  std::string const result =
+      R"({"devices":[{"name":"a","config":null,"status":{"registered":true},"driver":null}],)"
+      R"("ports":[]})";
+  std::string const plain =
+      "device  handle  chip type  registered  state\n"
+      "a       -       -          no / yes    -\n";
+  auto const shown = [&] { return run({"show"}, {ok(result)}).out; };
+  EXPECT_EQ(shown(), plain);
+  isOnTerminal = true;
+  EXPECT_EQ(shown(),
+            "\033[1mdevice\033[0m  \033[1mhandle\033[0m  \033[1mchip type\033[0m  "
+            "\033[1mregistered\033[0m  \033[1mstate\033[0m\n"
+            "a       -       -          \033[31mno / yes  \033[0m  -\n");
+  environment = {{"TERM", "dumb"}};
+  EXPECT_EQ(shown(), plain);
+  environment = {{"TERM", "xterm"}, {"NO_COLOR", "1"}};
+  EXPECT_EQ(shown(), plain);
+}
+
 TEST_F(Kestctl, SteersTheSimulatedDriver) {
   expect({{"driver", "log"}, R"({"verb":"driver","action":"log"})", R"({"text":"#1\n"})", "#1\n"});
+  expect({{"driver", "dump"},
+          R"({"verb":"driver","action":"dump"})",
+          R"({"text":"a\u001b[31m\nb"})",
+          "a\\x1b[31m\nb"});
   expect({{"driver", "state"},
           R"({"verb":"driver","action":"state"})",
           R"({"state":{"a":1}})",
