@@ -38,7 +38,7 @@ void requireUtf8(std::string_view content, std::string const& name) {
   }
 }
 
-std::string contentOf(std::FILE* stream, std::string const& name) {
+std::string streamContent(std::FILE* stream, std::string const& name) {
   std::string content;
   std::array<char, 65536> block{};
   while (std::size_t const bytes = std::fread(block.data(), 1, block.size(), stream)) {
@@ -113,11 +113,11 @@ std::string contentOf(std::string const& file) {
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> const stream(std::fopen(file.c_str(), "rb"),
                                                                &std::fclose);
   if (!stream) throw usageFailure(file + " cannot be read: " + std::strerror(errno));
-  return contentOf(stream.get(), file);
+  return streamContent(stream.get(), file);
 }
 
 std::string contentOfInput() {
-  return contentOf(stdin, "standard input");
+  return streamContent(stdin, "standard input");
 }
 
 void replaceFile(std::string const& file, std::string const& content) {

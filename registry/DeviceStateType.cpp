@@ -6,7 +6,7 @@ namespace Hardware::Kest::Slice {
 
 namespace {
 
-std::vector<Mox::String8> names() {
+std::vector<Mox::String8> stateNames() {
   std::vector<Mox::String8> all;
   for (DeviceState const state : deviceStates) all.push_back(stringValue(state));
   return all;
@@ -15,7 +15,7 @@ std::vector<Mox::String8> names() {
 }  // namespace
 
 Mox::MoxType const* deviceStateType() {
-  static Mox::EnumType<DeviceState> const type("Hardware::Kest::Slice::DeviceState", names());
+  static Mox::EnumType<DeviceState> const type("Hardware::Kest::Slice::DeviceState", stateNames());
   return &type;
 }
 

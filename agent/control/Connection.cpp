@@ -20,7 +20,7 @@ using Wire::ErrorKind;
 constexpr std::size_t blockBytes = std::size_t{64} << 10;
 /// A client that has more than this to read is not served before it has read.
 constexpr std::size_t patience = std::size_t{256} << 10;
-constexpr uid_t root = 0;
+constexpr uid_t superuser = 0;
 
 uid_t peerOf(int fd) {
   ucred peer{};
@@ -52,7 +52,7 @@ Connection::~Connection() {
 }
 
 bool Connection::mayChange() const noexcept {
-  return user_ == root || user_ == geteuid();
+  return user_ == superuser || user_ == geteuid();
 }
 
 void Connection::readable() {

@@ -48,9 +48,9 @@ class ControlClient {
   }
 
   bool readMore() {
-    constexpr int deadlineMilliseconds = 60000;
+    constexpr int patienceMilliseconds = 60000;
     pollfd waiting{fd_, POLLIN, 0};
-    int const ready = poll(&waiting, 1, deadlineMilliseconds);
+    int const ready = poll(&waiting, 1, patienceMilliseconds);
     check(ready, "poll");
     if (ready == 0) throw std::runtime_error("the agent does not answer");
     char block[4096];

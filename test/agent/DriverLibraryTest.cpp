@@ -10,7 +10,7 @@
 namespace Kest::Agent {
 namespace {
 
-std::string refusal(auto const& attempt) {
+std::string driverRefusal(auto const& attempt) {
   try {
     attempt();
     return {};
@@ -20,7 +20,7 @@ std::string refusal(auto const& attempt) {
 }
 
 std::string loadRefusal(std::string const& driver) {
-  return refusal([&] { DriverLibrary const library(driver); });
+  return driverRefusal([&] { DriverLibrary const library(driver); });
 }
 
 constexpr char const* noSuchFile = ": cannot open shared object file: No such file or directory";
@@ -74,14 +74,14 @@ TEST(SimulatedDriver, TakesFaultsFromAFileOrAText) {
   DriverLibrary const library("sim");
   SimulatedDriver const sim(library);
   Hardware::Kest::Sim::simDriver().reset();
-  EXPECT_EQ(refusal([&] { sim.faultFileIs("/no/such/file"); }),
+  EXPECT_EQ(driverRefusal([&] { sim.faultFileIs("/no/such/file"); }),
             "/no/such/file: cannot be read: No such file or directory");
-  EXPECT_EQ(refusal([&] { sim.faultFileIs(KEST_EXAMPLES "/small.slice"); }),
+  EXPECT_EQ(driverRefusal([&] { sim.faultFileIs(KEST_EXAMPLES "/small.slice"); }),
             KEST_EXAMPLES "/small.slice:3:1: expected fail or flip, found 'pciHam'");
-  EXPECT_EQ(refusal([&] { sim.faultsAre("nonsense"); }),
+  EXPECT_EQ(driverRefusal([&] { sim.faultsAre("nonsense"); }),
             "faults:1:1: expected fail or flip, found 'nonsense'");
   EXPECT_EQ(sim.text("faults"), "");
-  EXPECT_EQ(refusal([&] { sim.faultsAre("fail kestDmaIfdel * 5 always\n"); }), "");
+  EXPECT_EQ(driverRefusal([&] { sim.faultsAre("fail kestDmaIfdel * 5 always\n"); }), "");
   EXPECT_EQ(sim.text("faults"), "fail kestDmaIfdel * 5 always\n");
 }
 
@@ -91,7 +91,7 @@ TEST(SimulatedDriver, IsToldFromAnother) {
   DriverLibrary const other(KEST_DRIVER_BARE);
   SimulatedDriver const notThere(other);
   EXPECT_FALSE(notThere.isThere());
-  EXPECT_EQ(refusal([&] { notThere.text("dump"); }),
+  EXPECT_EQ(driverRefusal([&] { notThere.text("dump"); }),
             "driver " KEST_DRIVER_BARE " is not the simulated one: it has no kestDmaSimText");
 }
 

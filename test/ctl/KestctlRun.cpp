@@ -18,15 +18,6 @@
 
 namespace Kest::Ctl {
 
-namespace {
-
-constexpr int deadlineMilliseconds = 60000;  // for anything to happen
-
-int check(int result, char const* what) {
-  if (result < 0) throw std::system_error(errno, std::generic_category(), what);
-  return result;
-}
-
 /// A descriptor that is closed when this goes, or before.
 struct Fd {
   int fd = -1;
@@ -39,6 +30,15 @@ struct Fd {
     fd = -1;
   }
 };
+
+namespace {
+
+constexpr int deadlineMilliseconds = 60000;  // for anything to happen
+
+int check(int result, char const* what) {
+  if (result < 0) throw std::system_error(errno, std::generic_category(), what);
+  return result;
+}
 
 struct Pipe {
   Fd read;

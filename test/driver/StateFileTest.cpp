@@ -19,7 +19,7 @@ namespace {
 using namespace std::string_view_literals;
 using testing::ElementsAre;
 
-std::string refusal(SimDriver& driver, std::string const& path) {
+std::string pathRefusal(SimDriver& driver, std::string const& path) {
   try {
     driver.stateFileIs(path);
   } catch (Mox::RangeException const& exception) {
@@ -147,17 +147,17 @@ TEST(StateFile, IsRefusedWholeAndThenLeftAlone) {
   std::string const bad = folder.file("bad");
   std::string const text = "{\"format\": \"kest-dma-sim-state/1\",\n\"interfaces\": 1}";
   std::ofstream(bad) << text;
-  EXPECT_EQ(refusal(driver, bad), bad + ": /interfaces: expected an object, found 1");
-  EXPECT_EQ(refusal(driver, folder.path()), folder.path() + ": cannot be read: Is a directory");
-  EXPECT_EQ(refusal(driver, bad + "/state"), bad + "/state: cannot be read: Not a directory");
-  EXPECT_EQ(refusal(driver, ""), "expected the path of a state file, found an empty one");
+  EXPECT_EQ(pathRefusal(driver, bad), bad + ": /interfaces: expected an object, found 1");
+  EXPECT_EQ(pathRefusal(driver, folder.path()), folder.path() + ": cannot be read: Is a directory");
+  EXPECT_EQ(pathRefusal(driver, bad + "/state"), bad + "/state: cannot be read: Not a directory");
+  EXPECT_EQ(pathRefusal(driver, ""), "expected the path of a state file, found an empty one");
   EXPECT_EQ(driver.dumpText(), before);
   driver.deviceFlip("fap0");
   EXPECT_EQ(contentOf(bad), text);
   EXPECT_EQ(contentOf(folder.file("good")), driver.stateText());
 
   std::ofstream(bad, std::ios::trunc).close();
-  EXPECT_EQ(refusal(driver, bad), "accepted");  // an empty file is as good as none
+  EXPECT_EQ(pathRefusal(driver, bad), "accepted");  // an empty file is as good as none
   EXPECT_EQ(contentOf(bad), driver.stateText());
 }
 

@@ -16,7 +16,7 @@ struct Named {
   unsigned number;
   char const* name;
 };
-constexpr Named all[] = {
+constexpr Named allStates[] = {
     {DeviceState::deviceStateUnknown_, 0, "deviceStateUnknown"},
     {DeviceState::deviceStateUp_, 1, "deviceStateUp"},
     {DeviceState::deviceStateDown_, 2, "deviceStateDown"},
@@ -28,7 +28,7 @@ TEST(DeviceState, IsA32BitNumberThatIsUnknownByDefault) {
 }
 
 TEST(DeviceState, EveryEnumeratorHasItsNumberNameAndText) {
-  for (Named const& one : all) {
+  for (Named const& one : allStates) {
     EXPECT_EQ(DeviceStateInstance(one.number), one.state);
     EXPECT_EQ(static_cast<unsigned>(one.state), one.number);
     EXPECT_EQ(DeviceStateInstance(Mox::String8(one.name)), one.state);

@@ -17,11 +17,11 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
-class Entry : public HashMapEntry {
+class NamedEntry : public HashMapEntry {
  public:
-  Entry(Events& events, String8 key, std::string name)
+  NamedEntry(Events& events, String8 key, std::string name)
       : HashMapEntry(std::move(key)), events_(events), name_(std::move(name)) {}
-  ~Entry() override {
+  ~NamedEntry() override {
     events_.push_back(name_ + " gone");
     if (whenGone) whenGone();
   }
@@ -29,7 +29,7 @@ class Entry : public HashMapEntry {
   std::string const& name() const { return name_; }
 
   std::function<void()> whenGone;
-  Ptr<Entry> successor;
+  Ptr<NamedEntry> successor;
 
  private:
   Events& events_;
@@ -38,8 +38,8 @@ class Entry : public HashMapEntry {
 
 class HashMapTest : public ::testing::Test {
  protected:
-  Ptr<Entry> insert(char const* key, char const* name = "") {
-    Ptr<Entry> entry(new Entry(events, key, *name == '\0' ? key : name));
+  Ptr<NamedEntry> insert(char const* key, char const* name = "") {
+    Ptr<NamedEntry> entry(new NamedEntry(events, key, *name == '\0' ? key : name));
     map.insert(entry);
     return entry;
   }
@@ -51,7 +51,7 @@ class HashMapTest : public ::testing::Test {
   }
 
   Events events;
-  HashMap<Entry> map;
+  HashMap<NamedEntry> map;
 };
 
 TEST_F(HashMapTest, IsEmptyAtFirst) {
@@ -62,7 +62,7 @@ TEST_F(HashMapTest, IsEmptyAtFirst) {
 }
 
 TEST_F(HashMapTest, FindsWhatWasInserted) {
-  Ptr<Entry> const first = insert("et1");
+  Ptr<NamedEntry> const first = insert("et1");
   insert("et2");
   insert("");
   EXPECT_EQ(map.count(), 3U);
@@ -72,7 +72,7 @@ TEST_F(HashMapTest, FindsWhatWasInserted) {
 }
 
 TEST_F(HashMapTest, HoldsOneReferenceToEachEntry) {
-  Ptr<Entry> const held = insert("held");
+  Ptr<NamedEntry> const held = insert("held");
   insert("loose");
   EXPECT_EQ(held->references(), 2U);
   map.clear();
@@ -83,7 +83,7 @@ TEST_F(HashMapTest, HoldsOneReferenceToEachEntry) {
 
 TEST_F(HashMapTest, AnEntryLeavesForOneOfTheSameKey) {
   insert("et1", "old");
-  Ptr<Entry> const now = insert("et1", "new");
+  Ptr<NamedEntry> const now = insert("et1", "new");
   EXPECT_THAT(events, ElementsAre("old gone"));
   EXPECT_EQ(map.count(), 1U);
   EXPECT_EQ(map.find("et1"), now.ptr());
@@ -99,8 +99,8 @@ TEST_F(HashMapTest, IsWholeWhenAReplacedEntryGoes) {
 }
 
 TEST_F(HashMapTest, AnEntryMayBeReplacedByOneThatOnlyItHolds) {
-  Entry& old = *insert("et1", "old");
-  old.successor = Ptr<Entry>(new Entry(events, "et1", "successor"));
+  NamedEntry& old = *insert("et1", "old");
+  old.successor = Ptr<NamedEntry>(new NamedEntry(events, "et1", "successor"));
   map.insert(old.successor);
   EXPECT_THAT(walk(), ElementsAre("successor"));
 }
@@ -174,9 +174,9 @@ TEST_F(HashMapTest, AnIteratorFindsItsPlaceAgainWhenTheMapGrows) {
 }
 
 TEST_F(HashMapTest, AnEntryThatLeftMayJoinAnotherMap) {
-  Ptr<Entry> const entry = insert("et1");
+  Ptr<NamedEntry> const entry = insert("et1");
   map.remove(*entry);
-  HashMap<Entry> other;
+  HashMap<NamedEntry> other;
   other.insert(entry);
   EXPECT_EQ(other.find("et1"), entry.ptr());
   EXPECT_EQ(map.find("et1"), nullptr);

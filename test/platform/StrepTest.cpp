@@ -214,8 +214,8 @@ TEST(StrepTest, ErrorsOfAnAttributeNameIt) {
 }
 
 /// Reads itself, as records do.
-struct Pair {
-  Pair(String8::IteratorConst& it, String8::IteratorConst const& end) {
+struct NumberPair {
+  NumberPair(String8::IteratorConst& it, String8::IteratorConst const& end) {
     deserializeAttr(it, end, &first, "first");
     needString(it, end, " ,");
     deserializeAttr(it, end, &second, "second");
@@ -227,7 +227,7 @@ struct Pair {
 TEST(StrepTest, ReadsAWholeText) {
   EXPECT_EQ(strepToValue<unsigned int>("12"), 12U);
   EXPECT_EQ(strepToValue("True", static_cast<bool const*>(nullptr)), true);
-  Pair const pair = strepToValue<Pair>("1 , 2");
+  NumberPair const pair = strepToValue<NumberPair>("1 , 2");
   EXPECT_EQ(pair.first, 1U);
   EXPECT_EQ(pair.second, 2U);
 }
@@ -236,8 +236,9 @@ TEST(StrepTest, RefusesWhatIsLeftOfATextWithItsColumn) {
   EXPECT_EQ(refusal([] { strepToValue<unsigned int>("12x"); }),
             "junk at column 2 deserializing 12x");
   EXPECT_EQ(refusal([] { strepToValue<String8>("'a' "); }), "junk at column 3 deserializing 'a' ");
-  EXPECT_EQ(refusal([] { strepToValue<Pair>("1,2,3"); }), "junk at column 3 deserializing 1,2,3");
-  EXPECT_EQ(refusal([] { strepToValue<Pair>("1,x"); }),
+  EXPECT_EQ(refusal([] { strepToValue<NumberPair>("1,2,3"); }),
+            "junk at column 3 deserializing 1,2,3");
+  EXPECT_EQ(refusal([] { strepToValue<NumberPair>("1,x"); }),
             "second: expected a decimal number, found 'x'");
 }
 

@@ -9,8 +9,8 @@ namespace Hardware::Kest::Slice {
 namespace {
 
 using Sm = KestSliceDmaSm;
-using Config = KestSliceDmaSm::MoxConfig;
-using Timer = KestSliceDmaSm::MoxStateTimer;
+using ConfigReactor = KestSliceDmaSm::MoxConfig;
+using TimerReactor = KestSliceDmaSm::MoxStateTimer;
 
 /// Slot of a virtual operation: a pointer to it holds its offset in the table, plus 1.
 template <class Member>
@@ -37,27 +37,27 @@ TEST(SlotTest, MachinesOperationsFollowTheObjectBases) {
 }
 
 TEST(SlotTest, ConfigurationReactorsOwnOperationIsBehindTheHandlers) {
-  EXPECT_EQ(slot(&Config::hasNotificationActiveIs), 0U);
-  EXPECT_EQ(slot(&Config::notifierIs), 9U);
-  EXPECT_EQ(slot(&Config::onSliceId), 14U);
-  EXPECT_EQ(keyed<Config>(&Config::onSwitchPort), 15U);
-  EXPECT_EQ(slot(&Config::onSwitchPortmoxImmediate), 16U);
-  EXPECT_EQ(keyed<Config>(&Config::onNativeVlan), 18U);
-  EXPECT_EQ(slot(&Config::onNativeVlanmoxImmediate), 19U);
-  EXPECT_EQ(keyed<Config>(&Config::onSwitchportMode), 21U);
-  EXPECT_EQ(slot(&Config::onSwitchportModemoxImmediate), 22U);
-  EXPECT_EQ(keyed<Config>(&Config::onDevice), 24U);
-  EXPECT_EQ(slot(&Config::onDevicemoxImmediate), 25U);
-  EXPECT_EQ(keyed<Config>(&Config::onDeviceState), 27U);
-  EXPECT_EQ(slot(&Config::onDeviceStatemoxImmediate), 28U);
-  EXPECT_EQ(slot(&Config::moxDoZombieReactors), 30U);
+  EXPECT_EQ(slot(&ConfigReactor::hasNotificationActiveIs), 0U);
+  EXPECT_EQ(slot(&ConfigReactor::notifierIs), 9U);
+  EXPECT_EQ(slot(&ConfigReactor::onSliceId), 14U);
+  EXPECT_EQ(keyed<ConfigReactor>(&ConfigReactor::onSwitchPort), 15U);
+  EXPECT_EQ(slot(&ConfigReactor::onSwitchPortmoxImmediate), 16U);
+  EXPECT_EQ(keyed<ConfigReactor>(&ConfigReactor::onNativeVlan), 18U);
+  EXPECT_EQ(slot(&ConfigReactor::onNativeVlanmoxImmediate), 19U);
+  EXPECT_EQ(keyed<ConfigReactor>(&ConfigReactor::onSwitchportMode), 21U);
+  EXPECT_EQ(slot(&ConfigReactor::onSwitchportModemoxImmediate), 22U);
+  EXPECT_EQ(keyed<ConfigReactor>(&ConfigReactor::onDevice), 24U);
+  EXPECT_EQ(slot(&ConfigReactor::onDevicemoxImmediate), 25U);
+  EXPECT_EQ(keyed<ConfigReactor>(&ConfigReactor::onDeviceState), 27U);
+  EXPECT_EQ(slot(&ConfigReactor::onDeviceStatemoxImmediate), 28U);
+  EXPECT_EQ(slot(&ConfigReactor::moxDoZombieReactors), 30U);
 }
 
 TEST(SlotTest, TimersOwnOperationIsBehindTheClockObservers) {
-  EXPECT_EQ(slot(&Timer::hasNotificationActiveIs), 0U);
-  EXPECT_EQ(slot(&Timer::notifierIs), 9U);
-  EXPECT_EQ(slot(&Timer::onTime), 14U);
-  EXPECT_EQ(slot(&Timer::moxDoZombieReactors), 15U);
+  EXPECT_EQ(slot(&TimerReactor::hasNotificationActiveIs), 0U);
+  EXPECT_EQ(slot(&TimerReactor::notifierIs), 9U);
+  EXPECT_EQ(slot(&TimerReactor::onTime), 14U);
+  EXPECT_EQ(slot(&TimerReactor::moxDoZombieReactors), 15U);
 }
 
 }  // namespace

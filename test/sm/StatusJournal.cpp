@@ -57,15 +57,15 @@ void StatusJournal::onDeviceState(Mox::String8 devName) {
 }
 
 Support::Lines content(KestSliceDmaStatus const& status) {
-  Support::Lines all;
+  Support::Lines lines;
   status.forEachCollection([&](auto const& collection) {
     std::map<Mox::String8, std::string> sorted;
     for (auto it = collection.iteratorConst(); it; ++it) {
       sorted.emplace(it.key(), line(collection.name, it.key(), it));
     }
-    for (auto const& entry : sorted) all.push_back(entry.second);
+    for (auto const& entry : sorted) lines.push_back(entry.second);
   });
-  return all;
+  return lines;
 }
 
 }  // namespace Hardware::Kest::Slice

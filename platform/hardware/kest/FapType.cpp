@@ -7,21 +7,21 @@ namespace Hardware::Kest {
 
 namespace {
 
-constexpr char const* names[] = {"fapTypeUnknown", "fapTypeArad", "fapTypeAradDual"};
-constexpr Mox::detail::EnumText<FapType> text{"FapType", names, std::size(names)};
+constexpr char const* typeNames[] = {"fapTypeUnknown", "fapTypeArad", "fapTypeAradDual"};
+constexpr Mox::detail::EnumText<FapType> typeText{"FapType", typeNames, std::size(typeNames)};
 
 }  // namespace
 
 Mox::String8 stringValue(FapType value) {
-  return text.stringValue(value);
+  return typeText.stringValue(value);
 }
 
 FapType FapTypeInstance(unsigned int number) {
-  return text.instance(number);
+  return typeText.instance(number);
 }
 
 FapType FapTypeInstance(Mox::String8 const& name) {
-  return text.instance(name);
+  return typeText.instance(name);
 }
 
 Mox::String8 valueToStrep(FapType const& value) {
@@ -30,7 +30,7 @@ Mox::String8 valueToStrep(FapType const& value) {
 
 FapType sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,
                         FapType*) {
-  return text.read(it, end);
+  return typeText.read(it, end);
 }
 
 std::ostream& operator<<(std::ostream& out, FapType const& value) {
@@ -40,7 +40,7 @@ std::ostream& operator<<(std::ostream& out, FapType const& value) {
 }  // namespace Hardware::Kest
 
 Mox::MoxType const* Mox::TypeOf<Hardware::Kest::FapType>::type() {
-  static EnumType<Hardware::Kest::FapType> const enumeration("Hardware::Kest::FapType",
-                                                             Hardware::Kest::text.enumerators());
+  static EnumType<Hardware::Kest::FapType> const enumeration(
+      "Hardware::Kest::FapType", Hardware::Kest::typeText.enumerators());
   return &enumeration;
 }

@@ -7,21 +7,21 @@ namespace Hardware::Kest {
 
 namespace {
 
-constexpr char const* names[] = {"smModeInitial", "smModeStandby", "smModePolling"};
-constexpr Mox::detail::EnumText<SmMode> text{"SmMode", names, std::size(names)};
+constexpr char const* modeNames[] = {"smModeInitial", "smModeStandby", "smModePolling"};
+constexpr Mox::detail::EnumText<SmMode> modeText{"SmMode", modeNames, std::size(modeNames)};
 
 }  // namespace
 
 Mox::String8 stringValue(SmMode value) {
-  return text.stringValue(value);
+  return modeText.stringValue(value);
 }
 
 SmMode SmModeInstance(unsigned int number) {
-  return text.instance(number);
+  return modeText.instance(number);
 }
 
 SmMode SmModeInstance(Mox::String8 const& name) {
-  return text.instance(name);
+  return modeText.instance(name);
 }
 
 Mox::String8 valueToStrep(SmMode const& value) {
@@ -30,7 +30,7 @@ Mox::String8 valueToStrep(SmMode const& value) {
 
 SmMode sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,
                        SmMode*) {
-  return text.read(it, end);
+  return modeText.read(it, end);
 }
 
 std::ostream& operator<<(std::ostream& out, SmMode const& value) {
@@ -41,6 +41,6 @@ std::ostream& operator<<(std::ostream& out, SmMode const& value) {
 
 Mox::MoxType const* Mox::TypeOf<Hardware::Kest::SmMode>::type() {
   static EnumType<Hardware::Kest::SmMode> const enumeration("Hardware::Kest::SmMode",
-                                                            Hardware::Kest::text.enumerators());
+                                                            Hardware::Kest::modeText.enumerators());
   return &enumeration;
 }

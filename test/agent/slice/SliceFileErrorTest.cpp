@@ -1,22 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 #include "platform/mox/Dir.h"
 #include "test/agent/slice/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {
-
-struct ErrorRow {
-  char const* name;
-  char const* text;
-  char const* message;
-};
-
-void PrintTo(ErrorRow const& row, std::ostream* out) {
-  *out << row.name;
-}
 
 class SliceFileError : public testing::TestWithParam<ErrorRow> {};
 
@@ -25,7 +13,7 @@ TEST_P(SliceFileError, SaysWhereWhatWasFoundAndWhatWasExpected) {
   EXPECT_EQ(Mox::root()->entities(), 0U) << "a refused file left something in the entity tree";
 }
 
-ErrorRow const rows[] = {
+ErrorRow const fileErrors[] = {
     {"UnknownStatement", R"(bogus 'x')",
      R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'bogus'
   bogus 'x'
@@ -446,7 +434,7 @@ switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'i
      "                   ^"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Rows, SliceFileError, testing::ValuesIn(rows),
+INSTANTIATE_TEST_SUITE_P(Rows, SliceFileError, testing::ValuesIn(fileErrors),
                          [](auto const& row) { return row.param.name; });
 
 }  // namespace

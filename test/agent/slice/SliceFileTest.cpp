@@ -27,7 +27,7 @@ std::string const bareEt1 =
     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'ifName': "
     "'et1', 'destId': 0, 'shadowIntfId': 0, 'trafficClass': 0, 'devName': '', 'fapNum': 0, "
     "'ctrl': False, 'hwLag': False, 'macAddr': '00:00:00:00:00:00'})";
-std::string const fap0 =
+std::string const wholeFap0 =
     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0', "
     "'pciHam': EntityPtr('/pci/0000:05:00.0', 'Fru::PciHam'), 'fapType': 'fapTypeAradDual', "
     "'numFaps': 3, 'cpuTmSysPort': 1, 'cpuEthSysPort': 2, 'cpuRawSysPort': 3, 'sflowPort': 4, "
@@ -49,7 +49,7 @@ TEST_P(ValidSliceFile, GivesItsEntries) {
   EXPECT_EQ(Mox::root()->entities(), 0U) << "the entity tree outlived the slice's handles";
 }
 
-ValidRow const rows[] = {
+ValidRow const validFiles[] = {
     {"Empty", "", {}},
     {"BlankLinesAndComments", "\n  \n\t\n# nativeVlan 'et1' 10\n   # x\n#", {}},
     {"SliceId", "sliceId 'Linecard3'\n", {"sliceId 'Linecard3'"}},
@@ -74,7 +74,7 @@ ValidRow const rows[] = {
     {"StatesWithoutDevices",
      "deviceState 'fap0' 'deviceStateUp'\ndeviceState 'fap1' 'deviceStateDown'",
      {"deviceState 'fap0' 'deviceStateUp'", "deviceState 'fap1' 'deviceStateDown'"}},
-    {"Device", "pciHam '/pci/0000:05:00.0'\n" + fap0 + "\n" + fap0Up, {fap0, fap0Up}},
+    {"Device", "pciHam '/pci/0000:05:00.0'\n" + wholeFap0 + "\n" + fap0Up, {wholeFap0, fap0Up}},
     {"DeviceWithItsNameAlone", fap0Up + "\n" + deviceText("'devName': 'fap0'"), {bareFap0, fap0Up}},
     {"DeviceWithoutHandle",
      fap0Up + "\n" + deviceText("'pciHam': None, 'devName': 'fap0'"),
@@ -105,7 +105,7 @@ ValidRow const rows[] = {
      {et1, "nativeVlan 'et1' 1", "switchportMode 'et1' 'switchportModeTrunk'"}},
 };
 
-INSTANTIATE_TEST_SUITE_P(Rows, ValidSliceFile, testing::ValuesIn(rows),
+INSTANTIATE_TEST_SUITE_P(Rows, ValidSliceFile, testing::ValuesIn(validFiles),
                          [](auto const& row) { return row.param.name; });
 
 Mox::Ptr<Mox::Entity> at(char const* path) {

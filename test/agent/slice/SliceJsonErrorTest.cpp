@@ -1,22 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 #include "platform/mox/Dir.h"
 #include "test/agent/slice/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {
-
-struct ErrorRow {
-  char const* name;
-  char const* text;
-  char const* message;
-};
-
-void PrintTo(ErrorRow const& row, std::ostream* out) {
-  *out << row.name;
-}
 
 class SliceJsonError : public testing::TestWithParam<ErrorRow> {};
 
@@ -25,7 +13,7 @@ TEST_P(SliceJsonError, SaysWhereWhatWasFoundAndWhatWasExpected) {
   EXPECT_EQ(Mox::root()->entities(), 0U) << "a refused file left something in the entity tree";
 }
 
-ErrorRow const rows[] = {
+ErrorRow const jsonErrors[] = {
     {"ArrayAtTheTop", R"J(["/pci/a"])J",
      R"J(slice.json:1:1: expected an object, found array
   ["/pci/a"]
@@ -370,7 +358,7 @@ null)J",
                                                         ^)J"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Rows, SliceJsonError, testing::ValuesIn(rows),
+INSTANTIATE_TEST_SUITE_P(Rows, SliceJsonError, testing::ValuesIn(jsonErrors),
                          [](auto const& row) { return row.param.name; });
 
 }  // namespace

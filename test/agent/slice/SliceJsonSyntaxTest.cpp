@@ -1,22 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 #include "platform/mox/Dir.h"
 #include "test/agent/slice/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {
-
-struct ErrorRow {
-  char const* name;
-  char const* text;
-  char const* message;
-};
-
-void PrintTo(ErrorRow const& row, std::ostream* out) {
-  *out << row.name;
-}
 
 class SliceJsonSyntaxError : public testing::TestWithParam<ErrorRow> {};
 
@@ -25,7 +13,7 @@ TEST_P(SliceJsonSyntaxError, SaysWhereTheTextIsNoJson) {
   EXPECT_EQ(Mox::root()->entities(), 0U) << "a refused file left something in the entity tree";
 }
 
-ErrorRow const rows[] = {
+ErrorRow const syntaxErrors[] = {
     {"Empty", "",
      R"J(slice.json:1:1: no JSON: unexpected end of input; expected '[', '{', or a literal
   
@@ -163,7 +151,7 @@ end)J",
     ^)J"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Rows, SliceJsonSyntaxError, testing::ValuesIn(rows),
+INSTANTIATE_TEST_SUITE_P(Rows, SliceJsonSyntaxError, testing::ValuesIn(syntaxErrors),
                          [](auto const& row) { return row.param.name; });
 
 std::string nested(std::size_t levels) {

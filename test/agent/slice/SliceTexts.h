@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,16 @@ inline Entries entriesOf(Config const& config) {
     }
   });
   return entries;
+}
+
+/// A text that is refused, and the message.
+struct ErrorRow {
+  char const* name;
+  char const* text;
+  char const* message;
+};
+inline void PrintTo(ErrorRow const& row, std::ostream* out) {
+  *out << row.name;
 }
 
 /// The message with which a slice file's text is refused; empty when it is not.
