@@ -3,6 +3,7 @@
 option(KEST_TESTS "Build the tests" ON)
 set(KEST_SANITIZE "" CACHE STRING "Sanitizers to build with, as in address,undefined")
 option(KEST_SANITIZE_AGENT "Instrument the agent and its client too, not only the libraries" ON)
+option(KEST_COVERAGE "Count which lines and branches run" OFF)
 option(KEST_32BIT "Build for 32-bit x86" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -38,6 +39,24 @@ if(KEST_32BIT)
   add_link_options(-m32)
 endif()
 
+# Hardened, as test/walls/hardening.sh checks. Sanitizers bring their own checks.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+if(NOT KEST_SANITIZE)
+  add_compile_options(-fstack-protector-strong -fstack-clash-protection)
+endif()
+if(CMAKE_BUILD_TYPE MATCHES "^Rel" AND NOT KEST_SANITIZE)
+  add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)  # works only where it is optimised
+endif()
+# For sources that are compiled quickly instead of well.
+set(KEST_NOT_OPTIMISED -O0 -U_FORTIFY_SOURCE)
+
+if(KEST_COVERAGE)
+  add_compile_options(-O0 -fprofile-arcs -ftest-coverage)  # as --coverage, which cannot be undone
+  add_link_options(--coverage)
+endif()
+
 if(KEST_SANITIZE)
   # Less optimised: reports stay readable, and the instrumented code compiles twice as fast.
   add_compile_options(-O1 -g1)
@@ -49,7 +68,7 @@ endif()
 # where only the libraries are to have them.
 macro(kest_agent_folder)
   if(KEST_SANITIZE AND NOT KEST_SANITIZE_AGENT)
-    add_compile_options(-fno-sanitize=all -O0)
+    add_compile_options(-fno-sanitize=all ${KEST_NOT_OPTIMISED})
     set(KEST_TEST_HEADERS "")  # they were compiled with other options
   endif()
 endmacro()

@@ -33,9 +33,7 @@ std::vector<std::string> names(std::vector<Root> const& roots) {
 }
 
 std::vector<Mox::Attribute> const& attributesOf(Mox::GenericIf const& object) {
-  static std::vector<Mox::Attribute> const none;
-  Mox::TypeNode const* const node = object.type()->typeNode();
-  return node == nullptr ? none : node->attributes();
+  return object.type()->typeNode()->attributes();
 }
 
 std::vector<std::string> attributeNames(Mox::GenericIf const& object) {
@@ -66,8 +64,7 @@ class Walk {
 
   /// What may stand where its last name or its key stands, each as a path.
   std::vector<std::string> continuations() {
-    while (!done_ && !atKey() && rest_.find('/') != std::string_view::npos) step();
-    if (done_) return {};
+    while (!atKey() && rest_.find('/') != std::string_view::npos) step();
     if (place_.attribute != nullptr && !atKey()) follow();
     std::string const beginning = place_.path.substr(0, place_.path.size() - rest_.size());
     std::vector<std::string> all = atKey() ? keys() : attributes();
@@ -158,9 +155,8 @@ class Walk {
     place_.key = String8(rest_);
     std::size_t const colon = rest_.rfind(':');
     if (colon == std::string_view::npos || place_.read() != nullptr) return;
-    Mox::TypeNode const* const node = place_.attribute->type->typeNode();
-    Mox::Attribute const* const field =
-        node == nullptr ? nullptr : node->attribute(String8(rest_.substr(colon + 1)));
+    Mox::TypeNode const& node = *place_.attribute->type->typeNode();
+    Mox::Attribute const* const field = node.attribute(String8(rest_.substr(colon + 1)));
     if (field == nullptr) return;
     String8 const whole = std::exchange(*place_.key, String8(rest_.substr(0, colon)));
     if (place_.read() != nullptr) {
@@ -181,8 +177,7 @@ class Walk {
 Generic Place::operate(AttributeOpCode code, Mox::GenericIf const* argument) const {
   Generic const index = key ? Mox::genericOf(*key) : nullptr;
   Generic result;
-  Mox::AttributeId const id = attribute == nullptr ? Mox::wholeAttributeId : attribute->id;
-  object->attributeOp({id, code, index.get()}, argument, result);
+  object->attributeOp({attribute->id, code, index.get()}, argument, result);
   return result;
 }
 
@@ -192,7 +187,7 @@ Generic Place::read() const {
   Generic const index = Mox::genericOf(*key);
   auto const entry = object->attributeIteratorKeyConst(attribute->id, index.get());
   Generic value = object->attributeIterator_iterObj(*entry);
-  if (field == nullptr || value == nullptr) return value;
+  if (field == nullptr) return value;
   Generic part;
   value->attributeOp({field->id, AttributeOpCode::read}, nullptr, part);
   return part;

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "agent/Text.h"
 #include "agent/wire/Protocol.h"
 #include "platform/mox/RangeException.h"
 
@@ -14,20 +15,13 @@ namespace {
   throw Mox::RangeException(Mox::String8(message));
 }
 
-/// Without its middle if it is long: the parser repeats the token that it does not like.
-std::string shortened(std::string const& text) {
-  constexpr std::size_t most = 200;
-  constexpr std::size_t kept = 90;  // at either end
-  if (text.size() <= most) return text;
-  return text.substr(0, kept) + " ... " + text.substr(text.size() - kept);
-}
-
-/// The parser's own words, without what it puts in front of them.
+/// The parser's own words, without what it puts in front of them. It repeats the token that it does
+/// not like, however long that is.
 std::string reason(Json::exception const& error) {
   std::string const text = error.what();
   std::size_t const place = text.find("column ");
   std::size_t const start = place == std::string::npos ? text.find("] ") : text.find(": ", place);
-  return shortened(start == std::string::npos ? text : text.substr(start + 2));
+  return shortened(text.substr(start + 2));
 }
 
 bool checkDepth(int depth, Json::parse_event_t event, Json& /*parsed*/) {

@@ -30,10 +30,14 @@ Excerpt excerptOf(std::string_view line, std::size_t column) {
   constexpr std::size_t around = 60;
   constexpr std::string_view dots = "...";
   if (line.size() <= longest) return {std::string(line), column};
+  // To whole characters; a long run of bytes that continue none is cut all the same.
+  constexpr std::size_t longestRest = 3;
   std::size_t first = column > around ? column - around : 0;
-  while (first > 0 && continuesCharacter(line[first])) --first;
+  std::size_t const leastFirst = first - std::min(first, longestRest);
+  while (first > leastFirst && continuesCharacter(line[first])) --first;
   std::size_t end = std::min(column + around, line.size());
-  while (end < line.size() && continuesCharacter(line[end])) ++end;
+  std::size_t const largestEnd = std::min(end + longestRest, line.size());
+  while (end < largestEnd && continuesCharacter(line[end])) ++end;
   std::string text(first > 0 ? dots : "");
   std::size_t const shift = first - text.size();
   text.append(line.substr(first, end - first)).append(end < line.size() ? dots : "");

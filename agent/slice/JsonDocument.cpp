@@ -47,7 +47,7 @@ std::string parserText(std::string_view text) {
 
 FileError refusalAt(std::string_view file, std::string_view text, std::size_t at,
                     JsonPointer const& pointer, std::string_view message) {
-  std::string const name = nameText(Mox::String8(pointer.to_string()));
+  std::string const name = shortened(nameText(Mox::String8(pointer.to_string())));
   return FileError::inText(file, text, at,
                            (name.empty() ? "" : name + ": ") + std::string(message));
 }

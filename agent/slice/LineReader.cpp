@@ -2,6 +2,8 @@
 
 #include <cctype>
 
+#include "agent/Text.h"
+
 namespace Kest::Agent {
 
 bool LineReader::isDone() {
@@ -26,7 +28,7 @@ std::string LineReader::word() const {
 
 void LineReader::refuse(std::string_view expected) const {
   std::string text = "expected ";
-  text.append(expected).append(", found '").append(word()).append("'");
+  text.append(expected).append(", found '").append(shortened(word())).append("'");
   Mox::throwRangeException(Mox::String8(text));
 }
 

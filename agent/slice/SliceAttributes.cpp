@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "agent/Text.h"
 #include "agent/wire/NearMatch.h"
 #include "model/KestSliceDmaConfig.h"
 #include "platform/mox/RangeException.h"
@@ -43,7 +44,7 @@ void refuseName(std::string const& name, std::vector<std::string> const& expecte
   for (std::string const& one : expected) {
     text.append(std::exchange(separator, ", ")).append(one);
   }
-  text.append(", found '").append(name).append("'");
+  text.append(", found '").append(shortened(name)).append("'");
   if (auto const near = Wire::nearMatch(name, expected)) {
     text.append("; did you mean '").append(*near).append("'?");
   }
@@ -51,15 +52,13 @@ void refuseName(std::string const& name, std::vector<std::string> const& expecte
 }
 
 bool holdsKey(Mox::Attribute const& collection) {
-  Mox::TypeNode const* const node = collection.type->typeNode();
-  return node != nullptr && node->attribute(collection.keyName) != nullptr;
+  return collection.type->typeNode()->attribute(collection.keyName) != nullptr;
 }
 
 void forEachField(Mox::GenericIf const& value, VisitField const& visit) {
-  Mox::TypeNode const* const node = value.type()->typeNode();
-  if (value.type()->kind() != Mox::MoxType::Kind::value || node == nullptr) return;
+  if (value.type()->kind() != Mox::MoxType::Kind::value) return;
   std::unique_ptr<Mox::GenericIf> const record = value.clone();
-  for (Mox::Attribute const& field : node->attributes()) {
+  for (Mox::Attribute const& field : value.type()->typeNode()->attributes()) {
     std::unique_ptr<Mox::GenericIf> part;
     record->attributeOp({field.id, Mox::AttributeOpCode::read}, nullptr, part);
     visit(field, *part);

@@ -17,7 +17,7 @@ constexpr std::size_t octetWidth = 3;  // two digits and the colon before the ne
 bool readOctet(std::string_view digits, std::uint8_t& octet) {
   char const* const end = digits.data() + digits.size();
   auto const result = std::from_chars(digits.data(), end, octet, 16);
-  return digits.size() == 2 && result.ec == std::errc() && result.ptr == end;
+  return result.ec == std::errc() && result.ptr == end;
 }
 
 }  // namespace

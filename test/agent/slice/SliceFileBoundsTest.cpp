@@ -39,5 +39,26 @@ TEST(SliceFile, IsShownInPartWhereALineIsVeryLong) {
                 letters(29) + "' x # " + letters(28) + "...\n" + std::string(36, ' ') + "^");
 }
 
+TEST(SliceFile, IsShownInPartWhereALineIsVeryLongAndHoldsNoWholeCharacters) {
+  auto const rests = [](std::size_t count) { return std::string(count, '\200'); };
+  EXPECT_EQ(refusal("sliceId '" + rests(600) + "' x" + rests(600)),
+            "slice:1:612: expected the end of the line, found 'x" + rests(89) + " ... " +
+                rests(90) + "'\n  ..." + rests(61) + "' x" + rests(62) + "...\n" +
+                std::string(7, ' ') + "^");
+}
+
+TEST(SliceFile, FoundIsShownInPartWhereANameIsVeryLong) {
+  std::string const name(1000, 'x');
+  std::string const found =
+      "expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, "
+      "deviceState, found '" +
+      std::string(90, 'x') + " ... " + std::string(90, 'x') + "'\n";
+  std::string const line = std::string(60, 'x') + "...\n";
+  EXPECT_EQ(refusal(name + " 1"), "slice:1:1: " + found + "  " + line + "  ^");
+  EXPECT_EQ(jsonRefusal("{\"" + name + "\": 1}"), "slice.json:1:2: /" + std::string(89, 'x') +
+                                                      " ... " + std::string(90, 'x') + ": " +
+                                                      found + "  {\"" + line.substr(1) + "   ^");
+}
+
 }  // namespace
 }  // namespace Kest::Agent

@@ -170,6 +170,15 @@ TEST(SliceHandles, LeaveWhatOthersPutInTheTree) {
   Mox::root()->entityDel("pci");
 }
 
+TEST(SliceHandles, ThatOthersTookOutOfTheTreeStayOut) {
+  {
+    Slice const slice = parseSlice("slice", "pciHam '/pci/a'\npciHam '/pci/b'");
+    Mox::dirAt("/pci")->entityDel("a");
+    EXPECT_TRUE(at("/pci/b"));
+  }
+  EXPECT_FALSE(at("/pci"));
+}
+
 std::size_t countIf(Config const& config, auto const& holds) {
   std::size_t count = 0;
   for (auto it = config.switchPortIteratorConst(); it; ++it) count += holds(it.value()) ? 1 : 0;
