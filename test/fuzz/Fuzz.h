@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "platform/mox/String8.h"
+
+/// What the fuzzers share. A fuzzer is one function that libFuzzer calls with input after input; it
+/// leaves nothing behind, and ends the process when something does not hold.
+namespace Fuzz {
+
+/// Ends the process unless `holds`; `detail` is shown besides.
+inline void require(bool holds, std::string_view what, std::string_view detail = {}) {
+  if (holds) return;
+  std::fprintf(stderr, "does not hold: %.*s\n%.*s\n", static_cast<int>(what.size()), what.data(),
+               static_cast<int>(detail.size()), detail.data());
+  std::abort();
+}
+
+/// The same for two texts that should be one.
+inline void requireSame(std::string_view a, std::string_view b, std::string_view what) {
+  if (a == b) return;
+  require(false, what, std::string(a) + "\n--\n" + std::string(b));
+}
+
+/// An input, taken from its front. At its end come zeros.
+class Input {
+ public:
+  Input(std::uint8_t const* bytes, std::size_t size)
+      : rest_(reinterpret_cast<char const*>(bytes), size) {}
+
+  bool empty() const noexcept { return rest_.empty(); }
+
+  std::uint8_t byte() {
+    if (rest_.empty()) return 0;
+    auto const first = static_cast<std::uint8_t>(rest_.front());
+    rest_.remove_prefix(1);
+    return first;
+  }
+  unsigned below(unsigned bound) { return byte() % bound; }
+  bool flag() { return (byte() & 1U) != 0; }
+
+  std::string_view take(std::size_t bytes) {
+    std::string_view const front = rest_.substr(0, bytes);
+    rest_.remove_prefix(front.size());
+    return front;
+  }
+  /// What is in front of the next `end`, which is taken too; all if there is none.
+  std::string_view takeTo(char end) {
+    std::string_view const front = take(rest_.find(end));
+    take(1);
+    return front;
+  }
+  std::string_view rest() { return take(rest_.size()); }
+
+ private:
+  std::string_view rest_;
+};
+
+}  // namespace Fuzz
+
+/// Defined by each fuzzer.
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size);

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "agent/Changes.h"
+#include "agent/StatusReport.h"
+#include "agent/slice/FileError.h"
+#include "agent/slice/SliceFile.h"
+#include "agent/slice/SliceWriter.h"
+#include "platform/mox/Dir.h"
+#include "platform/mox/RangeException.h"
+#include "test/fuzz/Machine.h"
+
+/// What holds of slice files in either format.
+namespace Fuzz {
+
+using Kest::Agent::Changes;
+using Kest::Agent::Slice;
+
+/// No difference between the two, and the same handles.
+inline void requireSameSlice(Slice const& a, Slice const& b, std::string_view text) {
+  Changes const changes = Kest::Agent::changesBetween(*a.config, *b.config);
+  require(changes.steps.empty(), "a slice is read as it was written", text);
+  for (Mox::String8 const& path : a.handles.paths()) {
+    auto const handle = Mox::ptrCast<Fru::PciHam const>(Mox::entityAt(path));
+    require(handle && b.handles.declares(*handle), "handles are written too", text);
+  }
+  require(a.handles.paths().size() == b.handles.paths().size(), "no more handles are written");
+}
+
+inline void requireWrittenAsStatements(Slice const& slice) {
+  std::string const text = Kest::Agent::sliceText(*slice.config, slice.handles.paths());
+  requireSameSlice(slice, Kest::Agent::parseSlice("written.slice", text), text);
+}
+
+/// Unless the slice has a string that JSON cannot hold.
+inline void requireWrittenAsJson(Slice const& slice, bool mayRefuse) {
+  std::string text;
+  try {
+    text = Kest::Agent::sliceJson(*slice.config, slice.handles.paths());
+  } catch (Mox::RangeException const& refused) {
+    require(mayRefuse, "what was JSON can be written as JSON", refused.what());
+    return;
+  }
+  requireSameSlice(slice, Kest::Agent::parseSlice("written.json", text), text);
+}
+
+/// The process lives when a machine is brought to the slice, and back to nothing; and the status
+/// then holds what the configuration does, as far as the driver took it.
+inline void requireCarriedOut(Slice const& slice) {
+  Machine machine;
+  auto const apply = [&](Machine::Config const& wanted) {
+    for (auto const& step : Kest::Agent::changesBetween(*machine.config, wanted).steps) {
+      step.apply(*machine.config);
+    }
+  };
+  apply(*slice.config);
+  if (Kest::Agent::notUp(*machine.config, *machine.status).empty()) machine.sm->doVerify();
+  apply(*Mox::Ptr<Machine::Config>(new Machine::Config("nothing")));
+  require(Hardware::Kest::Sim::simDriver().interfaces().empty(), "no port stays behind");
+}
+
+/// @return whether the file was taken
+template <class Check>
+bool readSlice(char const* name, std::string_view text, Check const& check) {
+  bool taken = false;
+  try {
+    Slice const slice = Kest::Agent::parseSlice(name, text);
+    taken = true;
+    check(slice);
+    requireCarriedOut(slice);
+  } catch (Kest::Agent::FileError const& refused) {
+    require(!taken, "what was written is taken", refused.what());
+    require(std::string_view(refused.what()).starts_with(name), "a refusal names the file",
+            refused.what());
+  }
+  require(Mox::root()->entities() == 0, "a slice that has gone leaves nothing in the entity tree");
+  return taken;
+}
+
+}  // namespace Fuzz
