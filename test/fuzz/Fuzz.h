@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -27,6 +28,24 @@ inline void requireSame(std::string_view a, std::string_view b, std::string_view
   require(false, what, std::string(a) + "\n--\n" + std::string(b));
 }
 
+/// Unless `report` is "FILE:LINE:COLUMN: WHY" with a place in `text`, its end included.
+inline void requirePlace(std::string const& report, std::string const& file,
+                         std::string_view text) {
+  unsigned line = 0, column = 0;
+  int read = 0;
+  bool const placed =
+      report.starts_with(file) &&
+      std::sscanf(report.c_str() + file.size(), ":%u:%u: %n", &line, &column, &read) == 2;
+  require(placed && report.size() > file.size() + static_cast<std::size_t>(read),
+          "a refusal says where and why", report);
+  for (; line > 1 && !text.empty(); --line) {
+    text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+  }
+  std::size_t const length = std::min(text.find('\n'), text.size());
+  require(line == 1 && column >= 1 && column <= length + 1, "a refusal names a place in the text",
+          report);
+}
+
 /// An input, taken from its front. At its end come zeros.
 class Input {
  public:
@@ -34,6 +53,7 @@ class Input {
       : rest_(reinterpret_cast<char const*>(bytes), size) {}
 
   bool empty() const noexcept { return rest_.empty(); }
+  std::size_t left() const noexcept { return rest_.size(); }
 
   std::uint8_t byte() {
     if (rest_.empty()) return 0;

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "driver/sim/SimDriver.h"
 #include "platform/fru/PciHam.h"
 #include "platform/mox/RangeException.h"
@@ -44,16 +42,6 @@ void call(SimDriver& driver, Fuzz::Input& input) {
   }
 }
 
-/// "faults:LINE:COLUMN: ...", a place in the text.
-void requirePlace(std::string_view refused, std::string_view text) {
-  std::string const message(refused);
-  unsigned line = 0, column = 0;
-  bool const placed = std::sscanf(message.c_str(), "faults:%u:%u: ", &line, &column) == 2;
-  auto const lines = static_cast<unsigned>(std::count(text.begin(), text.end(), '\n')) + 1;
-  Fuzz::require(placed && line >= 1 && line <= lines && column >= 1 && column <= text.size() + 1,
-                "a refusal names a place in the text", message);
-}
-
 }  // namespace
 
 /// What is in front of the first NUL is the file; what follows makes calls.
@@ -66,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
   try {
     driver.faultsAre(text);
   } catch (Mox::RangeException const& refused) {
-    requirePlace(refused.what(), text);
+    Fuzz::requirePlace(refused.what(), "faults", text);
     Fuzz::requireSame(driver.stateText(), other.stateText(), "what is refused changes nothing");
     Fuzz::require(driver.faultsText().empty(), "what is refused plans nothing");
     return 0;

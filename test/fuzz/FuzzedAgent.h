@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstdlib>
+#include <optional>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "agent/Application.h"
+#include "agent/StatusReport.h"
+#include "agent/byname/Differences.h"
+#include "agent/control/ControlServer.h"
+#include "platform/mox/Trace.h"
+#include "test/fuzz/Machine.h"
+
+namespace Fuzz {
+
+/// A new directory for the socket, gone with it.
+class SocketFolder {
+ public:
+  SocketFolder() {
+    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("mkdtemp " + path_);
+  }
+  SocketFolder(SocketFolder const&) = delete;
+  SocketFolder& operator=(SocketFolder const&) = delete;
+  ~SocketFolder() {
+    unlink((socket() + ".lock").c_str());
+    rmdir(path_.c_str());
+  }
+  std::string socket() const { return path_ + "/s"; }
+
+ private:
+  static std::string temporary() {
+    char const* const path = std::getenv("TMPDIR");
+    return path == nullptr ? "/tmp" : path;
+  }
+  std::string path_ = temporary() + "/kest-fuzz-XXXXXX";
+};
+
+/// An agent as clients see it, in time that stands still: it serves its control socket and applies
+/// slices a step a round. It stays from input to input; `reset` brings it back to its beginning.
+class FuzzedAgent {
+ public:
+  FuzzedAgent() {
+    Mox::traceStreamIs(&nowhere_);
+    reset();
+  }
+
+  void reset() {
+    served_.sm = nullptr;  // before what it observes changes
+    handles_ = {};
+    clear(*config_);
+    clear(*status_);
+    config_->sliceIdIs("");
+    Mox::traceSettingIs("*/");
+    Hardware::Kest::Sim::simDriver().reset();
+    served_.sm = Hardware::Kest::Slice::kestSliceDmaSmFactory(config_, status_);
+  }
+
+  std::string socket() const { return folder_.socket(); }
+  void round() { loop_.runOnce(0); }
+  std::size_t connections() const { return server_.connections(); }
+  bool isApplying() const { return application_.isRunning(); }
+  /// Whether configuration, status and driver agree.
+  bool isClean() const {
+    return Kest::Agent::differences(*config_, *status_, Kest::Agent::DriverView(driver_)).empty();
+  }
+
+ private:
+  using Slice = Kest::Agent::Slice;
+  using Applied = Kest::Agent::Applied;
+
+  static void clear(auto& entity) {
+    entity.forEachCollection([](auto& collection) { collection.delAll(); });
+  }
+
+  void apply(Slice wanted, std::function<void(Applied)> done) {
+    Kest::Agent::Changes changes = Kest::Agent::changesBetween(*config_, *wanted.config);
+    std::size_t const count = changes.steps.size(), unchanged = changes.unchanged;
+    wanted.handles.succeed(handles_);
+    handles_ = std::move(wanted.handles);
+    application_.start(std::move(changes), [this, count, unchanged, done = std::move(done)] {
+      done({count, unchanged, Kest::Agent::notUp(*config_, *status_)});
+    });
+  }
+
+  SocketFolder folder_;
+  std::ostream nowhere_{nullptr};
+  Kest::Agent::Console console_{nowhere_, false, false};
+  Mox::ActivityLoop loop_{nullptr};
+  Kest::Agent::DriverLibrary driver_{"sim"};
+  Mox::Ptr<Machine::Config> config_{new Machine::Config("config")};
+  Mox::Ptr<Machine::Status> status_{new Machine::Status("status")};
+  Kest::Agent::PciHandles handles_;
+  Kest::Agent::Application application_{loop_, console_, config_, false};
+  Kest::Agent::Served served_{config_,
+                              status_,
+                              nullptr,
+                              driver_,
+                              handles_,
+                              [this] { return isApplying(); },
+                              [this](std::string const&, Slice slice, auto done) {
+                                apply(std::move(slice), std::move(done));
+                              }};
+  Kest::Agent::ControlServer server_{loop_, folder_.socket(), served_};
+};
+
+}  // namespace Fuzz

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "test/fuzz/Fuzz.h"
+
+namespace Fuzz {
+
+using nlohmann::json;
+
+/// A client of the control socket, which never waits. It counts what it asks and checks what it
+/// gets: for each line one reply, in order.
+class FuzzedClient {
+ public:
+  explicit FuzzedClient(std::string const& path)
+      : fd_(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    require(connect(fd_, reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0,
+            "the agent takes clients");
+  }
+  FuzzedClient(FuzzedClient const&) = delete;
+  FuzzedClient& operator=(FuzzedClient const&) = delete;
+  ~FuzzedClient() { close(fd_); }
+
+  /// At most `most` bytes of it; returns how many.
+  std::size_t send(std::string_view bytes, std::size_t most) {
+    bytes = bytes.substr(0, most);
+    ssize_t const sent = ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    return sent < 0 ? 0 : static_cast<std::size_t>(sent);
+  }
+  void asked(json id) { ids_.push_back(std::move(id)); }
+  void end() const { shutdown(fd_, SHUT_WR); }
+
+  /// Takes what has come.
+  void receive() {
+    std::array<char, 65536> block{};
+    ssize_t bytes = 0;
+    while ((bytes = recv(fd_, block.data(), block.size(), 0)) > 0) {
+      received_.append(block.data(), static_cast<std::size_t>(bytes));
+    }
+    ended_ = bytes == 0;
+    std::size_t start = 0;
+    for (std::size_t end; (end = received_.find('\n', start)) != received_.npos; start = end + 1) {
+      take(std::string_view(received_).substr(start, end - start));
+    }
+    received_.erase(0, start);
+  }
+  bool hasAllReplies() const { return replies_ == ids_.size(); }
+  bool isEnded() const { return ended_; }
+
+ private:
+  void take(std::string_view line) {
+    json const message = json::parse(line, nullptr, false);
+    require(message.is_object(), "what comes is an object", line);
+    if (message.contains("event")) return;
+    require(!hasAllReplies(), "nobody replies unasked", line);
+    json const ok = message.value("ok", json());
+    require(ok.is_boolean(), "a reply says whether it is good", line);
+    if (ok == false) requireError(message.at("error"), line);
+    if (ok == true) require(message.contains("result"), "a good reply has a result", line);
+    json const& id = ids_[replies_++];
+    bool const isUnread = ok == false && message.at("error").at("kind") == "request";
+    bool const hasId = message.contains("id");
+    require(hasId ? message.at("id") == id : id.is_discarded() || isUnread,
+            "a reply has its request's id", line);
+    require(message.size() == (hasId ? 3 : 2), "a reply says nothing else", line);
+  }
+
+  static void requireError(json const& error, std::string_view line) {
+    static json const kinds{"request", "path", "value", "refused", "denied", "busy", "file"};
+    json const& kind = error.at("kind");
+    require(std::find(kinds.begin(), kinds.end(), kind) != kinds.end(),
+            "an error is of a kind that clients expect", line);
+    require(!error.at("message").get<std::string>().empty(), "an error says why", line);
+  }
+
+  int fd_;
+  std::string received_;
+  std::vector<json> ids_;  // of what was asked; discarded where it had none
+  std::size_t replies_ = 0;
+  bool ended_ = false;
+};
+
+}  // namespace Fuzz
