@@ -1,6 +1,7 @@
 #pragma once
 
 #include "agent/Changes.h"
+#include "agent/Collections.h"
 #include "agent/StatusReport.h"
 #include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
@@ -43,8 +44,8 @@ inline void requireWrittenAsJson(Slice const& slice, bool mayRefuse) {
   requireSameSlice(slice, Kest::Agent::parseSlice("written.json", text), text);
 }
 
-/// The process lives when a machine is brought to the slice, and back to nothing; and the status
-/// then holds what the configuration does, as far as the driver took it.
+/// The process lives when a machine is brought to the slice, is told of everything again, and is
+/// brought back to nothing.
 inline void requireCarriedOut(Slice const& slice) {
   Machine machine;
   auto const apply = [&](Machine::Config const& wanted) {
@@ -53,6 +54,14 @@ inline void requireCarriedOut(Slice const& slice) {
     }
   };
   apply(*slice.config);
+  for (Mox::String8 const& key : Kest::Agent::keysOf<Machine::Config::Devices>(*machine.config)) {
+    machine.config->deviceNotify(key);
+    machine.config->deviceStateNotify(key);
+  }
+  for (Mox::String8 const& key :
+       Kest::Agent::keysOf<Machine::Config::SwitchPorts>(*machine.config)) {
+    machine.config->switchPortNotify(key);
+  }
   if (Kest::Agent::notUp(*machine.config, *machine.status).empty()) machine.sm->doVerify();
   apply(*Mox::Ptr<Machine::Config>(new Machine::Config("nothing")));
   require(Hardware::Kest::Sim::simDriver().interfaces().empty(), "no port stays behind");
