@@ -1,0 +1,141 @@
+// A library that is preloaded into the agent and kills its process at a chosen moment of its driver
+// calls. It stands in front of the driver's operations and of the C library's functions with which
+// the simulated driver replaces its state file. The moments are counted through all calls:
+//
+//   a call begins; its state file is half written; is written, but not in its place yet; is in its
+//   place; the call ends.
+//
+// SIGKILL leaves the process no way to tidy up. What the kernel has been told is not lost, as it
+// would be if the machine went down: that is not what is tested.
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+// Seen by the library that calls the operations.
+#pragma GCC visibility push(default)
+#include "driver/KestDma.h"
+#pragma GCC visibility pop
+#include "test/crash/Hooks.h"
+
+namespace {
+
+unsigned moments = 0;
+bool isInCall = false;
+
+/// The function that this library's `function` stands in front of. It has the same name.
+template <class Function>
+Function* behind(Function* function) {
+  Dl_info ours{};
+  void* const address = reinterpret_cast<void*>(function);
+  void* const next = dladdr(address, &ours) != 0 ? dlsym(RTLD_NEXT, ours.dli_sname) : nullptr;
+  if (next == nullptr || next == address) std::abort();
+  return reinterpret_cast<Function*>(next);
+}
+
+void store(void* path, char const* text, unsigned bytes) {
+  std::FILE* const file = std::fopen(static_cast<char const*>(path), "w");
+  if (file == nullptr || behind(&std::fwrite)(text, 1, bytes, file) != bytes) std::abort();
+  if (std::fclose(file) != 0) std::abort();
+}
+
+void storeDriverState() {
+  using Sink = void (*)(void* context, char const* text, unsigned bytes);
+  using Text = int (*)(char const* what, Sink, void* context, char* error, unsigned errorBytes);
+  auto const text = reinterpret_cast<Text>(dlsym(RTLD_DEFAULT, "kestDmaSimText"));
+  char error[256];
+  char* const path = std::getenv(Kest::Crash::driverStateVariable);
+  if (text == nullptr || text("state", &store, path, error, sizeof error) != 0) std::abort();
+}
+
+void moment() {
+  static char const* const told = std::getenv(Kest::Crash::killAtVariable);
+  static unsigned long const chosen = told == nullptr ? 0 : std::strtoul(told, nullptr, 10);
+  if (++moments != chosen) return;
+  if (!isInCall) storeDriverState();
+  kill(getpid(), SIGKILL);
+}
+
+template <class Result, class... Arguments>
+Result called(Result (*operation)(Arguments...), Arguments... arguments) {
+  moment();
+  isInCall = true;
+  Result const result = behind(operation)(arguments...);
+  isInCall = false;
+  moment();
+  return result;
+}
+
+}  // namespace
+
+namespace Hardware::Kest {
+
+int kestDmaIfadd(char const* ifName, int destId, int shadowIntfId, int trafficClass,
+                 Mox::String8 devName, int fapNum, bool ctrl, bool hwLag, char const* macAddr) {
+  return called(&kestDmaIfadd, ifName, destId, shadowIntfId, trafficClass, devName, fapNum, ctrl,
+                hwLag, macAddr);
+}
+
+int kestDmaIfdel(char const* ifName) {
+  return called(&kestDmaIfdel, ifName);
+}
+
+int kestDmaNativeVlan(char const* ifName, bool mode, unsigned short vlanId) {
+  return called(&kestDmaNativeVlan, ifName, mode, vlanId);
+}
+
+int kestDmaDeviceRename(Mox::String8 devName, Mox::Ptr<Fru::PciHam const> pciHam) {
+  return called(&kestDmaDeviceRename, devName, pciHam);
+}
+
+int kestDmaDeviceParam(Mox::String8 devName, unsigned numFaps, FapType fapType,
+                       unsigned cpuTmSysPort, unsigned cpuEthSysPort, unsigned cpuRawSysPort,
+                       unsigned sflowPort, unsigned cpuAradSysPort, unsigned cpuArad,
+                       unsigned cpuAradBridge) {
+  return called(&kestDmaDeviceParam, devName, numFaps, fapType, cpuTmSysPort, cpuEthSysPort,
+                cpuRawSysPort, sflowPort, cpuAradSysPort, cpuArad, cpuAradBridge);
+}
+
+int kestDmaDeviceDown(Mox::String8 devName) {
+  return called(&kestDmaDeviceDown, devName);
+}
+
+int kestDmaDeviceUp(Mox::String8 devName) {
+  return called(&kestDmaDeviceUp, devName);
+}
+
+int kestDmaIsDeviceUp(Mox::String8 devName, bool* up) {
+  return called(&kestDmaIsDeviceUp, devName, up);
+}
+
+}  // namespace Hardware::Kest
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+size_t fwrite(void const* data, size_t size, size_t count, FILE* file) {
+  auto const write = behind(&fwrite);
+  if (!isInCall || size != 1) return write(data, size, count, file);
+  size_t const half = write(data, 1, count / 2, file);
+  fflush(file);
+  moment();
+  return half + write(static_cast<char const*>(data) + half, 1, count - half, file);
+}
+
+int rename(char const* from, char const* to) noexcept {
+  moment();
+  int const result = behind(static_cast<int (*)(char const*, char const*)>(&rename))(from, to);
+  moment();
+  return result;
+}
+
+/// The port handler pauses 100 ms after each interface, hundreds of times in a test: what the
+/// kernel needs the time for is not here.
+int usleep(useconds_t) {
+  return 0;
+}
+}
+#pragma GCC visibility pop
