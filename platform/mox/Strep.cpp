@@ -47,10 +47,9 @@ std::string foundAt(Iterator const& it, Iterator const& end) {
   throw RangeException(String8(text));
 }
 
-/// A token that has more than blanks, without those around it.
 std::string_view trimmed(std::string_view token) {
-  while (isBlank(token.front())) token.remove_prefix(1);
-  while (isBlank(token.back())) token.remove_suffix(1);
+  while (!token.empty() && isBlank(token.front())) token.remove_prefix(1);
+  while (!token.empty() && isBlank(token.back())) token.remove_suffix(1);
   return token;
 }
 

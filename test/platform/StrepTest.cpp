@@ -191,6 +191,7 @@ TEST(StrepTest, MatchesTokensWithAnyBlanksWhereTheyHaveOne) {
       {" Value", "  Val", "expected Value, found the end of the text", 5},
       {" } ", "\x02", "expected }, found character 0x02", 0},
       {"", "x", "", 0},
+      {"\n", "x", "expected , found 'x'", 0},
   };
   for (auto const& row : table) {
     String8 const text(row.text);
