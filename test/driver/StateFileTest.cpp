@@ -72,6 +72,20 @@ TEST(StateFile, HoldsEveryChangeOnceTheCallHasReturned) {
   expectWritten("down");
 }
 
+TEST(StateFile, IsNeverWrittenThroughALink) {
+  TempFolder const folder;
+  std::string const path = folder.file("state");
+  std::string const others = folder.file("others");
+  std::ofstream(others) << "theirs";
+  std::filesystem::create_symlink(others, path + ".tmp");
+  SimDriver driver;
+  driver.stateFileIs(path);
+  driver.deviceRename("fap0", pciHam("a"));
+  EXPECT_EQ(contentOf(path), driver.stateText());
+  EXPECT_EQ(contentOf(others), "theirs");
+  EXPECT_EQ(folder.names(), (std::set<std::string>{"others", "state"}));
+}
+
 TEST(StateFile, IsNotWrittenWhenNothingHasChanged) {
   TempFolder const folder;
   SimDriver driver;
