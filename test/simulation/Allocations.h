@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstddef>
+
+namespace Simulation {
+
+/// How many blocks of memory the program and its libraries hold that came from `new`.
+std::size_t liveAllocations();
+
+}  // namespace Simulation

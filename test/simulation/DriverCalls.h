@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+
+#include "test/simulation/Driver.h"
+#include "test/support/Journal.h"
+
+namespace Simulation {
+
+/// The driver that the nine operations of the program reach, one at a time. Each call is written to
+/// the journal before it is answered.
+class DriverCalls {
+ public:
+  /// `apply` does what an answer's effect asks for.
+  DriverCalls(Driver& driver, Support::Journal& journal, std::function<void(Effect)> apply);
+  ~DriverCalls();
+  DriverCalls(DriverCalls const&) = delete;
+  DriverCalls& operator=(DriverCalls const&) = delete;
+
+  static DriverCalls& current();
+
+  Driver& driver() { return driver_; }
+  void add(std::string line) { journal_.add(std::move(line)); }
+  int called(Answer const& answer) {
+    if (answer.effect != Effect::none) apply_(answer.effect);
+    return answer.result;
+  }
+
+ private:
+  Driver& driver_;
+  Support::Journal& journal_;
+  std::function<void(Effect)> apply_;
+};
+
+}  // namespace Simulation

@@ -1,0 +1,214 @@
+#include "test/simulation/Event.h"
+
+#include <algorithm>
+#include <istream>
+#include <sstream>
+#include <stdexcept>
+
+#include "test/simulation/Text.h"
+
+namespace Simulation {
+
+namespace {
+
+constexpr char const* entityWords[] = {"config0", "config1", "status0", "status1"};
+constexpr char const* pointWords[] = {"config0", "config1", "status0", "status1", "none"};
+constexpr char const* configWords[] = {"config0", "config1", "none"};
+constexpr char const* statusWords[] = {"status0", "status1"};
+constexpr char const* collectionWords[] = {"switchPort", "nativeVlan", "switchportMode", "device",
+                                           "deviceState"};
+constexpr char const* handlerWords[] = {"handleSwitchPort", "handleNativeVlan", "handleDevice",
+                                        "handleDeviceState"};
+constexpr char const* callWords[] = {"ifadd", "ifdel", "nativeVlan", "rename",
+                                     "param", "down",  "up",         "isUp"};
+constexpr char const* effectWords[] = {"none",    "throw",        "retry-0",
+                                       "retry-9", "wall-forward", "wall-back"};
+constexpr char const* clockWords[] = {"clock0", "clock1", "clock2"};
+constexpr char const* clockOrNoneWords[] = {"clock0", "clock1", "clock2", "none"};
+constexpr char const* wayWords[] = {"direct", "by-name"};
+constexpr char const* onWords[] = {"off", "on"};
+constexpr char const* modeWords[] = {"initial", "standby", "polling"};
+
+Argument const config{configWords};
+Argument const status{statusWords};
+Argument const handler{handlerWords};
+Argument const call{callWords};
+Argument const effect{effectWords};
+Argument const clock{clockWords};
+Argument const clockOrNone{clockOrNoneWords};
+Argument const way{wayWords};
+Argument const mode{modeWords};
+Argument const iterator{{}, 0, iteratorCount - 1};
+Argument const observer{{}, 0, observerCount - 1};
+Argument const timer{{}, 0, timerCount - 1};
+Argument const seconds{{}, -5, 5};
+Argument const retrySeconds{{}, 0, 3};
+
+std::int32_t numberOf(std::string const& word, char const* what) {
+  std::int32_t number = 0;
+  auto const [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+  if (error != std::errc() || end != word.data() + word.size()) {
+    throw std::runtime_error(text("expected ", what, ", found '", word, "'"));
+  }
+  return number;
+}
+
+std::int32_t readArgument(Argument const& argument, std::string const& word, char const* name) {
+  auto const found = std::find(argument.words.begin(), argument.words.end(), word);
+  if (found != argument.words.end()) {
+    return static_cast<std::int32_t>(found - argument.words.begin());
+  }
+  if (!argument.words.empty()) throw std::runtime_error(text(name, ": what is '", word, "'?"));
+  std::int32_t const number = numberOf(word, "a number");
+  if (number < argument.low || number > argument.high) {
+    throw std::runtime_error(text(name, ": ", number, " is out of range"));
+  }
+  return number;
+}
+
+}  // namespace
+
+Argument const entityArgument{entityWords};
+Argument const pointArgument{pointWords};
+Argument const collectionArgument{collectionWords};
+Argument const keyArgument{{}, 0, keyCount - 1};
+Argument const valueArgument{{}, 0, 7};
+Argument const resultArgument{{}, -1, 99};
+Argument const timesArgument{{}, 1, 40};
+Argument const onArgument{onWords};
+Argument const microsecondsArgument{{}, 0, 9999999};
+
+std::vector<OpInfo> const& allOps() {
+  static Argument const* const entity = &entityArgument;
+  static Argument const* const collection = &collectionArgument;
+  static Argument const* const key = &keyArgument;
+  static Argument const* const value = &valueArgument;
+  static Argument const* const on = &onArgument;
+  static std::vector<OpInfo> const all{
+      // Writers.
+      {Op::set, "set", 330, {entity, collection, key, value, &way}},
+      {Op::del, "del", 80, {entity, collection, key, &way}},
+      {Op::delAt, "del-at", 20, {entity, collection, key}},
+      {Op::delAll, "del-all", 8, {entity, collection}},
+      {Op::notify, "notify", 40, {entity, collection, key, &way}},
+      {Op::insert, "insert", 12, {entity, collection, key, value}},
+      {Op::lookup, "lookup", 20, {entity, collection, key, &way}},
+      {Op::sliceId, "slice-id", 10, {&config, value}},
+      {Op::zeroReferences, "zero-references", 4, {entity}},
+      // Walks that are left in the middle.
+      {Op::iterate, "iterate", 24, {&iterator, entity, collection}},
+      {Op::iterateAt, "iterate-at", 20, {&iterator, entity, collection, key}},
+      {Op::step, "step", 44, {&iterator}},
+      {Op::delStep, "del-step", 12, {&iterator}},
+      // Observers that come and go.
+      {Op::renew, "renew", 24, {&observer, &pointArgument}},
+      {Op::drop, "drop", 5, {&observer}},
+      {Op::join, "join", 14, {&observer}},
+      {Op::leave, "leave", 8, {&observer}},
+      {Op::point, "point", 10, {&observer, &pointArgument}},
+      // The driver.
+      {Op::fault, "fault", 100, {&call, key, &timesArgument, &resultArgument, &effect}},
+      {Op::mend, "mend", 20, {}},
+      {Op::flip, "flip", 6, {key}},
+      {Op::lose, "lose", 4, {key}},
+      {Op::forget, "forget", 3, {key}},
+      // Time and surroundings.
+      {Op::pass, "pass", 80, {&microsecondsArgument}},
+      {Op::wall, "wall", 8, {&seconds}},
+      {Op::retry, "retry", 10, {&retrySeconds}},
+      {Op::environment, "simulation-vmid", 6, {on}},
+      {Op::signal, "ignore-signal-7", 4, {on}},
+      {Op::timer, "timer", 40, {&timer, &clock, &microsecondsArgument}},
+      {Op::timerDrop, "timer-drop", 4, {&timer}},
+      {Op::managerClock, "manager-clock", 4, {&clock}},
+      // The machine.
+      {Op::machine, "machine", 14, {&config, &status, on, &way}},
+      {Op::machineDrop, "machine-drop", 3, {}},
+      {Op::config, "config", 30, {&config, &way}},
+      {Op::configDel, "config-del", 2, {&way}},
+      {Op::clock, "clock", 12, {&clockOrNone, &way}},
+      {Op::clockDel, "clock-del", 3, {&way}},
+      {Op::mode, "mode", 14, {&mode, &way}},
+      {Op::active, "active", 10, {on, &way}},
+      {Op::zombie, "zombie", 10, {on, &way}},
+      {Op::initialized, "handle-initialized", 4, {&way}},
+      {Op::handle, "handle", 40, {&handler, key, &way}},
+      {Op::verify, "verify", 5, {&way}},
+      {Op::poll, "poll", 10, {&way}},
+      {Op::handleMode, "handle-mode", 5, {&way}},
+  };
+  return all;
+}
+
+std::string textOf(Event const& event) {
+  OpInfo const& info = infoOf(event.op);
+  std::string line;
+  if (event.planner >= 0) {
+    line = text("at ", event.planner, " ", event.after, event.throws ? " throw: " : ": ");
+  }
+  line += info.name;
+  for (std::size_t i = 0; i < info.arguments.size(); ++i) {
+    auto const& words = info.arguments[i]->words;
+    if (words.empty()) {
+      line += text(" ", event[i]);
+    } else {
+      line += text(" ", words[event.index(i)]);
+    }
+  }
+  return line;
+}
+
+Event eventOf(std::string_view line) {
+  std::istringstream words{std::string(line)};
+  std::string word;
+  words >> word;
+  Event event;
+  if (word == "at") {
+    std::string planner;
+    std::string after;
+    words >> planner >> after >> word;
+    event.throws = after.back() != ':';
+    if (!event.throws) after.pop_back();
+    if (event.throws && word != "throw:") throw std::runtime_error("expected 'throw:'");
+    event.planner = static_cast<std::int8_t>(numberOf(planner, "a place"));
+    event.after = static_cast<std::uint8_t>(numberOf(after, "a number of times"));
+    if (event.planner < 0 || static_cast<unsigned>(event.planner) >= plannerCount) {
+      throw std::runtime_error(text("no place has the number ", planner));
+    }
+    if (event.throws) words >> word;
+  }
+  auto const& all = allOps();
+  auto const info =
+      std::find_if(all.begin(), all.end(), [&](OpInfo const& one) { return one.name == word; });
+  if (info == all.end()) throw std::runtime_error(text("there is no event '", word, "'"));
+  event.op = info->op;
+  for (std::size_t i = 0; i < info->arguments.size(); ++i) {
+    std::string argument;
+    words >> argument;
+    event.arguments[i] = readArgument(*info->arguments[i], argument, info->name);
+  }
+  if (words >> word) throw std::runtime_error(text(info->name, ": '", word, "' is too much"));
+  return event;
+}
+
+std::vector<Event> eventsOf(std::istream& script) {
+  std::vector<Event> events;
+  std::string line;
+  for (unsigned at = 1; std::getline(script, line); ++at) {
+    if (line.empty() || line.front() == '#') continue;
+    try {
+      events.push_back(eventOf(line));
+    } catch (std::runtime_error const& error) {
+      throw std::runtime_error(text("line ", at, ": ", error.what()));
+    }
+  }
+  number(events);
+  return events;
+}
+
+void number(std::vector<Event>& events) {
+  std::uint32_t id = 0;
+  for (Event& event : events) event.id = id++;
+}
+
+}  // namespace Simulation

@@ -1,0 +1,128 @@
+#include "test/simulation/Lockstep.h"
+
+#include <algorithm>
+#include <csignal>
+
+#include "test/simulation/Allocations.h"
+#include "test/simulation/End.h"
+#include "test/simulation/PlainWorld.h"
+#include "test/simulation/RealWorld.h"
+
+namespace Simulation {
+
+namespace {
+
+/// FNV-1a.
+class Digest {
+ public:
+  void add(std::string_view bytes) {
+    for (char const byte : bytes) add(static_cast<unsigned char>(byte));
+    add('\n');
+  }
+  std::uint64_t value() const { return value_; }
+
+ private:
+  void add(unsigned char byte) { value_ = (value_ ^ byte) * 0x100000001b3U; }
+  std::uint64_t value_ = 0xcbf29ce484222325U;
+};
+
+std::string joined(Support::Lines const& lines) {
+  std::string all;
+  for (std::string const& line : lines) all.append(line).append("\n");
+  return all;
+}
+
+/// The lines that both have at the start, then what each goes on with.
+std::string difference(Support::Lines const& expected, Support::Lines const& found) {
+  auto const [at, foundAt] =
+      std::mismatch(expected.begin(), expected.end(), found.begin(), found.end());
+  std::string all;
+  for (auto line = expected.begin(); line != at; ++line) all += "    " + *line + "\n";
+  for (auto line = at; line != expected.end(); ++line) all += "  - " + *line + "\n";
+  for (auto line = foundAt; line != found.end(); ++line) all += "  + " + *line + "\n";
+  return all;
+}
+
+class Lockstep {
+ public:
+  explicit Lockstep(Probes& probes) : plain_(probes) {}
+
+  void take(Event const& event) {
+    before_ = plain_.state;
+    plain_.lines.clear();
+    plain_.carriedOut.clear();
+    try {
+      plain_.take(event);
+    } catch (ProcessEnds const& end) {
+      ++ends_;
+      expectEnd(event, end.signal);
+      plain_.state = before_;
+      plain_.state.driver.mend();
+      real_.mend();
+      return;
+    }
+    real_.take(event, plain_.carriedOut);
+    Support::Lines const lines = real_.takenLines();
+    for (std::string const& line : lines) digest_.add(line);
+    if (lines != plain_.lines) failure_ = difference(plain_.lines, lines);
+    failure_ += real_.differenceFrom(plain_.state);
+    failure_ += plain_.disagreement();
+  }
+
+  std::string const& failure() const { return failure_; }
+  std::uint64_t digest() const { return digest_.value(); }
+  std::size_t ends() const { return ends_; }
+
+ private:
+  void expectEnd(Event const& event, int signal) {
+    End const end = endOf([&](char* text, std::size_t size) {
+      real_.divertTo(text, size);
+      real_.take(event, plain_.carriedOut);
+    });
+    std::string const expected = joined(plain_.lines);
+    digest_.add(end.text);
+    if (end.signal != signal) {
+      failure_ = text("should have ended by signal ", signal, ", not ", end.signal, "\n");
+    }
+    if (end.text != expected) {
+      failure_ += "should have left\n" + expected + "but left\n" + std::string(end.text);
+    }
+  }
+
+  PlainWorld plain_;
+  PlainState before_;
+  RealWorld real_;
+  Digest digest_;
+  std::size_t ends_ = 0;
+  std::string failure_;
+};
+
+void runInto(Outcome& outcome, std::vector<Event> const& events, Probes& probes, Watch watch) {
+  Lockstep lockstep(probes);
+  for (Event const& event : events) {
+    if (watch != nullptr) watch(event.id);
+    lockstep.take(event);
+    ++outcome.events;
+    if (!lockstep.failure().empty()) {
+      outcome.failure = text("event ", event.id, ": ", textOf(event), "\n", lockstep.failure());
+      break;
+    }
+  }
+  outcome.digest = lockstep.digest();
+  outcome.ends = lockstep.ends();
+}
+
+}  // namespace
+
+Outcome run(std::vector<Event> const& events, Probes& probes, Watch watch) {
+  Outcome outcome;
+  std::size_t const before = liveAllocations();
+  runInto(outcome, events, probes, watch);
+  outcome.failure.shrink_to_fit();
+  std::string const left = RealWorld::leftOver();
+  outcome.leaks = liveAllocations() - before - (outcome.failure.capacity() > 31 ? 1 : 0);
+  outcome.failure += left;
+  return outcome;
+}
+
+}  // namespace Simulation

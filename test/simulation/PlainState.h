@@ -1,0 +1,113 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "test/simulation/Driver.h"
+#include "test/simulation/Plans.h"
+
+/// The whole world once more, in the plainest way: values that can be copied, so that an event can
+/// be tried first.
+namespace Simulation {
+
+inline constexpr int nobody = -1;
+
+struct PlainCell {
+  std::int32_t number = 0;
+  std::uint32_t entry = 0;  // which entry it is, ever; 0 for none
+};
+
+struct PlainEntity {
+  std::array<std::array<PlainCell, keyCount>, collectionCount> cells;
+  unsigned sliceId = 0;
+  std::uint64_t changes = 0;
+  std::vector<std::uint8_t> listed;  // observers
+};
+
+/// An observer: one in a place, or a machine's reactor.
+struct PlainObserver {
+  unsigned references = 0;  // 0 for none
+  int place = nobody;       // of a reactor too
+  int notifier = nobody;    // an entity
+  bool registered = false;
+  bool active = false;
+  bool zombie = false;
+  bool wasRegistered = false;
+};
+
+struct PlainTimer {
+  bool held = false;
+  std::uint32_t generation = 0;
+  int notifier = nobody;  // a clock
+  bool registered = false;
+  bool active = true;
+  bool zombie = false;
+  bool wasRegistered = false;
+  double timeMin = 0;
+};
+
+struct PlainMachine {
+  bool exists = false;
+  unsigned status = 0;   // an entity
+  int reactor = nobody;  // an observer
+  int mode = 0;
+  bool active = true;
+  bool zombie = false;
+  bool modeArmed = false;  // for a probe only
+};
+
+struct PlainIterator {
+  int entity = nobody;
+  unsigned collection = 0;
+  unsigned key = 0;
+  std::uint32_t entry = 0;  // 0 at the end
+};
+
+/// The innermost delivery under way.
+struct PlainAnnouncement {
+  unsigned entity = entityCount;
+  unsigned what = 0;
+  unsigned key = 0;
+};
+
+struct PlainState {
+  std::array<PlainEntity, entityCount> entities;
+  std::array<PlainObserver, 64> observers;
+  std::array<int, observerCount> places;
+  std::array<PlainTimer, 1 + timerCount> timers;  // the machine's first
+  std::array<std::vector<std::uint8_t>, clockCount> listedTimers;
+  PlainMachine machine;
+  std::array<PlainIterator, iteratorCount> iterators;
+  Driver driver;
+  Plans plans;
+
+  std::int64_t microseconds = 0;
+  std::int64_t wall = 1700000000;
+  std::int32_t retrySeconds = 60;
+  bool simulated = false;
+  bool signalIgnored = false;
+  unsigned managerClock = 0;
+  std::uint32_t entriesMade = 0;
+
+  unsigned handlers = 0;    // of the machine, under way
+  unsigned deliveries = 0;  // under way
+  unsigned delAlls = 0;     // under way
+  PlainAnnouncement announcement;
+  /// Something has happened after which the status need not tell how the driver was left.
+  bool strange = false;
+};
+
+/// Counts what is under way, however it ends.
+class UnderWay {
+ public:
+  explicit UnderWay(unsigned& count) : count_(count) { ++count_; }
+  ~UnderWay() { --count_; }
+  UnderWay(UnderWay const&) = delete;
+  UnderWay& operator=(UnderWay const&) = delete;
+
+ private:
+  unsigned& count_;
+};
+
+}  // namespace Simulation

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <algorithm>
+#include <string>
+
+#include "model/KestSliceDmaConfig.h"
+#include "model/KestSliceDmaStatus.h"
+#include "test/simulation/Text.h"
+#include "test/simulation/Values.h"
+
+/// Real values for the numbers of `Values.h`, and back.
+namespace Simulation {
+
+using Hardware::Kest::Slice::ConfigDevice;
+using Hardware::Kest::Slice::ConfigSwitchPort;
+using Hardware::Kest::Slice::DeviceState;
+using Hardware::Kest::Slice::KestSliceDmaConfig;
+using Hardware::Kest::Slice::KestSliceDmaStatus;
+using Hardware::Kest::Slice::StatusDevice;
+using Hardware::Kest::Slice::StatusSwitchPort;
+
+/// The handle of that number; made anew for each run.
+using Handles = std::array<Mox::Ptr<Fru::PciHam const>, 2>;
+
+void makeValue(ConfigSwitchPort& port, Mox::String8 const& key, std::int32_t number,
+               Handles const& handles);
+void makeValue(ConfigDevice& device, Mox::String8 const& key, std::int32_t number,
+               Handles const& handles);
+inline void makeValue(StatusSwitchPort& port, Mox::String8 const& key, std::int32_t number,
+                      Handles const&) {
+  port.ifNameIs(key);
+  port.createdIs(number != 0);
+}
+inline void makeValue(StatusDevice& device, Mox::String8 const& key, std::int32_t number,
+                      Handles const&) {
+  device.devNameIs(key);
+  device.registeredIs(number != 0);
+}
+/// Values that are kept beside their keys.
+template <class Value>
+void makeValue(Value& value, Mox::String8 const&, std::int32_t number, Handles const&) {
+  value = static_cast<Value>(number);
+}
+
+inline std::int32_t numberOf(ConfigSwitchPort const& port) {
+  for (std::int32_t row = 0; row < 8; ++row) {
+    if (portRow(row).destId == port.destId()) return row;
+  }
+  return -1;
+}
+inline std::int32_t numberOf(ConfigDevice const& device) {
+  for (std::int32_t row = 0; row < 8; ++row) {
+    if (deviceRow(row).firstPort == device.cpuTmSysPort()) return row;
+  }
+  return -1;
+}
+inline std::int32_t numberOf(StatusSwitchPort const& port) {
+  return port.created() ? 1 : 0;
+}
+inline std::int32_t numberOf(StatusDevice const& device) {
+  return device.registered() ? 1 : 0;
+}
+template <class Value>
+std::int32_t numberOf(Value const& value) {
+  return static_cast<std::int32_t>(value);
+}
+
+/// A value as an operation returned it; a record with its key.
+inline std::string valueText(auto const& value) {
+  if constexpr (requires { value.ifName(); }) {
+    return text("'", value.ifName().view(), "' ", numberOf(value));
+  } else if constexpr (requires { value.devName(); }) {
+    return text("'", value.devName().view(), "' ", numberOf(value));
+  } else {
+    return text(numberOf(value));
+  }
+}
+
+}  // namespace Simulation

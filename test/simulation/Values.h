@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/mox/String8.h"
+#include "test/simulation/Event.h"
+
+/// Keys and values of the collections, by number. Both the real world and the plain one take them
+/// from here: the one makes records of them, the other compares numbers.
+namespace Simulation {
+
+inline constexpr unsigned switchPorts = 0;
+inline constexpr unsigned nativeVlans = 1;
+inline constexpr unsigned switchportModes = 2;
+inline constexpr unsigned devices = 3;
+inline constexpr unsigned deviceStates = 4;
+inline constexpr unsigned toldSliceId = 5;  // beside the collections
+inline constexpr unsigned toldZeroReferences = 6;
+
+inline constexpr char const* collectionNames[] = {"switchPort",     "nativeVlan",  "switchportMode",
+                                                  "device",         "deviceState", "sliceId",
+                                                  "zero references"};
+inline constexpr char const* entityNames[] = {"config0", "config1", "status0", "status1"};
+
+inline constexpr bool isConfig(unsigned entity) {
+  return entity < configCount;
+}
+inline constexpr bool isOfPorts(unsigned collection) {
+  return collection < devices;
+}
+
+/// The key's name in that collection. The last three are seldom: among ports the first two of them
+/// are names that no port may have.
+Mox::String8 const& keyName(unsigned collection, unsigned key);
+/// The number of a name; `keyCount` for one that is none.
+unsigned keyOf(unsigned collection, Mox::String8 const& name);
+/// The keys in the order in which the collection is walked.
+std::array<std::uint8_t, keyCount> const& walkOf(unsigned collection);
+
+/// What stands for the event's value in that collection: of records the row below, 0 or 1 in a
+/// status, otherwise the value itself.
+std::int32_t numberOf(unsigned entity, unsigned collection, unsigned value);
+
+struct PortRow {
+  std::uint32_t destId;  // tells the rows apart
+  std::uint32_t shadowIntfId;
+  std::uint32_t trafficClass;
+  char const* devName;
+  std::uint32_t fapNum;
+  bool ctrl;
+  bool hwLag;
+  char const* macAddr;
+};
+PortRow const& portRow(std::int32_t number);
+
+struct DeviceRow {
+  int handle;  // 0 or 1, or -1 for none
+  std::int32_t fapType;
+  std::uint32_t numFaps;
+  std::uint32_t firstPort;  // of seven that follow each other
+};
+DeviceRow const& deviceRow(std::int32_t number);
+
+inline constexpr char const* noMac = "00:00:00:00:00:00";
+inline constexpr char const* handleNames[] = {"0000:05:00.0", "0000:06:00.0"};
+inline constexpr char const* sliceIds[] = {"", "Linecard3/0", "Linecard4/0"};
+
+}  // namespace Simulation
