@@ -9,10 +9,15 @@ namespace {
 
 std::size_t live = 0;
 
-void* counted(std::size_t bytes) {
+void* countedOrNull(std::size_t bytes) noexcept {
   void* const memory = std::malloc(bytes == 0 ? 1 : bytes);
+  if (memory != nullptr) ++live;
+  return memory;
+}
+
+void* counted(std::size_t bytes) {
+  void* const memory = countedOrNull(bytes);
   if (memory == nullptr) throw std::bad_alloc();
-  ++live;
   return memory;
 }
 
@@ -38,6 +43,10 @@ __attribute__((visibility("default"))) void* operator new(std::size_t bytes) {
 __attribute__((visibility("default"))) void* operator new[](std::size_t bytes) {
   return Simulation::counted(bytes);
 }
+__attribute__((visibility("default"))) void* operator new(std::size_t bytes,
+                                                          std::nothrow_t const&) noexcept {
+  return Simulation::countedOrNull(bytes);
+}
 __attribute__((visibility("default"))) void operator delete(void* memory) noexcept {
   Simulation::freed(memory);
 }
@@ -48,5 +57,9 @@ __attribute__((visibility("default"))) void operator delete(void* memory, std::s
   Simulation::freed(memory);
 }
 __attribute__((visibility("default"))) void operator delete[](void* memory, std::size_t) noexcept {
+  Simulation::freed(memory);
+}
+__attribute__((visibility("default"))) void operator delete(void* memory,
+                                                            std::nothrow_t const&) noexcept {
   Simulation::freed(memory);
 }

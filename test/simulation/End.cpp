@@ -10,11 +10,11 @@ namespace Simulation {
 
 namespace {
 
-constexpr std::size_t size = 1U << 20;
+constexpr std::size_t sharedSize = 1U << 20;
 
 char* sharedText() {
   static char* const memory = static_cast<char*>(
-      mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+      mmap(nullptr, sharedSize, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
   return memory;
 }
 
@@ -26,7 +26,7 @@ End endOf(std::function<void(char*, std::size_t)> const& work) {
   pid_t const child = fork();
   if (child < 0) std::abort();
   if (child == 0) {
-    work(text, size);
+    work(text, sharedSize);
     _exit(0);
   }
   int status = 0;

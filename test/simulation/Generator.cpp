@@ -4,12 +4,11 @@
 #include <random>
 #include <utility>
 
+#include "test/simulation/Values.h"
+
 namespace Simulation {
 
 namespace {
-
-constexpr std::int32_t device = 3;  // collections
-constexpr std::int32_t deviceState = 4;
 
 constexpr Event poll{.op = Op::poll};
 
@@ -43,12 +42,12 @@ class Generator {
     std::int32_t const key = event[event.op == Op::fault ? 1 : 0];
     switch (event.op) {
       case Op::set: {
-        bool const isDevice = event[1] == device;
+        bool const isDevice = event.index(1) == devices;
         if (!isDevice) return std::nullopt;
         Event state = event;
         state.planner = -1;
         state.throws = false;
-        state.arguments[1] = deviceState;
+        state.arguments[1] = static_cast<std::int32_t>(deviceStates);
         state.arguments[3] = anyDeviceState(state);
         return state;
       }
@@ -127,7 +126,7 @@ class Generator {
     return onceIn(inStatus ? 2 : 20) ? anyOf({0, 3}) : anyOf({1, 2});
   }
   static bool isDeviceState(Event const& event) {
-    return event.op != Op::sliceId && event[1] == deviceState;
+    return event.op != Op::sliceId && event[1] == static_cast<std::int32_t>(deviceStates);
   }
   /// Whether the event is usually `on`.
   static std::int32_t usual(Event const& event) {

@@ -68,12 +68,18 @@ void PlainWorld::assertionFails(char const* place, char const* expression) {
 }
 
 void PlainWorld::handle(unsigned handler, unsigned key) {
-  static constexpr void (PlainWorld::*handlers[])(unsigned) = {
-      &PlainWorld::handleSwitchPort, &PlainWorld::handleNativeVlan, &PlainWorld::handleDevice,
-      &PlainWorld::handleDeviceState};
   UnderWay const underWay(state.handlers);
   reachIf(state.handlers > 1, Probe::handlerInsideHandler);
-  (this->*handlers[handler])(key);
+  switch (handler) {
+    case 0:
+      return handleSwitchPort(key);
+    case 1:
+      return handleNativeVlan(key);
+    case 2:
+      return handleDevice(key);
+    default:
+      return handleDeviceState(key);
+  }
 }
 
 void PlainWorld::handleSwitchPort(unsigned key) {

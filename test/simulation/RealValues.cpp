@@ -13,7 +13,7 @@ void makeValue(ConfigSwitchPort& port, Mox::String8 const& key, std::int32_t num
   port.fapNumIs(row.fapNum);
   port.ctrlIs(row.ctrl);
   port.hwLagIs(row.hwLag);
-  if (row.macAddr != noMac) port.macAddrIs(Pelk::EthAddr(row.macAddr));
+  if (row.macAddr != noMac) port.macAddrIs(Pelk::EthAddr(Mox::String8(row.macAddr)));
 }
 
 void makeValue(ConfigDevice& device, Mox::String8 const& key, std::int32_t number,

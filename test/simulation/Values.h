@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "platform/mox/String8.h"
 #include "test/simulation/Event.h"
@@ -49,7 +50,7 @@ struct PortRow {
   std::uint32_t fapNum;
   bool ctrl;
   bool hwLag;
-  char const* macAddr;
+  std::string_view macAddr;
 };
 PortRow const& portRow(std::int32_t number);
 
@@ -61,7 +62,7 @@ struct DeviceRow {
 };
 DeviceRow const& deviceRow(std::int32_t number);
 
-inline constexpr char const* noMac = "00:00:00:00:00:00";
+inline constexpr std::string_view noMac = "00:00:00:00:00:00";
 inline constexpr char const* handleNames[] = {"0000:05:00.0", "0000:06:00.0"};
 inline constexpr char const* sliceIds[] = {"", "Linecard3/0", "Linecard4/0"};
 

@@ -74,7 +74,7 @@ Options optionsOf(int argc, char** argv) {
       options.from = options.to = numberIn(value);
       options.single = true;
     } else if (name == "--events") {
-      options.events = numberIn(value);
+      options.events = static_cast<std::size_t>(numberIn(value));
     } else if (name == "--script") {
       options.script = value;
       options.single = true;
