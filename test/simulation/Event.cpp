@@ -27,6 +27,8 @@ constexpr char const* clockWords[] = {"clock0", "clock1", "clock2"};
 constexpr char const* clockOrNoneWords[] = {"clock0", "clock1", "clock2", "none"};
 constexpr char const* wayWords[] = {"direct", "by-name"};
 constexpr char const* onWords[] = {"off", "on"};
+constexpr char const* levelWords[] = {"none", "0", "1", "2", "8", "all"};
+constexpr char const* reactorWords[] = {"config", "timer"};
 constexpr char const* modeWords[] = {"initial", "standby", "polling"};
 
 Argument const config{configWords};
@@ -37,6 +39,8 @@ Argument const effect{effectWords};
 Argument const clock{clockWords};
 Argument const clockOrNone{clockOrNoneWords};
 Argument const way{wayWords};
+Argument const levels{levelWords};
+Argument const reactor{reactorWords};
 Argument const mode{modeWords};
 Argument const iterator{{}, 0, iteratorCount - 1};
 Argument const observer{{}, 0, observerCount - 1};
@@ -109,35 +113,45 @@ std::vector<OpInfo> const& allOps() {
       // The driver.
       {Op::fault, "fault", 100, {&call, key, &timesArgument, &resultArgument, &effect}},
       {Op::mend, "mend", 20, {}},
-      {Op::flip, "flip", 6, {key}},
+      {Op::flip, "flip", 16, {key}},
       {Op::lose, "lose", 4, {key}},
       {Op::forget, "forget", 3, {key}},
       // Time and surroundings.
-      {Op::pass, "pass", 80, {&microsecondsArgument}},
+      {Op::pass, "pass", 110, {&microsecondsArgument}},
       {Op::wall, "wall", 8, {&seconds}},
       {Op::retry, "retry", 10, {&retrySeconds}},
-      {Op::environment, "simulation-vmid", 6, {on}},
-      {Op::signal, "ignore-signal-7", 4, {on}},
+      {Op::environment, "simulation-vmid", 8, {on}},
+      {Op::signal, "ignore-signal-7", 8, {on}},
       {Op::timer, "timer", 40, {&timer, &clock, &microsecondsArgument}},
       {Op::timerDrop, "timer-drop", 4, {&timer}},
+      {Op::trace, "trace", 6, {&levels}},
+      {Op::threadSafe, "thread-safe-references", 3, {on}},
       {Op::managerClock, "manager-clock", 4, {&clock}},
       // The machine.
-      {Op::machine, "machine", 14, {&config, &status, on, &way}},
+      {Op::machine, "machine", 8, {&config, &status, on, &way}},
       {Op::machineDrop, "machine-drop", 3, {}},
-      {Op::config, "config", 30, {&config, &way}},
+      {Op::config, "config", 36, {&config, &way}},
       {Op::configDel, "config-del", 2, {&way}},
       {Op::clock, "clock", 12, {&clockOrNone, &way}},
       {Op::clockDel, "clock-del", 3, {&way}},
       {Op::mode, "mode", 14, {&mode, &way}},
       {Op::active, "active", 10, {on, &way}},
-      {Op::zombie, "zombie", 10, {on, &way}},
+      {Op::zombie, "zombie", 14, {on, &way}},
+      {Op::reactor, "reactor-registered", 8, {on, &reactor}},
       {Op::initialized, "handle-initialized", 4, {&way}},
       {Op::handle, "handle", 40, {&handler, key, &way}},
-      {Op::verify, "verify", 5, {&way}},
-      {Op::poll, "poll", 10, {&way}},
+      {Op::verify, "verify", 10, {&way}},
+      {Op::poll, "poll", 14, {&way}},
       {Op::handleMode, "handle-mode", 5, {&way}},
   };
   return all;
+}
+
+Op opOf(std::string_view name) {
+  for (OpInfo const& info : allOps()) {
+    if (info.name == name) return info.op;
+  }
+  throw std::runtime_error(text("there is no event '", name, "'"));
 }
 
 std::string textOf(Event const& event) {
@@ -177,17 +191,14 @@ Event eventOf(std::string_view line) {
     }
     if (event.throws) words >> word;
   }
-  auto const& all = allOps();
-  auto const info =
-      std::find_if(all.begin(), all.end(), [&](OpInfo const& one) { return one.name == word; });
-  if (info == all.end()) throw std::runtime_error(text("there is no event '", word, "'"));
-  event.op = info->op;
-  for (std::size_t i = 0; i < info->arguments.size(); ++i) {
+  event.op = opOf(word);
+  OpInfo const& info = infoOf(event.op);
+  for (std::size_t i = 0; i < info.arguments.size(); ++i) {
     std::string argument;
     words >> argument;
-    event.arguments[i] = readArgument(*info->arguments[i], argument, info->name);
+    event.arguments[i] = readArgument(*info.arguments[i], argument, info.name);
   }
-  if (words >> word) throw std::runtime_error(text(info->name, ": '", word, "' is too much"));
+  if (words >> word) throw std::runtime_error(text(info.name, ": '", word, "' is too much"));
   return event;
 }
 

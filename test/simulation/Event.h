@@ -57,6 +57,8 @@ enum class Op : std::uint8_t {
   signal,
   timer,
   timerDrop,
+  trace,
+  threadSafe,
   managerClock,
   machine,
   machineDrop,
@@ -67,6 +69,7 @@ enum class Op : std::uint8_t {
   mode,
   active,
   zombie,
+  reactor,
   initialized,
   handle,
   verify,
@@ -99,6 +102,9 @@ inline OpInfo const& infoOf(Op op) {
   return allOps()[static_cast<std::size_t>(op)];
 }
 
+/// The kind of that name; `std::runtime_error` when there is none.
+Op opOf(std::string_view name);
+
 // The kinds of arguments that the generator treats by themselves.
 extern Argument const entityArgument;
 extern Argument const collectionArgument;
@@ -125,6 +131,11 @@ struct Event {
   unsigned index(std::size_t i) const { return static_cast<unsigned>(arguments[i]); }
   bool flag(std::size_t i) const { return arguments[i] != 0; }
 };
+
+/// Whether an event of the machine says, last, whether it goes by name.
+inline bool hasWay(Op op) {
+  return op != Op::machineDrop && op != Op::reactor;
+}
 
 /// One line, as in `set config0 device 3 5 direct` or `at 4 0 throw: poll direct`.
 std::string textOf(Event const& event);

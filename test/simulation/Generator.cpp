@@ -1,16 +1,15 @@
 #include "test/simulation/Generator.h"
 
-#include <optional>
+#include <deque>
 #include <random>
-#include <utility>
 
+#include "test/simulation/Stories.h"
+#include "test/simulation/Text.h"
 #include "test/simulation/Values.h"
 
 namespace Simulation {
 
 namespace {
-
-constexpr Event poll{.op = Op::poll};
 
 class Generator {
  public:
@@ -18,52 +17,84 @@ class Generator {
     for (OpInfo const& info : allOps()) weights_.push_back(info.weight * taste());
   }
 
-  /// Events come one after the other; a fifth of them are plans.
+  /// Events come one after the other, some of them in stories; a quarter of them are plans.
   Event event() {
-    if (next_) return *std::exchange(next_, std::nullopt);
-    Event event;
-    if (onceIn(5)) {
-      event.planner = static_cast<std::int8_t>(any(plannerCount));
-      event.after = static_cast<std::uint8_t>(any(3));
-      event.throws = onceIn(4);
+    if (!next_.empty()) {
+      Event const next = next_.front();
+      next_.pop_front();
+      return next;
     }
-    event.op = anyOp(event.planner);
-    auto const& arguments = infoOf(event.op).arguments;
+    if (onceIn(30)) {
+      tell(stories()[any(stories().size())]);
+      return event();
+    }
+    Event made;
+    if (onceIn(4)) {
+      made.planner = static_cast<std::int8_t>(any(plannerCount));
+      made.after = static_cast<std::uint8_t>(any(3));
+      made.throws = onceIn(4);
+    }
+    made.op = anyOp(made.planner);
+    auto const& arguments = infoOf(made.op).arguments;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-      event.arguments[i] = argument(*arguments[i], event, i);
+      made.arguments[i] = argument(*arguments[i], made, i);
     }
-    if (!onceIn(3)) next_ = sequel(event);
-    return event;
+    if (!onceIn(3)) addSequel(made);
+    return made;
   }
 
  private:
-  /// What shows the event's effect.
-  std::optional<Event> sequel(Event const& event) {
-    std::int32_t const key = event[event.op == Op::fault ? 1 : 0];
-    switch (event.op) {
-      case Op::set: {
-        bool const isDevice = event.index(1) == devices;
-        if (!isDevice) return std::nullopt;
-        Event state = event;
-        state.planner = -1;
-        state.throws = false;
-        state.arguments[1] = static_cast<std::int32_t>(deviceStates);
-        state.arguments[3] = anyDeviceState(state);
-        return state;
+  void tell(Story const& story) {
+    std::string const key = text(any(5));
+    std::string const configObserver = text(any(configObserverCount));
+    std::string const statusObserver =
+        text(configObserverCount + any(observerCount - configObserverCount));
+    for (std::string_view const line : story.lines) {
+      std::string filled;
+      for (std::size_t at = 0; at < line.size(); ++at) {
+        if (line[at] != '$') {
+          filled += line[at];
+          continue;
+        }
+        char const what = line[++at];
+        if (what == 'K') filled += key;
+        if (what == 'P') filled += configObserver;
+        if (what == 'Q') filled += statusObserver;
+        if (what == 'V') filled += text(any(4));
       }
+      if (!line.empty()) next_.push_back(eventOf(filled));
+    }
+  }
+
+  /// What shows the event's effect.
+  void addSequel(Event const& event) {
+    std::int32_t const key = event[event.op == Op::fault ? 1 : 0];
+    auto const add = [&](Op op, std::array<std::int32_t, 5> arguments) {
+      next_.push_back({.op = op, .arguments = arguments});
+    };
+    switch (event.op) {
+      case Op::set:
+        if (event.index(1) == devices) {
+          add(Op::set,
+              {event[0], static_cast<std::int32_t>(deviceStates), event[2], anyDeviceState(event)});
+        }
+        return;
       case Op::fault: {
-        // In the order of the driver's operations; the last is the poll's.
+        // In the order of the driver's operations.
         static constexpr std::int32_t concerned[] = {0, 0, 1, 3, 3, 3, 4};
-        if (event[0] == 7) return poll;
-        return Event{.op = Op::notify, .arguments = {0, concerned[event.index(0)], key, 0}};
+        if (event[0] == 7) return add(Op::poll, {});
+        if (event[0] == 0) return add(Op::set, {0, 0, key, static_cast<std::int32_t>(any(8))});
+        return add(Op::notify, {0, concerned[event.index(0)], key});
       }
       case Op::flip:
       case Op::forget:
-        return poll;
+        return add(Op::poll, {});
       case Op::lose:
-        return Event{.op = Op::notify, .arguments = {0, 1, key, 0}};
+        return add(Op::notify, {0, 1, key});
+      case Op::machineDrop:
+        return add(Op::machine, {anyConfig(), 0, 1});
       default:
-        return std::nullopt;
+        return;
     }
   }
 
@@ -81,13 +112,15 @@ class Generator {
 
   /// What an observer or a timer does is often what disturbs those that come behind it.
   Op anyOp(int planner) {
-    static constexpr Op disturbing[] = {Op::set,    Op::del,       Op::delAll, Op::renew,
-                                        Op::drop,   Op::join,      Op::leave,  Op::point,
-                                        Op::config, Op::configDel, Op::machine};
+    static constexpr Op disturbing[] = {
+        Op::set,   Op::del,    Op::delAll,    Op::renew,       Op::drop,   Op::join,  Op::leave,
+        Op::point, Op::config, Op::configDel, Op::machineDrop, Op::zombie, Op::active};
     static constexpr Op disturbingTimers[] = {Op::timer, Op::timerDrop, Op::clock, Op::clockDel,
                                               Op::machineDrop};
-    if (planner >= static_cast<int>(observerCount) && onceIn(2)) return disturbingTimers[any(5)];
-    if (planner >= 0 && onceIn(2)) return disturbing[any(11)];
+    if (planner >= static_cast<int>(observerCount) && onceIn(2))
+      return disturbingTimers[any(std::size(disturbingTimers))];
+    if (planner >= static_cast<int>(configObserverCount) && onceIn(3)) return Op::set;
+    if (planner >= 0 && onceIn(2)) return disturbing[any(std::size(disturbing))];
     unsigned all = 0;
     for (unsigned const weight : weights_) all += weight;
     unsigned left = any(all);
@@ -102,10 +135,12 @@ class Generator {
     if (&kind == &entityArgument) return anyEntity();
     if (&kind == &pointArgument) return anyPoint(event);
     if (&kind == &keyArgument) return anyKey();
+    if (&kind == &collectionArgument && onceIn(8)) return 2;
     if (&kind == &valueArgument && isDeviceState(event)) return anyDeviceState(event);
     if (&kind == &resultArgument) return anyOf({11, 11, 11, 0, 19, 22, -1});
     if (&kind == &timesArgument) return onceIn(6) ? anyOf({12, 25, 40}) : anyOf({1, 1, 2, 3});
-    if (&kind == &onArgument) return onceIn(6) ? 1 - usual(event) : usual(event);
+    if (&kind == &onArgument)
+      return onceIn(event.planner >= 0 ? 2 : 6) ? 1 - usual(event) : usual(event);
     if (&kind == &microsecondsArgument) return static_cast<std::int32_t>(any(2500000));
     if ((event.op == Op::config || event.op == Op::machine) && at == 0) return anyConfig();
     return kind.first() + static_cast<std::int32_t>(any(kind.count()));
@@ -130,12 +165,12 @@ class Generator {
   }
   /// Whether the event is usually `on`.
   static std::int32_t usual(Event const& event) {
-    return event.op == Op::active || event.op == Op::machine ? 1 : 0;
+    return event.op == Op::active || event.op == Op::machine || event.op == Op::reactor ? 1 : 0;
   }
 
   std::mt19937_64 random_;
   std::vector<unsigned> weights_;
-  std::optional<Event> next_ = Event{.op = Op::machine, .arguments = {0, 0, 1, 0}};
+  std::deque<Event> next_{{.op = Op::machine, .arguments = {0, 0, 1}}};
 };
 
 }  // namespace

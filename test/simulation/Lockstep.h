@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,12 +20,16 @@ struct Outcome {
   std::size_t leaks = 0;  // blocks of memory that were left
 };
 
-/// Told before each event, by its position.
-using Watch = void (*)(std::size_t event);
+struct Circumstances {
+  /// Where to put the number of each event before it happens; null for nowhere.
+  std::size_t* at = nullptr;
+  /// Events that the real world leaves out, so that a run can be seen to fail.
+  std::optional<Op> without;
+};
 
 /// Takes the events through the plain world and the real one, side by side, up to the first
 /// difference. An event that is to end the process happens in a process of its own, which must end
 /// so; the run then goes on as if it had not been, but with the driver mended.
-Outcome run(std::vector<Event> const& events, Probes& probes, Watch watch = nullptr);
+Outcome run(std::vector<Event> const& events, Probes& probes, Circumstances const& circumstances);
 
 }  // namespace Simulation

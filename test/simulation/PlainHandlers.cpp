@@ -11,6 +11,12 @@ namespace {
 constexpr std::int32_t up = 1;
 constexpr std::int32_t down = 2;
 
+char const* stateText(std::int32_t state) {
+  static constexpr char const* names[] = {"deviceStateUnknown", "deviceStateUp", "deviceStateDown",
+                                          "DeviceState(3)"};
+  return names[state];
+}
+
 char const* upOrDown(bool isUp) {
   return isUp ? "up" : "down";
 }
@@ -84,6 +90,7 @@ void PlainWorld::handle(unsigned handler, unsigned key) {
 
 void PlainWorld::handleSwitchPort(unsigned key) {
   auto const name = keyName(switchPorts, key).view();
+  trace(8, 126, "handleSwitchPort", "KestSliceDmaSm::handleSwitchPort ifName=", name);
   PlainCell const port = configured(switchPorts, key);
   bool const hasAddress = port.entry != 0 && portRow(port.number).macAddr != noMac;
   reachIf(port.entry != 0 && name.empty() && hasAddress, Probe::portOfNoName);
@@ -138,6 +145,7 @@ int PlainWorld::createInterface(unsigned key, std::int32_t number) {
 
 void PlainWorld::handleNativeVlan(unsigned key) {
   auto const name = keyName(nativeVlans, key).view();
+  trace(8, 170, "handleNativeVlan", "KestSliceDmaSm::handleNativeVlan ifName=", name);
   if (name.find("et") == std::string_view::npos) {
     reach(Probe::nameWithoutEt);
     assertionFails("171: void Hardware::Kest::Slice::KestSliceDmaSm::handleNativeVlan(Mox::String)",
@@ -172,12 +180,16 @@ void PlainWorld::handleNativeVlan(unsigned key) {
 
 void PlainWorld::handleDevice(unsigned key) {
   auto const name = keyName(devices, key).view();
+  constexpr char const* const signature =
+      "void Hardware::Kest::Slice::KestSliceDmaSm::handleDevice(Mox::String)";
+  trace(1, 204, "handleDevice", signature, " device: '", name, "'");
   PlainCell const configuredDevice = configured(devices, key);
   if (configuredDevice.entry == 0 || name.empty()) {
     reachIf(recorded(devices, key).entry != 0, Probe::deviceForgotten);
     forget(devices, key);
     return;
   }
+  trace(1, 211, "handleDevice", signature, " device: '", name, "'");
   DeviceRow const& row = deviceRow(configuredDevice.number);
   reachIf(state.driver.device(key).up, Probe::deviceRegisteredWhileUp);
   if (row.handle < 0) {
@@ -199,6 +211,10 @@ void PlainWorld::handleDevice(unsigned key) {
 
 void PlainWorld::handleDeviceState(unsigned key) {
   auto const name = keyName(devices, key).view();
+  trace(1, 236, "handleDeviceState",
+        "void Hardware::Kest::Slice::KestSliceDmaSm::handleDeviceState(Mox::String) device: '",
+        name, "' state: ", stateText(configured(deviceStates, key).number), "/",
+        stateText(recorded(deviceStates, key).number));
   if (recorded(devices, key).number != 1) {
     reach(Probe::deviceStateOfUnregistered);
     return;
@@ -225,6 +241,8 @@ void PlainWorld::handleDeviceState(unsigned key) {
 }
 
 void PlainWorld::handleTimerExpired() {
+  trace(8, 84, "handleTimerExpired",
+        "void Hardware::Kest::Slice::KestSliceDmaSm::handleTimerExpired()");
   reachIf(state.machine.mode != 2, Probe::pollAfterModeWasLeft);
   unsigned asked = 0;
   for (unsigned const key : walkOf(deviceStates)) {
@@ -274,6 +292,7 @@ void PlainWorld::pollDevice(unsigned key, std::int32_t expected) {
 
 void PlainWorld::doVerify() {
   constexpr char const* const signature = "void Hardware::Kest::Slice::KestSliceDmaSm::doVerify()";
+  trace(0, 34, "doVerify", signature);
   for (unsigned const key : walkOf(switchPorts)) {
     if (configured(switchPorts, key).entry == 0 || recorded(switchPorts, key).number == 1) continue;
     reach(Probe::verifyFindsPort);
@@ -282,6 +301,10 @@ void PlainWorld::doVerify() {
   }
   for (unsigned const key : walkOf(devices)) {
     if (configured(devices, key).entry == 0) continue;
+    trace(0, 48, "doVerify", "doVerify device: '", keyName(devices, key).view(), "' registered ",
+          recorded(devices, key).number, " confState: '",
+          stateText(configured(deviceStates, key).number), "' statState: '",
+          stateText(recorded(deviceStates, key).number), "'");
     if (recorded(devices, key).number != 1) {
       reach(Probe::verifyFindsDevice);
       assertionFails(text("49: ", signature).c_str(),

@@ -127,6 +127,7 @@ void PlainWorld::reactorActiveIs(unsigned observer, bool on) {
   if (self.active == on) return;
   self.active = on;
   if (!on) self.wasRegistered = self.registered;
+  reachIf(on && !self.wasRegistered, Probe::reactorStaysUnregistered);
   if (!on || self.wasRegistered) registeredIs(observer, on);
 }
 
@@ -141,6 +142,7 @@ void PlainWorld::timerActiveIs(bool on) {
   if (self.active == on) return;
   self.active = on;
   if (!on) self.wasRegistered = self.registered;
+  reachIf(on && !self.wasRegistered, Probe::timerStaysUnregistered);
   if (!on || self.wasRegistered) timerRegisteredIs(0, on);
 }
 
@@ -157,12 +159,15 @@ void PlainWorld::modeIs(int mode) {
 }
 
 void PlainWorld::handleMode() {
+  trace(2, 57, "handleMode", "void Hardware::Kest::Slice::KestSliceDmaSm::handleMode()");
   if (state.machine.mode != 2) return;
   reach(state.simulated ? Probe::pollNotArmedInSimulation : Probe::pollArmed);
   if (!state.simulated) state.timers[0].timeMin = now() + 2.0;
 }
 
 void PlainWorld::handleInitialized() {
+  trace(2, 71, "handleInitialized",
+        "void Hardware::Kest::Slice::KestSliceDmaSm::handleInitialized()");
   clockIs(static_cast<int>(state.managerClock));
   state.timers[0].timeMin = std::numeric_limits<double>::infinity();
 }
@@ -171,8 +176,10 @@ void PlainWorld::handleInitialized() {
 /// has left the list, as long as the delivery is an older one.
 void PlainWorld::reactorTold(unsigned observer, unsigned what, unsigned key) {
   if (what >= collectionCount) return;
-  reachIf(state.observers[observer].zombie, Probe::machineSilentAsZombie);
-  if (state.observers[observer].zombie) return;
+  if (state.observers[observer].zombie) {
+    reach(isOfPorts(what) ? Probe::machineSilentAboutPort : Probe::machineSilentAboutDevice);
+    return;
+  }
   static constexpr unsigned handlers[] = {0, 1, 1, 2, 3};
   reachIf(what == switchportModes && recorded(nativeVlans, key).entry != 0,
           Probe::modeChangeReprogramsVlan);

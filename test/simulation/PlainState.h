@@ -87,6 +87,7 @@ struct PlainState {
   std::int32_t retrySeconds = 60;
   bool simulated = false;
   bool signalIgnored = false;
+  unsigned traceLevels = 0;  // bit n: level n
   unsigned managerClock = 0;
   std::uint32_t entriesMade = 0;
 

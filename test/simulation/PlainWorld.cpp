@@ -40,8 +40,7 @@ bool PlainWorld::makesSense(Event const& event) const {
 }
 
 bool PlainWorld::machineMakesSense(Event const& event) const {
-  bool const direct =
-      event.op != Op::machineDrop && !event.flag(infoOf(event.op).arguments.size() - 1);
+  bool const direct = !(hasWay(event.op) && event.flag(infoOf(event.op).arguments.size() - 1));
   bool const hasTimer = state.timers[0].held;
   switch (event.op) {
     case Op::machineDrop:
@@ -49,6 +48,8 @@ bool PlainWorld::machineMakesSense(Event const& event) const {
       return state.handlers == 0;
     case Op::config:
       return state.handlers == 0 || event.index(0) < configCount;
+    case Op::reactor:
+      return event.flag(1) ? hasTimer : isBound();
     case Op::handle:
     case Op::verify:
       return isBound() || !direct;
@@ -103,6 +104,11 @@ void PlainWorld::carryOut(Event const& event) {
     }
     case Op::timerDrop:
       return dropTimer(1 + event.index(0));
+    case Op::trace:
+      state.traceLevels = traceLevels[event.index(0)].bits;
+      return;
+    case Op::threadSafe:
+      return;  // nothing shows
     case Op::managerClock:
       state.managerClock = event.index(0);
       return;
@@ -147,8 +153,7 @@ void PlainWorld::carryOutOnEntity(Event const& event) {
 }
 
 void PlainWorld::carryOutOnMachine(Event const& event) {
-  bool const byName =
-      event.op != Op::machineDrop && event.flag(infoOf(event.op).arguments.size() - 1);
+  bool const byName = hasWay(event.op) && event.flag(infoOf(event.op).arguments.size() - 1);
   auto const config = [&] { return event.index(0) < configCount ? event[0] : nobody; };
   auto const needs = [&](bool bound, Probe probe, char const* name) {
     if (bound) return true;
@@ -185,6 +190,9 @@ void PlainWorld::carryOutOnMachine(Event const& event) {
       return activeIs(event.flag(0));
     case Op::zombie:
       return zombieIs(event.flag(0));
+    case Op::reactor:
+      if (event.flag(1)) return timerRegisteredIs(0, event.flag(0));
+      return registeredIs(static_cast<unsigned>(state.machine.reactor), event.flag(0));
     case Op::initialized:
       return handleInitialized();
     case Op::handle:

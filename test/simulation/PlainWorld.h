@@ -130,6 +130,12 @@ class PlainWorld {
   void forget(unsigned collection, unsigned key);
   int called(Answer const& answer);
   void apply(Effect effect);
+  template <class... Parts>
+  void trace(unsigned level, unsigned number, char const* handler, Parts const&... message) {
+    if ((state.traceLevels >> level & 1U) == 0) return;
+    reach(Probe::traced);
+    line("trace KestSliceDma ", level, " KestSliceDmaSm:", number, " ", handler, " ", message...);
+  }
   [[noreturn]] void assertionFails(char const* place, char const* expression);
 
   Probes& probes_;

@@ -73,7 +73,10 @@ constexpr Name table[] = {
     {Probe::configReboundInsideHandler, "configuration re-bound inside a handler"},
     {Probe::machineUnbound, "machine unbound"},
     {Probe::machineSilentWhenInactive, "inactive machine silent"},
-    {Probe::machineSilentAsZombie, "zombie machine silent in a delivery under way"},
+    {Probe::machineSilentAboutPort, "zombie machine silent about a port, in a delivery under way"},
+    {Probe::machineSilentAboutDevice, "zombie machine silent about a device, likewise"},
+    {Probe::reactorStaysUnregistered, "reactor activated that had not been registered"},
+    {Probe::timerStaysUnregistered, "timer activated that had not been registered"},
     {Probe::machineBoundAsZombie, "zombie machine bound"},
     {Probe::machineGoesDuringDelivery, "machine goes during delivery"},
     {Probe::machineWithoutConfig, "machine made without a configuration"},
@@ -102,6 +105,7 @@ constexpr Name table[] = {
     {Probe::observerOfOtherType, "observer pointed at another type"},
     {Probe::deliveryInsideDelivery, "delivery inside a delivery"},
     {Probe::zeroReferencesTold, "zero references told"},
+    {Probe::traced, "trace point with its level on"},
 };
 
 constexpr bool isComplete() {

@@ -68,7 +68,10 @@ enum class Probe : std::uint8_t {
   configReboundInsideHandler,
   machineUnbound,
   machineSilentWhenInactive,
-  machineSilentAsZombie,
+  machineSilentAboutPort,
+  machineSilentAboutDevice,
+  reactorStaysUnregistered,
+  timerStaysUnregistered,
   machineBoundAsZombie,
   machineGoesDuringDelivery,
   machineWithoutConfig,
@@ -96,6 +99,7 @@ enum class Probe : std::uint8_t {
   observerOfOtherType,
   deliveryInsideDelivery,
   zeroReferencesTold,
+  traced,
   count
 };
 

@@ -61,8 +61,7 @@ void RealWorld::newMachine(Event const& event) {
 }
 
 void RealWorld::carryOutOnMachine(Event const& event) {
-  bool const byName =
-      event.op != Op::machineDrop && event.flag(infoOf(event.op).arguments.size() - 1);
+  bool const byName = hasWay(event.op) && event.flag(infoOf(event.op).arguments.size() - 1);
   if (byName && event.op != Op::machine) {
     try {
       carryOutByName(event);
@@ -91,6 +90,9 @@ void RealWorld::carryOutOnMachine(Event const& event) {
       return sm_->hasNotificationActiveIs(event.flag(0));
     case Op::zombie:
       return sm_->moxDoZombieReactors(event.flag(0));
+    case Op::reactor:
+      if (event.flag(1)) return sm_->stateTimerReactor()->isRegisteredNotifieeIs(event.flag(0));
+      return sm_->configReactor()->isRegisteredNotifieeIs(event.flag(0));
     case Op::initialized:
       return sm_->handleInitialized();
     case Op::handle:

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "platform/mox/Log.h"
+#include "platform/mox/Trace.h"
 
 namespace Simulation {
 
@@ -18,11 +19,13 @@ void logLine(Mox::LogHandle const& message, Mox::String8 const& written) {
 
 }  // namespace
 
-RealWorld::RealWorld() {
+RealWorld::RealWorld(std::optional<Op> without) : without_(without) {
   unsetenv("SIMULATION_VMID");
   std::signal(deviceGoneSignal, SIG_DFL);
   Hardware::Kest::Slice::INTF_ADD_RETRY_TIMEOUT_SECONDS = 60;
   Mox::logSinkIs(logLine);
+  Mox::traceStreamIs(&traceStream_);
+  Mox::traceSettingIs("KestSliceDma/");
   for (std::size_t i = 0; i < handles_.size(); ++i) {
     handles_[i] = new Counted<Fru::PciHam>(Mox::Name(handleNames[i]));
   }
@@ -42,6 +45,8 @@ RealWorld::RealWorld() {
 RealWorld::~RealWorld() {
   Mox::activityManager()->clockIs(nullptr);
   Mox::logSinkIs(nullptr);
+  Mox::traceStreamIs(nullptr);
+  Mox::PtrInterface::threadSafePtrIs(false);
 }
 
 std::string RealWorld::leftOver() {
@@ -74,6 +79,7 @@ void RealWorld::take(Event const& event, std::vector<std::uint32_t> const& carri
 }
 
 void RealWorld::takeNow(Event const& event) {
+  if (event.op == without_) return;
   if (event.planner >= 0) {
     plans_.add(event);
   } else if (std::find(carriedOut_->begin(), carriedOut_->end(), event.id) != carriedOut_->end()) {
@@ -152,6 +158,10 @@ void RealWorld::carryOut(Event const& event) {
     case Op::timerDrop:
       timers_[event.index(0)] = nullptr;
       return;
+    case Op::trace:
+      return Mox::traceSettingIs(text("KestSliceDma/", traceLevels[event.index(0)].setting));
+    case Op::threadSafe:
+      return Mox::PtrInterface::threadSafePtrIs(event.flag(0));
     case Op::managerClock:
       return Mox::activityManager()->clockIs(clocks_[event.index(0)]);
     default:

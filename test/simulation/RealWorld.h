@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "sm/KestSliceDmaSm.h"
@@ -8,6 +9,7 @@
 #include "test/simulation/DriverCalls.h"
 #include "test/simulation/PlainState.h"
 #include "test/simulation/RealParts.h"
+#include "test/support/TraceJournal.h"
 #include "test/support/VirtualTime.h"
 
 namespace Simulation {
@@ -16,7 +18,8 @@ namespace Simulation {
 /// is in the journal.
 class RealWorld final : private Listener {
  public:
-  RealWorld();
+  /// @param without events that do not happen here
+  explicit RealWorld(std::optional<Op> without);
   ~RealWorld();
   RealWorld(RealWorld const&) = delete;
   RealWorld& operator=(RealWorld const&) = delete;
@@ -73,9 +76,12 @@ class RealWorld final : private Listener {
   Support::Journal journal_;
   Support::VirtualTime time_{journal_};
   Capture capture_{journal_};
+  Support::TraceJournal traceJournal_{journal_};
+  std::ostream traceStream_{&traceJournal_};
   Driver driver_;
   DriverCalls calls_{driver_, journal_, [this](Effect effect) { apply(effect); }};
   Plans plans_;
+  std::optional<Op> without_;
   std::vector<std::uint32_t> const* carriedOut_ = nullptr;
 
   Handles handles_;

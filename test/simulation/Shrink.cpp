@@ -13,7 +13,7 @@ namespace Simulation {
 
 namespace {
 
-std::vector<Event> without(std::vector<Event> const& events, std::size_t from, std::size_t count) {
+std::vector<Event> cut(std::vector<Event> const& events, std::size_t from, std::size_t count) {
   auto const first = events.begin() + static_cast<std::ptrdiff_t>(from);
   auto const last = first + static_cast<std::ptrdiff_t>(std::min(count, events.size() - from));
   std::vector<Event> rest(events.begin(), first);
@@ -21,55 +21,74 @@ std::vector<Event> without(std::vector<Event> const& events, std::size_t from, s
   return rest;
 }
 
-/// Leaves out runs of events, ever shorter ones, as long as that goes.
-void leaveOut(std::vector<Event>& events) {
-  for (std::size_t length = events.size() / 2; length > 0; length /= 2) {
-    for (std::size_t from = events.size(); from > 0;) {
-      from -= std::min(from, length);
-      std::vector<Event> fewer = without(events, from, length);
-      if (fails(fewer)) events = std::move(fewer);
-      from = std::min(from, events.size());
+/// Makes failing events fewer and plainer, as long as they fail.
+class Shrinking {
+ public:
+  Shrinking(std::vector<Event> events, std::optional<Op> leftOut)
+      : events_(std::move(events)), leftOut_(leftOut) {}
+
+  std::vector<Event> result() {
+    for (std::size_t before = events_.size() + 1; events_.size() < before;) {
+      before = events_.size();
+      leaveOut();
+      for (std::size_t at = 0; at < events_.size(); ++at) simplify(at);
+    }
+    return events_;
+  }
+
+ private:
+  /// Leaves out runs of events, ever shorter ones.
+  void leaveOut() {
+    for (std::size_t length = std::max<std::size_t>(events_.size() / 2, 1); length > 0;
+         length /= 2) {
+      for (std::size_t from = events_.size(); from > 0;) {
+        from -= std::min(from, length);
+        std::vector<Event> fewer = cut(events_, from, length);
+        if (fails(fewer, leftOut_)) events_ = std::move(fewer);
+        from = std::min(from, events_.size());
+      }
     }
   }
-}
 
-template <class Change>
-bool tryChange(std::vector<Event>& events, std::size_t at, Change const& change) {
-  Event const before = events[at];
-  change(events[at]);
-  if (textOf(events[at]) != textOf(before) && fails(events)) return true;
-  events[at] = before;
-  return false;
-}
-
-/// Makes plans things that happen at once, and values the first of their kind.
-void simplify(std::vector<Event>& events) {
-  for (std::size_t at = 0; at < events.size(); ++at) {
-    tryChange(events, at, [](Event& event) { event.throws = false; });
-    tryChange(events, at, [](Event& event) {
+  /// Makes a plan something that happens at once, and values the first of their kind.
+  void simplify(std::size_t at) {
+    change(at, [](Event& event) { event.throws = false; });
+    change(at, [](Event& event) {
       event.planner = -1;
       event.throws = false;
     });
-    tryChange(events, at, [](Event& event) { event.after = 0; });
-    auto const& arguments = infoOf(events[at].op).arguments;
+    change(at, [](Event& event) { event.after = 0; });
+    auto const& arguments = infoOf(events_[at].op).arguments;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-      std::int32_t const least = std::max(arguments[i]->low, 0);
-      bool const first = tryChange(events, at, [&](Event& event) { event.arguments[i] = least; });
-      if (!first) tryChange(events, at, [&](Event& event) { event.arguments[i] = least + 1; });
+      std::int32_t const least = std::max(arguments[i]->first(), 0);
+      bool const first = change(at, [&](Event& event) { event.arguments[i] = least; });
+      if (!first) change(at, [&](Event& event) { event.arguments[i] = least + 1; });
     }
   }
-}
+
+  template <class Change>
+  bool change(std::size_t at, Change const& makePlainer) {
+    Event const before = events_[at];
+    makePlainer(events_[at]);
+    if (textOf(events_[at]) != textOf(before) && fails(events_, leftOut_)) return true;
+    events_[at] = before;
+    return false;
+  }
+
+  std::vector<Event> events_;
+  std::optional<Op> leftOut_;
+};
 
 }  // namespace
 
-bool fails(std::vector<Event> const& events) {
+bool fails(std::vector<Event> const& events, std::optional<Op> without) {
   pid_t const child = fork();
   if (child < 0) std::abort();
   if (child == 0) {
     int const nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     dup2(nowhere, STDERR_FILENO);
     Probes probes;
-    Outcome const outcome = run(events, probes);
+    Outcome const outcome = run(events, probes, {.without = without});
     _exit(outcome.failure.empty() ? 0 : 1);
   }
   int status = 0;
@@ -77,14 +96,10 @@ bool fails(std::vector<Event> const& events) {
   return status != 0;
 }
 
-std::vector<Event> shrunk(std::vector<Event> events) {
-  for (std::size_t before = events.size() + 1; events.size() < before;) {
-    before = events.size();
-    leaveOut(events);
-    simplify(events);
-  }
-  number(events);
-  return events;
+std::vector<Event> shrunk(std::vector<Event> events, std::optional<Op> without) {
+  std::vector<Event> result = Shrinking(std::move(events), without).result();
+  number(result);
+  return result;
 }
 
 }  // namespace Simulation

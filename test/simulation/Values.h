@@ -64,6 +64,11 @@ DeviceRow const& deviceRow(std::int32_t number);
 
 inline constexpr std::string_view noMac = "00:00:00:00:00:00";
 inline constexpr char const* handleNames[] = {"0000:05:00.0", "0000:06:00.0"};
+/// The levels that the event `trace` switches on: bit n for level n, and as a setting.
+inline constexpr struct {
+  unsigned bits;
+  char const* setting;
+} traceLevels[] = {{0, ""}, {1, "0"}, {2, "1"}, {4, "2"}, {0x100, "8"}, {0x3ff, "*"}};
 inline constexpr char const* sliceIds[] = {"", "Linecard3/0", "Linecard4/0"};
 
 }  // namespace Simulation

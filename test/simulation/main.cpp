@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <new>
+#include <optional>
 #include <stdexcept>
 
 #include "test/simulation/Generator.h"
@@ -25,7 +27,8 @@ constexpr char const* usage =
     "  --seed SEED      runs one seed\n"
     "  --events N       events of each seed (default: 1000)\n"
     "  --script FILE    runs the events of a script, as a failure prints it\n"
-    "  --probes         prints how often each probe was reached\n";
+    "  --probes         prints how often each probe was reached\n"
+    "  --without EVENT  leaves out such events in the real world, so that the run must fail\n";
 
 struct Options {
   std::uint64_t from = 1;
@@ -33,19 +36,22 @@ struct Options {
   std::size_t events = 1000;
   bool single = false;
   bool probes = false;
+  std::optional<Op> without;
   std::string script;
 };
 
-/// Where the run is; read when the process that runs has died.
+/// How far the run has come; shared with the process that looks on, which reads it even when the
+/// one that runs has died.
 struct Progress {
-  std::uint64_t seed;
-  std::size_t event;
+  std::uint64_t seed = 0;
+  std::size_t event = 0;
+  std::uint64_t seeds = 0;
+  std::uint64_t digest = 0;
+  std::size_t events = 0;
+  std::size_t ends = 0;
+  std::size_t leaks = 0;
+  Probes probes;
 };
-Progress* progress = nullptr;
-
-void watch(std::size_t event) {
-  progress->event = event;
-}
 
 std::uint64_t numberIn(std::string_view word) {
   std::uint64_t number = 0;
@@ -77,7 +83,10 @@ Options optionsOf(int argc, char** argv) {
       options.events = static_cast<std::size_t>(numberIn(value));
     } else if (name == "--script") {
       options.script = value;
+      options.from = options.to = 0;
       options.single = true;
+    } else if (name == "--without") {
+      options.without = opOf(value);
     } else {
       throw std::runtime_error(text("what is '", name, "'?"));
     }
@@ -92,10 +101,47 @@ std::vector<Event> eventsFor(Options const& options, std::uint64_t seed) {
   return eventsOf(script);
 }
 
-/// What a first run leaves behind for good is no leak: what leaks leaks again.
-std::size_t leaksOf(std::vector<Event> const& events) {
-  Probes ignored;
-  return run(events, ignored).leaks;
+/// Runs the seeds up to the first that fails; whether none does.
+bool runSeeds(Options const& options, Progress& progress) {
+  for (std::uint64_t seed = options.from; seed <= options.to; ++seed) {
+    progress.seed = seed;
+    auto const events = eventsFor(options, seed);
+    Circumstances const circumstances{.at = &progress.event, .without = options.without};
+    Outcome const one = run(events, progress.probes, circumstances);
+    ++progress.seeds;
+    progress.digest = progress.digest * 31 + one.digest;
+    progress.events += one.events;
+    progress.ends += one.ends;
+    progress.leaks += one.leaks;
+    if (!one.failure.empty()) {
+      std::printf("seed %llu, %s", static_cast<unsigned long long>(seed), one.failure.c_str());
+      return false;
+    }
+  }
+  return true;
+}
+
+/// Prints the shortest script found that fails as the run did that came as far as `progress`.
+void shrink(Options const& options, Progress const& progress) {
+  std::vector<Event> events = eventsFor(options, progress.seed);
+  if (events.size() > progress.event + 1) {
+    auto const end = events.begin() + static_cast<std::ptrdiff_t>(progress.event) + 1;
+    std::vector<Event> const start(events.begin(), end);
+    if (fails(start, options.without)) events = start;
+  }
+  std::size_t const before = events.size();
+  events = shrunk(std::move(events), options.without);
+  std::printf("# %zu of %zu events fail; run them with: simulation --script FILE\n", events.size(),
+              before);
+  for (Event const& event : events) std::printf("%s\n", textOf(event).c_str());
+}
+
+/// Every probe must have been reached; says which have not.
+bool allReached(Probes const& probes) {
+  for (std::size_t i = 0; i < probeCount; ++i) {
+    if (probes.count(i) == 0) std::printf("never reached: %s\n", Probes::name(i));
+  }
+  return probes.reached() == probeCount;
 }
 
 void printProbes(Probes const& probes) {
@@ -104,75 +150,37 @@ void printProbes(Probes const& probes) {
   }
 }
 
-/// Returns the exit status: 0, or 1 when a seed fails, which ends the run.
-int runSeeds(Options const& options) {
-  Probes probes;
-  Outcome all;
-  std::size_t failures = 0;
-  std::uint64_t seed = options.from;
-  for (; seed <= options.to && failures == 0; ++seed) {
-    progress->seed = seed;
-    auto const events = eventsFor(options, seed);
-    Outcome const one = run(events, probes, watch);
-    all.digest = all.digest * 31 + one.digest;
-    all.events += one.events;
-    all.ends += one.ends;
-    if (one.failure.empty() && one.leaks != 0) all.leaks += leaksOf(events);
-    if (one.failure.empty() && all.leaks == 0) continue;
-    ++failures;
-    std::printf("seed %llu, %s", static_cast<unsigned long long>(seed), one.failure.c_str());
-    if (all.leaks != 0) std::printf("%zu blocks of memory are left\n", all.leaks);
-  }
-  if (options.probes) printProbes(probes);
-  bool const mustReach = !options.single && failures == 0;
-  for (std::size_t i = 0; i < probeCount && mustReach; ++i) {
-    if (probes.count(i) == 0) std::printf("never reached: %s\n", Probes::name(i));
-  }
-  std::printf("simulation: digest %016llx\n", static_cast<unsigned long long>(all.digest));
+/// For scripts to read.
+void printTable(Progress const& progress, bool failed) {
+  std::printf("simulation: digest %016llx\n", static_cast<unsigned long long>(progress.digest));
   std::printf(
-      "simulation: seeds %llu, events %zu, probes %zu/%zu, ends %zu, failures %zu, leaks %zu\n",
-      static_cast<unsigned long long>(seed - options.from), all.events, probes.reached(),
-      probeCount, all.ends, failures, all.leaks);
-  std::fflush(stdout);
-  return failures > 0 || (mustReach && probes.reached() < probeCount) ? 1 : 0;
+      "simulation: seeds %llu, events %zu, probes %zu/%zu, ends %zu, failures %d, leaks %zu\n",
+      static_cast<unsigned long long>(progress.seeds), progress.events, progress.probes.reached(),
+      probeCount, progress.ends, failed ? 1 : 0, progress.leaks);
 }
 
-/// Prints the shortest script found that fails like the run that came as far as `progress`.
-void shrink(Options const& options) {
-  std::vector<Event> events = eventsFor(options, progress->seed);
-  if (!fails(events)) return;
-  if (events.size() > progress->event + 1) {
-    std::vector<Event> const start(
-        events.begin(), events.begin() + static_cast<std::ptrdiff_t>(progress->event) + 1);
-    if (fails(start)) events = start;
-  }
-  std::size_t const before = events.size();
-  events = shrunk(std::move(events));
-  std::printf("# %zu of %zu events fail; run them with: simulation --script FILE\n", events.size(),
-              before);
-  for (Event const& event : events) std::printf("%s\n", textOf(event).c_str());
-}
-
-/// Runs in a process of its own, so that its death tells how far it came.
+/// Runs in a process of its own and looks on, so that its death tells how far it came.
 int supervise(Options const& options) {
   rlimit const noCore{0, 0};
   setrlimit(RLIMIT_CORE, &noCore);
   void* const shared =
       mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-  if (shared == MAP_FAILED) return 2;
-  progress = new (shared) Progress{options.from, 0};
-  std::fflush(stdout);
+  if (shared == MAP_FAILED) throw std::runtime_error("no memory to share");
+  auto& progress = *new (shared) Progress;
   pid_t const child = fork();
-  if (child == 0) std::exit(runSeeds(options));
+  if (child == 0) std::exit(runSeeds(options, progress) ? 0 : 1);
   int status = 0;
-  if (child < 0 || waitpid(child, &status, 0) != child) return 2;
-  if (status == 0) return 0;
+  if (child < 0 || waitpid(child, &status, 0) != child) throw std::runtime_error("no process");
   if (WIFSIGNALED(status)) {
     std::printf("seed %llu, event %zu: the process ended by signal %d\n",
-                static_cast<unsigned long long>(progress->seed), progress->event, WTERMSIG(status));
+                static_cast<unsigned long long>(progress.seed), progress.event, WTERMSIG(status));
   }
-  shrink(options);
-  return 1;
+  bool const failed = status != 0;
+  if (failed) shrink(options, progress);
+  if (options.probes) printProbes(progress.probes);
+  bool const reached = options.single || failed || allReached(progress.probes);
+  printTable(progress, failed);
+  return failed || !reached ? 1 : 0;
 }
 
 }  // namespace

@@ -58,15 +58,6 @@ KestSliceDmaStatus::Device statusDevice(char const* devName, bool registered) {
   return record;
 }
 
-int TraceJournal::sync() {
-  std::string line = str();
-  str("");
-  if (line.empty()) return 0;
-  line.pop_back();  // the line's end
-  journal_.add("trace " + line);
-  return 0;
-}
-
 SmTest::SmTest() {
   unsetenv("SIMULATION_VMID");
   INTF_ADD_RETRY_TIMEOUT_SECONDS = 60;

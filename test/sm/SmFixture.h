@@ -11,6 +11,7 @@
 #include "sm/KestSliceDmaSm.h"
 #include "test/sm/StatusJournal.h"
 #include "test/support/RecordingDriver.h"
+#include "test/support/TraceJournal.h"
 #include "test/support/VirtualTime.h"
 
 namespace Hardware::Kest::Slice {
@@ -37,18 +38,6 @@ std::string ifadd(std::string const& ifName);
 KestSliceDmaConfig::Device device(char const* devName);
 KestSliceDmaStatus::SwitchPort statusPort(char const* ifName, bool created);
 KestSliceDmaStatus::Device statusDevice(char const* devName, bool registered);
-
-/// Stream buffer that writes what is flushed to a journal, after "trace ".
-class TraceJournal : public std::stringbuf {
- public:
-  explicit TraceJournal(Support::Journal& journal) : journal_(journal) {}
-
- protected:
-  int sync() override;
-
- private:
-  Support::Journal& journal_;
-};
 
 /// A machine between a configuration and a status of its own, on a clock of its own, with a
 /// recording driver. Outside a simulation, at `Mox::now()` 0, no trace level on. The journal has
@@ -77,7 +66,7 @@ class SmTest : public testing::Test {
   Mox::Ptr<KestSliceDmaSm> sm;
 
  private:
-  TraceJournal traceJournal_{journal};
+  Support::TraceJournal traceJournal_{journal};
   std::ostream traceStream_{&traceJournal_};
 };
 
