@@ -20,9 +20,10 @@ Mox::String8 KestSliceDmaConfig::attributeString(Mox::AttributeId id) const {
 
 void KestSliceDmaConfig::sliceIdIs(Mox::String8 sliceId) {
   if (sliceId == sliceId_) return;
+  detail::ObserverList::Delivery delivery(observers());
   sliceId_ = std::move(sliceId);
   changeCountInc();
-  deliver(sliceIdAttributeId, [](NotifieeConst& observer) { observer.onSliceId(); });
+  deliver(delivery, sliceIdAttributeId, [](NotifieeConst& observer) { observer.onSliceId(); });
 }
 
 KestSliceDmaConfig::NotifieeConst::~NotifieeConst() = default;

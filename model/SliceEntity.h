@@ -28,6 +28,11 @@ namespace Hardware::Kest::Slice {
 /// Whoever calls a mutator holds a reference to the entity. One thread uses it; observers may read
 /// and write it while they are told.
 ///
+/// Memory. A mutator that finds none throws `std::bad_alloc`, and nothing has been changed, counted
+/// or announced; `DelAll` ends between two entries. What an observer's handler does not find is
+/// that observer's failure, as any exception of its. A lookup, an iteration and the end of the
+/// outside references take none.
+///
 /// `Entity` is the derived entity, which has the nested observer base `NotifieeConst`; `Traits`
 /// names the two record types, how they are passed, the first collection's attribute number, and
 /// the base, a `Mox::Entity` with the attributes that come before the collections.
@@ -182,8 +187,10 @@ class KEST_SLICE_DMA_API SliceEntity : public Traits::Base {
 
   /// Called by the framework when only observers still hold the entity.
   void zeroReferencesIs(bool zero) override {
-    if (zero)
-      deliver(Mox::Entity::zeroReferencesAttributeId, [](auto& o) { o.onZeroReferences(); });
+    if (!zero) return;
+    detail::ObserverList::Delivery delivery(observers_);
+    deliver(delivery, Mox::Entity::zeroReferencesAttributeId,
+            [](auto& observer) { observer.onZeroReferences(); });
   }
 
  protected:
@@ -194,8 +201,9 @@ class KEST_SLICE_DMA_API SliceEntity : public Traits::Base {
 
   /// Tells each observer of a change of `attribute`; see `ObserverList`.
   template <class Tell>
-  void deliver(Mox::AttributeId attribute, Tell const& tell) const {
-    observers_.deliver(attribute, [&](detail::ListedNotifiee& observer) {
+  static void deliver(detail::ObserverList::Delivery& delivery, Mox::AttributeId attribute,
+                      Tell const& tell) {
+    delivery.run(attribute, [&](detail::ListedNotifiee& observer) {
       tell(static_cast<typename Entity::NotifieeConst&>(observer));
     });
   }

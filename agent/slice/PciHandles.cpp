@@ -62,20 +62,22 @@ void PciHandles::succeed(PciHandles& old) {
   }
 }
 
-/// Takes the entity at `path`, adding it if nothing is there; the directory it is in is there.
+/// Takes the entity at `path`, adding it if nothing is there; the directory it is in is there. What
+/// is to be added is taken first: nothing is in the tree that no set would remove.
 template <class T>
 void PciHandles::take(std::string_view path, char const* expected) {
   Mox::Ptr<Mox::Entity> entity = Mox::entityAt(Mox::String8(path));
-  bool const isNew = !entity;
-  if (isNew) {
-    std::size_t const slash = path.rfind('/');
+  std::size_t const slash = path.rfind('/');
+  if (!entity) {
     entity = Mox::Ptr<Mox::Entity>(new T(Mox::Name(Mox::String8(path.substr(slash + 1)))));
+    taken_.push_back({entity, true});
     Mox::dirAt(Mox::String8(path.substr(0, slash)))->entityIs(entity);
   } else if (!Mox::ptrCast<T>(entity)) {
     Mox::throwRangeException(Mox::format("expected %s at %s, found something else", expected,
                                          Mox::valueToStrep(Mox::String8(path)).charPtr()));
+  } else if (find(taken_, *entity) == taken_.end()) {
+    taken_.push_back({entity, false});
   }
-  if (find(taken_, *entity) == taken_.end()) taken_.push_back({entity, isNew});
 }
 
 }  // namespace Kest::Agent

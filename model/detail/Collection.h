@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "model/detail/ObserverList.h"
 #include "platform/mox/HashMap.h"
 #include "platform/mox/Ptr.h"
 #include "platform/mox/String8.h"
@@ -33,7 +34,8 @@ class Entry : public Mox::HashMapEntry {
 /// changes.
 ///
 /// A change that changes nothing is silent. Every other one counts once on the entity, then tells
-/// the entity's observers the key; they find the change done.
+/// the entity's observers the key; they find the change done. One that there is no memory for is a
+/// `std::bad_alloc`: then it has not been made, counted or told.
 ///
 /// `Description` says once what the collection is: `name`, `keyName`, `attributeId` and how an
 /// observer is told (`tell`). `Owner` is the entity, which lends its counters and its observers.
@@ -90,14 +92,14 @@ class Collection {
   /// Inserts, or updates the entry in place.
   void valueIs(Mox::String8 const& key, Value const& value) {
     Entry* const entry = entries_.find(key);
+    if (entry != nullptr && entry->value() == value) return;
+    ObserverList::Delivery delivery(owner_.observers());
     if (entry == nullptr) {
       newEntry(key, value);
-    } else if (entry->value() == value) {
-      return;
     } else {
       entry->valueIs(value);
     }
-    changed(key);
+    changed(key, delivery);
   }
 
   /// Returns the removed value; a default value when there is nothing to remove.
@@ -105,14 +107,16 @@ class Collection {
   Value del(IteratorConst const& it) { return del(entries_.entry(it)); }
 
   /// Deletes entry by entry, each counted and announced before the next one goes. Ends even if
-  /// observers insert: what they insert behind the walk's place goes too.
+  /// observers insert: what they insert behind the walk's place goes too. Without memory it ends
+  /// between two entries.
   void delAll() {
     for (IteratorConst it = iteratorConst(); it; ++it) del(it);
   }
 
   /// Announces the key, changing and counting nothing.
   void notify(Mox::String8 const& key) const {
-    owner_.deliver(attributeId, [&](auto& observer) { Description::tell(observer, key); });
+    ObserverList::Delivery delivery(owner_.observers());
+    announce(key, delivery);
   }
 
   IteratorConst iteratorConst() const { return IteratorConst(entries_.iteratorConst()); }
@@ -124,15 +128,21 @@ class Collection {
  private:
   Value del(Entry* found) {
     if (found == nullptr) return Value();
+    ObserverList::Delivery delivery(owner_.observers());
     Mox::Ptr<Entry> const entry(found);
     entries_.remove(*entry);
-    changed(entry->key());
+    changed(entry->key(), delivery);
     return entry->value();
   }
 
-  void changed(Mox::String8 const& key) {
+  void changed(Mox::String8 const& key, ObserverList::Delivery& delivery) {
     owner_.changeCountInc();
-    notify(key);
+    announce(key, delivery);
+  }
+
+  void announce(Mox::String8 const& key, ObserverList::Delivery& delivery) const {
+    owner_.deliver(delivery, attributeId,
+                   [&](auto& observer) { Description::tell(observer, key); });
   }
 
   Owner& owner_;

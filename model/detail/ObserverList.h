@@ -33,8 +33,14 @@ class ListedNotifiee : public Mox::Entity::NotifieeConst {
 ///
 /// Re-entrancy. Handlers may change the list and start deliveries of their own. The list itself
 /// must live until they are through: whoever changes an entity holds a reference to it.
+///
+/// Memory. An observer that joins brings the room that a delivery needs for it, or is refused with
+/// `std::bad_alloc`, and nothing has changed. So a delivery that is under way alone cannot fail,
+/// whatever is left of the memory; one inside another takes room of its own.
 class ObserverList {
  public:
+  class Delivery;
+
   ObserverList() = default;
   ObserverList(ObserverList const&) = delete;
   ObserverList& operator=(ObserverList const&) = delete;
@@ -43,8 +49,12 @@ class ObserverList {
   /// Changes with every `append` and `remove`.
   std::uint32_t version() const noexcept { return version_; }
 
+  /// Lets the next `append` find memory.
+  void makeRoom() const { room_.reserve(count_ + 1); }
+
   /// At the tail. The observer must not be on a list.
-  void append(ListedNotifiee const& observer) noexcept {
+  void append(ListedNotifiee const& observer) {
+    makeRoom();
     *link(nullptr) = &observer;
     ++count_;
     ++version_;
@@ -66,19 +76,9 @@ class ObserverList {
     }
   }
 
-  /// Calls `tell(observer)` for each observer, which reacts to a change of `attribute`.
-  template <class Tell>
-  void deliver(Mox::AttributeId attribute, Tell const& tell) const {
-    if (head_ == nullptr) return;
-    std::vector<Mox::Ptr<ListedNotifiee>> snapshot = observers();
-    for (std::size_t i = 0; i < snapshot.size(); ++i) {
-      bool const released = i > 0 && snapshot[i]->references() == 1;
-      if (!released) tellOne(*snapshot[i], attribute, tell);
-      snapshot[i] = nullptr;
-    }
-  }
-
  private:
+  using Snapshot = std::vector<Mox::Ptr<ListedNotifiee>>;
+
   /// The link that points at `observer`; the one at the tail for null.
   ListedNotifiee const** link(ListedNotifiee const* observer) noexcept {
     ListedNotifiee const** at = &head_;
@@ -86,15 +86,44 @@ class ObserverList {
     return at;
   }
 
-  std::vector<Mox::Ptr<ListedNotifiee>> observers() const {
-    std::vector<Mox::Ptr<ListedNotifiee>> all;
-    all.reserve(count_);
-    for (ListedNotifiee const* at = head_; at != nullptr; at = at->next_) {
-      all.emplace_back(const_cast<ListedNotifiee*>(at));
+  ListedNotifiee const* head_ = nullptr;
+  std::size_t count_ = 0;
+  std::uint32_t version_ = 0;
+  Snapshot mutable room_;  // empty; for all observers, unless a delivery has taken it
+};
+
+/// Tells the observers of one change. It is made before the change, and takes its room then: when
+/// there is none nothing has changed yet, and what has changed is announced.
+class ObserverList::Delivery {
+ public:
+  explicit Delivery(ObserverList const& list) : list_(list) {
+    if (list.room_.capacity() >= list.count_) {
+      observers_.swap(list.room_);
+    } else {
+      observers_.reserve(list.count_);
     }
-    return all;
+  }
+  Delivery(Delivery const&) = delete;
+  Delivery& operator=(Delivery const&) = delete;
+  ~Delivery() {
+    observers_.clear();
+    if (list_.room_.capacity() < observers_.capacity()) observers_.swap(list_.room_);
   }
 
+  /// Calls `tell(observer)` for each observer, which reacts to a change of `attribute`. Once.
+  template <class Tell>
+  void run(Mox::AttributeId attribute, Tell const& tell) {
+    for (ListedNotifiee const* at = list_.head_; at != nullptr; at = at->next_) {
+      observers_.emplace_back(const_cast<ListedNotifiee*>(at));
+    }
+    for (std::size_t i = 0; i < observers_.size(); ++i) {
+      bool const released = i > 0 && observers_[i]->references() == 1;
+      if (!released) tellOne(*observers_[i], attribute, tell);
+      observers_[i] = nullptr;
+    }
+  }
+
+ private:
   template <class Tell>
   static void tellOne(ListedNotifiee& observer, Mox::AttributeId attribute, Tell const& tell) {
     try {
@@ -112,9 +141,8 @@ class ObserverList {
     }
   }
 
-  ListedNotifiee const* head_ = nullptr;
-  std::size_t count_ = 0;
-  std::uint32_t version_ = 0;
+  ObserverList const& list_;
+  Snapshot observers_;
 };
 
 }  // namespace Hardware::Kest::Slice::detail

@@ -60,6 +60,10 @@ bool block(int number) {
   return sigismember(&old, number) == 1;
 }
 
+auto shared(ActivityLoop::Work work) {
+  return std::make_shared<ActivityLoop::Work const>(std::move(work));
+}
+
 }  // namespace
 
 ActivityLoop::ActivityLoop(Ptr<Clock> clock) : clock_(std::move(clock)) {}
@@ -75,7 +79,7 @@ ActivityLoop::~ActivityLoop() {
 }
 
 void ActivityLoop::fdIs(int fd, Work work) {
-  watches_.insert_or_assign({fd, readable}, Watch{std::move(work), ++additions_});
+  watches_.insert_or_assign({fd, readable}, Watch{shared(std::move(work)), ++additions_});
 }
 
 void ActivityLoop::fdDel(int fd) {
@@ -83,7 +87,7 @@ void ActivityLoop::fdDel(int fd) {
 }
 
 void ActivityLoop::fdWritableIs(int fd, Work work) {
-  watches_.insert_or_assign({fd, writable}, Watch{std::move(work), ++additions_});
+  watches_.insert_or_assign({fd, writable}, Watch{shared(std::move(work)), ++additions_});
 }
 
 void ActivityLoop::fdWritableDel(int fd) {
@@ -93,15 +97,20 @@ void ActivityLoop::fdWritableDel(int fd) {
 void ActivityLoop::signalIs(int number, Work work) {
   auto const known = signals_.find(number);
   if (known != signals_.end()) {
-    known->second.work = std::move(work);
+    known->second.work = shared(std::move(work));
     return;
   }
   sigset_t taken = setOf(number);
   for (auto const& [other, signal] : signals_) sigaddset(&taken, other);
+  auto const added = signals_.emplace(number, Signal{shared(std::move(work)), false}).first;
   int const fd = signalfd(signalFd_, &taken, SFD_NONBLOCK | SFD_CLOEXEC);
-  if (fd < 0) refuse(errno, "signalfd");
+  if (fd < 0) {
+    int const error = errno;
+    signals_.erase(added);
+    refuse(error, "signalfd");
+  }
   signalFd_ = fd;
-  signals_.emplace(number, Signal{std::move(work), block(number)});
+  added->second.wasBlocked = block(number);
 }
 
 void ActivityLoop::later(Work work) {
@@ -156,17 +165,17 @@ Seconds ActivityLoop::waitTime(Seconds timeout) const {
 void ActivityLoop::runWatch(Watched watched, std::uint64_t lastAddition) {
   auto const found = watches_.find(watched);
   if (found == watches_.end() || found->second.number > lastAddition) return;
-  Work const work = found->second.work;  // it may remove itself
-  carryOut(work);
+  SharedWork const work = found->second.work;
+  carryOut(*work);
 }
 
 void ActivityLoop::takeSignals() {
   signalfd_siginfo info{};
   while (read(signalFd_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
-    Work const work = signals_.at(static_cast<int>(info.ssi_signo)).work;
-    carryOut(work);
+    SharedWork const work = signals_.at(static_cast<int>(info.ssi_signo)).work;
+    carryOut(*work);
   }
-  if (errno != EAGAIN) refuse(errno, "signalfd");
+  if (errno != EAGAIN && errno != EINTR) refuse(errno, "signalfd");
 }
 
 }  // namespace Mox

@@ -4,6 +4,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <utility>
 
 #include "platform/mox/Clock.h"
@@ -21,8 +22,8 @@ namespace Mox {
 /// loop. Work that was removed does not run any more; work for a descriptor that was added during a
 /// round runs in the next one at the earliest, even if its number was ready under another file.
 ///
-/// Exceptions. What work throws leaves the round. Nothing that was ready or put off is lost: the
-/// next round runs it.
+/// Exceptions. What work throws leaves the round, as a lack of memory does. Nothing that was ready
+/// or put off is lost: the next round runs it. What is added is added whole or not at all.
 ///
 /// Time. The clock is never dispatched before its time, and no more than a millisecond later than
 /// it must be: it is looked at behind every piece of work, however much more is ready. Under a time
@@ -67,12 +68,14 @@ class MOX_API ActivityLoop {
  private:
   /// A descriptor and what it is watched for.
   using Watched = std::pair<int, short>;
+  /// To run it takes no memory: it may remove itself, and what is ready must not be lost.
+  using SharedWork = std::shared_ptr<Work const>;
   struct Watch {
-    Work work;
+    SharedWork work;
     std::uint64_t number;  // of its addition
   };
   struct Signal {
-    Work work;
+    SharedWork work;
     bool wasBlocked;
   };
 

@@ -52,7 +52,7 @@ class CollectionOperation {
         store();
         return;
       case Code::remove:
-        result = Mox::genericOf(collection_.del(key()));
+        result = removed();
         return;
       case Code::notify:
         collection_.notify(key());
@@ -70,6 +70,14 @@ class CollectionOperation {
 
  private:
   Mox::String8 const& key() const { return key(op_.index, Collection::wrongKeyName); }
+
+  /// What is to be returned is made first: behind the removal there may be no memory for it.
+  std::unique_ptr<Mox::GenericIf> removed() const {
+    auto const it = collection_.iteratorConst(key());
+    auto value = Mox::genericOf(it ? it.value() : Value());
+    collection_.del(it);
+    return value;
+  }
 
   /// A record brings its key; an index beside it must be the same.
   void store() const {

@@ -76,6 +76,15 @@ SmAttribute callWithFlag(char const* name, Mox::AttributeId id, char const* argu
       }};
 }
 
+/// The adapter of what is bound, made before `unbind` lets go of it: behind that there may be no
+/// memory for it.
+template <class T, class Unbind>
+std::unique_ptr<GenericIf> unbound(Mox::Ptr<T> const& bound, Unbind const& unbind) {
+  auto adapter = genericOf(bound);
+  unbind();
+  return adapter;
+}
+
 SmAttribute activity() {
   return {.attribute = attribute<Mox::ActivityConfig>("moxFwkActivity", 0),
           .read = [](Sm const& sm) { return genericOf(sm.moxFwkActivity()); }};
@@ -84,7 +93,7 @@ SmAttribute activity() {
 SmAttribute config() {
   return {.attribute = attribute<KestSliceDmaConfig>(configArgument, 130),
           .read = [](Sm const& sm) { return genericOf(sm.config()); },
-          .remove = [](Sm& sm) { return genericOf(sm.configDel()); }};
+          .remove = [](Sm& sm) { return unbound(sm.config(), [&] { sm.configDel(); }); }};
 }
 
 /// Read-only as an attribute, and so what it refers to is read-only here.
@@ -110,7 +119,7 @@ SmAttribute stateTimer() {
                 if (!isReference) GenericIf::throwTypeException(stateTimerName);
                 sm.stateTimerIs(clock);
               },
-          .remove = [](Sm& sm) { return genericOf(sm.stateTimerDel()); }};
+          .remove = [](Sm& sm) { return unbound(sm.stateTimer(), [&] { sm.stateTimerDel(); }); }};
 }
 
 SmAttribute mode() {
