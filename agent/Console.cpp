@@ -34,6 +34,7 @@ Console Console::standardOutput() {
 }
 
 void Console::line(std::string_view text) {
+  out_.clear();  // a line that could not be written, to a full disk say, is not to be the last
   clearProgress();
   out_ << text << '\n' << std::flush;
 }

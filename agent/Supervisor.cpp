@@ -36,6 +36,7 @@ std::string described(int signal) {
 }
 
 void say(std::string const& text) {
+  std::cerr.clear();                                // what could not be written the last time
   std::cerr << "kest-slice-agent: " + text + "\n";  // in one piece between the agent's own lines
 }
 

@@ -33,9 +33,9 @@ Descriptor openSocket() {
   return Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
 }
 
-bool isListenedTo(std::string const& path) {
+/// @param probe a socket to try it with
+bool isListenedTo(std::string const& path, Descriptor const& probe) {
   sockaddr_un const address = addressOf(path);
-  Descriptor const probe = openSocket();
   int const result =
       connect(probe.fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address);
   return result == 0 || errno != ECONNREFUSED;
@@ -113,7 +113,9 @@ void Listener::removeStale() const {
   struct stat file {};
   if (lstat(path_.c_str(), &file) != 0) return;
   if (!S_ISSOCK(file.st_mode)) refuse("cannot be made: there is a file that is no socket");
-  if (isListenedTo(path_)) refuse("is in use by another agent");
+  Descriptor const probe = openSocket();
+  if (!probe.isOpen()) refuseErrno("cannot be made");
+  if (isListenedTo(path_, probe)) refuse("is in use by another agent");
   if (unlink(path_.c_str()) != 0) refuseErrno("cannot be replaced");
 }
 
@@ -128,13 +130,19 @@ void Listener::bind(mode_t mode) {
       ::bind(socket_.fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0;
   if (!isBound) refuseErrno("cannot be made");
   struct stat file {};
-  if (lstat(path_.c_str(), &file) != 0) refuseErrno("cannot be made");
+  bool const isReady = lstat(path_.c_str(), &file) == 0 && listen(socket_.fd(), backlog) == 0;
+  if (!isReady) {
+    int const error = errno;
+    unlink(path_.c_str());
+    errno = error;
+    refuseErrno("cannot be made");
+  }
   device_ = file.st_dev;
   inode_ = file.st_ino;
-  if (listen(socket_.fd(), backlog) != 0) refuseErrno("cannot be made");
 }
 
 Descriptor Listener::accept() {
+  if (!spare_.isOpen()) spare_ = openSpare();  // there was none to be had the last time
   while (true) {
     Descriptor client(accept4(fd(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (client.isOpen()) return client;

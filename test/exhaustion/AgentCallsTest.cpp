@@ -1,0 +1,348 @@
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <set>
+#include <system_error>
+
+#include "agent/Console.h"
+#include "agent/control/ControlServer.h"
+#include "agent/slice/FileError.h"
+#include "agent/slice/SliceFile.h"
+#include "driver/sim/SimDriver.h"
+#include "platform/mox/RangeException.h"
+#include "test/agent/ScratchDirectory.h"
+#include "test/agent/control/Client.h"
+#include "test/exhaustion/Calls.h"
+
+/// The agent's sockets, files and loop when the system refuses: it goes on, or says what is wrong.
+namespace Kest::Agent {
+namespace {
+
+namespace fs = std::filesystem;
+using Exhaustion::atEveryCall;
+using Exhaustion::TestsOwnCalls;
+
+/// What a step that may fail came to; the error is not one without words.
+template <class Exception, class Step>
+std::string refusalOf(Step const& step) {
+  try {
+    step();
+    return "";
+  } catch (Exception const& refused) {
+    TestsOwnCalls const own;
+    std::string const text = refused.what();
+    EXPECT_NE(text, "");
+    EXPECT_EQ(text.find("Success"), std::string::npos) << text;
+    return text;
+  }
+}
+
+class AgentCalls : public ScratchDirectory {
+ protected:
+  std::string const path = directory + "/agent.sock";
+};
+
+/// A socket that an agent left behind which was killed.
+void leaveSocket(std::string const& path) {
+  fs::remove(path);
+  int const fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  ASSERT_EQ(bind(fd, reinterpret_cast<sockaddr const*>(&address), sizeof address), 0);
+  close(fd);
+}
+
+TEST_F(AgentCalls, AListenerIsThereOrSaysWhyAndLeavesTheWayFree) {
+  struct Scene {
+    std::unique_ptr<Listener> listener;
+    std::string refusal;
+  };
+  auto const prepare = [&] {
+    leaveSocket(path);
+    return Scene();
+  };
+  auto const act = [&](Scene& scene) {
+    scene.refusal = refusalOf<ControlSocketError>(
+        [&] { scene.listener = std::make_unique<Listener>(path, 0666); });
+  };
+  auto const judge = [&](Scene& scene, std::string const& what) {
+    EXPECT_EQ(scene.refusal.empty(), static_cast<bool>(scene.listener));
+    EXPECT_TRUE(scene.listener || !what.empty());
+    bool const isDescriptor = what == "socket EMFILE" || what == "socket ENFILE";
+    EXPECT_TRUE(!isDescriptor || scene.refusal.find("oo many open files") != std::string::npos)
+        << scene.refusal;
+    if (!scene.listener) act(scene);
+    ASSERT_TRUE(scene.listener) << scene.refusal;
+    Client const client(path);
+    EXPECT_TRUE(scene.listener->accept().isOpen());
+    scene.listener = nullptr;
+    EXPECT_FALSE(fs::exists(path));
+  };
+  atEveryCall(prepare, act, judge);
+}
+
+TEST_F(AgentCalls, AListenerThatIsRefusedLeavesNoSocketOfItsOwn) {
+  auto const prepare = [&] {
+    fs::remove(path);
+    return 0;
+  };
+  atEveryCall(
+      prepare,
+      [&](int) { refusalOf<ControlSocketError>([&] { Listener const listener(path, 0666); }); },
+      [&](int, std::string const& what) {
+        // The end of one that was made cannot remove it then.
+        bool const mayStay = what.starts_with("lstat") || what.starts_with("unlink");
+        EXPECT_TRUE(mayStay || !fs::exists(path)) << what;
+      });
+}
+
+/// A listener that is out of descriptors gives its spare one up to turn clients away. If somebody
+/// else gets it, it takes another one as soon as there is one.
+TEST_F(AgentCalls, TheSpareDescriptorComesBack) {
+  Listener listener(path, 0666);
+  std::size_t const before = Exhaustion::openDescriptors();
+  Client const client(path);
+  {
+    constexpr std::size_t emfile = 1;  // of what does not pass by itself
+    Exhaustion::FailingCall const failing(1, emfile, Exhaustion::Lasting::forGood);
+    EXPECT_FALSE(listener.accept().isOpen());
+    EXPECT_EQ(failing.what(), "accept4 EMFILE");
+  }
+  EXPECT_EQ(Exhaustion::openDescriptors(), before)
+      << "with the client's own, without the spare one";
+  EXPECT_TRUE(listener.accept().isOpen());
+  EXPECT_EQ(Exhaustion::openDescriptors(), before + 1);
+}
+
+TEST_F(AgentCalls, ASliceFileIsReadWholeOrRefused) {
+  fileIs("slice", "sliceId 'Linecard1'\n" + std::string(9000, '#') + "\nnativeVlan 'et1' 10\n");
+  struct Scene {
+    Slice slice;
+    std::string refusal;
+  };
+  atEveryCall([] { return Scene(); },
+              [&](Scene& scene) {
+                scene.refusal = refusalOf<FileError>(
+                    [&] { scene.slice = readSliceFile(directory + "/slice"); });
+              },
+              [](Scene& scene, std::string const& what) {
+                bool const isRefused = !what.empty() && !what.starts_with("fclose");
+                EXPECT_EQ(scene.refusal.empty(), !isRefused) << scene.refusal;
+                EXPECT_EQ(static_cast<bool>(scene.slice.config), !isRefused);
+                if (isRefused) return;
+                EXPECT_EQ(scene.slice.config->nativeVlan("et1"), 10);
+              });
+}
+
+std::string textOf(std::string const& file) {
+  std::ifstream in(file);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// The operations answer as ever; the file holds one of the states, whole, and with the next change
+/// the last one.
+TEST_F(AgentCalls, AStateFileIsReplacedWholeOrLater) {
+  using Hardware::Kest::Sim::SimDriver;
+  std::string const file = directory + "/state";
+  auto const rename = [](SimDriver& driver, char const* name) {
+    return driver.deviceRename(name, Mox::Ptr<Fru::PciHam const>(new Fru::PciHam("5")));
+  };
+  SimDriver other;
+  rename(other, "fap0");
+  std::string const before = other.stateText();
+  rename(other, "fap1");
+  std::string const after = other.stateText();
+  struct Scene {
+    std::unique_ptr<SimDriver> driver = std::make_unique<SimDriver>();
+    std::string refusal;
+    int answer = 0;
+  };
+  atEveryCall(
+      [&] {
+        fileIs("state", before);
+        return Scene();
+      },
+      [&](Scene& scene) {
+        scene.refusal = refusalOf<Mox::RangeException>([&] { scene.driver->stateFileIs(file); });
+        if (scene.refusal.empty()) scene.answer = rename(*scene.driver, "fap1");
+      },
+      [&](Scene& scene, std::string const& what) {
+        EXPECT_EQ(scene.answer, 0);
+        EXPECT_TRUE(what.starts_with("fopen") || what.starts_with("fread") || scene.refusal.empty())
+            << scene.refusal;
+        if (!scene.refusal.empty()) {
+          EXPECT_EQ(textOf(file), before);
+          return;
+        }
+        std::string const found = textOf(file);
+        EXPECT_TRUE(found == after || (found == before && !what.empty())) << found;
+        EXPECT_TRUE(!fs::exists(file + ".tmp") || what.starts_with("remove"));
+        rename(*scene.driver, "fap1");
+        EXPECT_EQ(textOf(file), after);
+        EXPECT_FALSE(fs::exists(file + ".tmp"));
+      });
+}
+
+TEST_F(AgentCalls, TheLoopLosesNothingAndEndsWithTheSystemsReason) {
+  struct Scene {
+    Scene() {
+      if (pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) throw std::runtime_error("pipe2");
+    }
+    ~Scene() {
+      for (int const end : ends) close(end);
+    }
+    std::array<int, 2> ends{};
+    std::unique_ptr<Mox::ActivityLoop> loop{std::make_unique<Mox::ActivityLoop>(nullptr)};
+    int signals = 0;
+    int bytes = 0;
+  };
+  auto const work = [](Scene& scene) {
+    scene.loop->signalIs(SIGUSR1, [&] { ++scene.signals; });
+    scene.loop->fdIs(scene.ends[0], [&] {
+      TestsOwnCalls const own;
+      char byte = 0;
+      scene.bytes += static_cast<int>(read(scene.ends[0], &byte, 1));
+    });
+    raise(SIGUSR1);
+    scene.loop->runOnce(0);
+  };
+  atEveryCall([] { return std::make_unique<Scene>(); },
+              [&](std::unique_ptr<Scene>& scene) {
+                {
+                  TestsOwnCalls const own;
+                  ASSERT_EQ(write(scene->ends[1], "x", 1), 1);
+                }
+                refusalOf<std::system_error>([&] { work(*scene); });
+              },
+              [](std::unique_ptr<Scene>& scene, std::string const& what) {
+                bool const isTaken = !what.starts_with("signalfd");
+                for (int i = 0; i < 3; ++i) scene->loop->runOnce(0);
+                EXPECT_EQ(scene->signals, isTaken ? 1 : 0);
+                EXPECT_EQ(scene->bytes, isTaken ? 1 : 0);
+              });
+}
+
+TEST_F(AgentCalls, AConsoleGoesOnBehindALineThatCouldNotBeWritten) {
+  struct Scene {
+    explicit Scene(std::string const& file) : out(file) {}
+    std::ofstream out;
+    Console console{out, false, false};
+  };
+  std::string const file = directory + "/console";
+  atEveryCall([&] { return std::make_unique<Scene>(file); },
+              [](std::unique_ptr<Scene>& scene) { scene->console.line("first"); },
+              [&](std::unique_ptr<Scene>& scene, std::string const& what) {
+                scene->console.line("second");
+                EXPECT_TRUE(textOf(file).ends_with("second\n")) << what << ": " << textOf(file);
+              });
+}
+
+/// A served agent, its loop and a client that reads and one that changes something.
+class ServedScene {
+ public:
+  explicit ServedScene(std::string path) : path_(std::move(path)) {}
+  ServedScene(ServedScene const&) = delete;
+  ServedScene& operator=(ServedScene const&) = delete;
+
+  void serve() { server_ = std::make_unique<ControlServer>(loop_, path_, served_); }
+  bool isServed() const { return server_ != nullptr; }
+
+  void connect() {
+    TestsOwnCalls const own;
+    client_.emplace(path_);
+    client_->send(std::string(R"({"verb":"get","path":"config/sliceId"})") + "\n" + R"({"verb":)" +
+                  R"("set","path":"config/sliceId","value":"Linecard2"})" + "\n");
+  }
+
+  void rounds(int count) {
+    for (int i = 0; i < count; ++i) loop_.runOnce(0);
+  }
+
+  /// What a client is answered when nothing goes wrong any more.
+  std::string answer() {
+    TestsOwnCalls const own;
+    Client client(path_);
+    client.send("{\"verb\":\"get\",\"path\":\"config/sliceId\"}\n");
+    rounds(6);
+    return client.received();
+  }
+
+  std::vector<std::string> received() {
+    return client_ ? client_->lines() : std::vector<std::string>();
+  }
+  std::string sliceId() const { return config->sliceId().charPtr(); }
+
+  Mox::Ptr<Config> config{new Config("config")};
+
+ private:
+  std::string path_;
+  Mox::ActivityLoop loop_{nullptr};
+  Mox::Ptr<Status> status_{new Status("status")};
+  Mox::Ptr<Hardware::Kest::Slice::KestSliceDmaSm> sm_{
+      Hardware::Kest::Slice::kestSliceDmaSmFactory(config, status_)};
+  DriverLibrary driver_{"sim"};
+  PciHandles handles_;
+  Served served_{config,
+                 status_,
+                 sm_,
+                 driver_,
+                 handles_,
+                 [] { return false; },
+                 [](std::string const&, Slice, std::function<void(Applied)> const&) {}};
+  std::optional<Client> client_;
+  std::unique_ptr<ControlServer> server_;
+};
+
+TEST_F(AgentCalls, TheServerLivesAndAnswersWholly) {
+  auto const reply = [](std::string const& rest) {
+    return R"({"ok":true,"result":{"path":"config/sliceId","type":"Mox::String",)" + rest + "}}";
+  };
+  std::vector<std::string> const replies = {reply(R"("value":"Linecard1")"),
+                                            reply(R"("changed":true,"value":"Linecard2")")};
+  // Behind these a client has gone, or is turned away.
+  std::set<std::string> const isEnding = {"accept4 EMFILE", "accept4 ENFILE",  "recv ECONNRESET",
+                                          "recv ENOMEM",    "send ECONNRESET", "send ENOBUFS",
+                                          "send EPIPE"};
+  auto const prepare = [&] {
+    auto scene = std::make_unique<ServedScene>(path);
+    scene->config->sliceIdIs("Linecard1");
+    scene->serve();
+    return scene;
+  };
+  auto const act = [](std::unique_ptr<ServedScene>& scene) {
+    scene->connect();
+    refusalOf<std::system_error>([&] { scene->rounds(8); });
+  };
+  atEveryCall(prepare, act, [&](std::unique_ptr<ServedScene>& scene, std::string const& what) {
+    scene->rounds(8);  // now that all works
+    std::vector<std::string> const found = scene->received();
+    bool const mayEnd = isEnding.contains(what);
+    ASSERT_TRUE(found.size() == 2 || (mayEnd && found.size() < 2)) << found.size();
+    // Whom it does not know it lets change nothing.
+    bool const isDenied = what.starts_with("getsockopt");
+    if (!found.empty()) {
+      EXPECT_EQ(found[0], replies[0]);
+    }
+    if (found.size() == 2 && isDenied) {
+      EXPECT_EQ(found[1].find(R"({"ok":false,"error":{"kind":"denied")"), 0U) << found[1];
+    } else if (found.size() == 2) {
+      EXPECT_EQ(found[1], replies[1]);
+    }
+    // A change that was answered is made; one whose client has gone may be.
+    bool const isChanged = scene->sliceId() == "Linecard2";
+    EXPECT_TRUE(isChanged != isDenied || mayEnd);
+    EXPECT_EQ(scene->config->changeCount(), isChanged ? 2U : 1U);
+    EXPECT_EQ(scene->answer(), reply("\"value\":\"" + scene->sliceId() + "\"") + "\n");
+  });
+}
+
+}  // namespace
+}  // namespace Kest::Agent

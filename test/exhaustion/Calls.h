@@ -1,0 +1,88 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+
+/// System calls that go wrong on demand. Definitions of the program stand in the place of the C
+/// library's functions, for the libraries too, and hand on to them.
+namespace Exhaustion {
+
+/// How long a call goes wrong.
+enum class Lasting { once, forGood };
+
+/// As long as this lives the call of that number, from 1, goes wrong in one of the ways that are
+/// plausible for its function, by number from 0; with `forGood` every further call of that function
+/// goes wrong the same way, and where descriptors have run out every call that needs one. One at a
+/// time.
+class FailingCall {
+ public:
+  FailingCall(std::size_t at, std::size_t way, Lasting lasting) noexcept;
+  ~FailingCall();
+  FailingCall(FailingCall const&) = delete;
+  FailingCall& operator=(FailingCall const&) = delete;
+
+  /// Whether a call has gone wrong.
+  bool hasCome() const noexcept;
+  /// Whether there was that call but no such way, or none for good.
+  bool isOutOfWays() const noexcept;
+  /// The function that went wrong and how, as in "accept4 EMFILE"; empty before.
+  std::string what() const;
+};
+
+/// As long as this lives calls are those of the test: they are not counted and work.
+class TestsOwnCalls {
+ public:
+  TestsOwnCalls() noexcept;
+  ~TestsOwnCalls();
+  TestsOwnCalls(TestsOwnCalls const&) = delete;
+  TestsOwnCalls& operator=(TestsOwnCalls const&) = delete;
+
+ private:
+  bool wereOwn_;
+};
+
+/// How many descriptors the process has open.
+std::size_t openDescriptors();
+
+/// From now on, in this process, a wait for a signal passes at once and the steady clock shows its
+/// time as passed; the first waits are interrupted half way.
+void waitsAreVirtual(unsigned interruptions) noexcept;
+/// What such waits have taken together.
+std::chrono::nanoseconds virtualWait() noexcept;
+
+/// Lets each system call of `act(scene)` go wrong in each way, on a scene that `prepare()` makes,
+/// and hands it to `judge(scene, what)`, `what` being empty in the end, when nothing went wrong.
+/// Then the process has as many descriptors as before.
+template <class Prepare, class Act, class Judge>
+void atEveryCall(Prepare const& prepare, Act const& act, Judge const& judge) {
+  bool hasCall = true;
+  for (std::size_t at = 1; hasCall && !testing::Test::HasFailure(); ++at) {
+    for (Lasting const lasting : {Lasting::once, Lasting::forGood}) {
+      bool isOutOfWays = false;
+      for (std::size_t way = 0; !isOutOfWays && !testing::Test::HasFailure(); ++way) {
+        std::size_t const before = openDescriptors();
+        std::string what;
+        {
+          auto scene = prepare();
+          {
+            FailingCall const failing(at, way, lasting);
+            act(scene);
+            TestsOwnCalls const own;
+            what = failing.what();
+            hasCall = failing.hasCome() || failing.isOutOfWays();
+            isOutOfWays = !failing.hasCome();
+          }
+          SCOPED_TRACE(testing::Message() << "call " << at << ", " << what
+                                          << (lasting == Lasting::once ? ", once" : ", for good"));
+          judge(scene, what);
+        }
+        EXPECT_EQ(openDescriptors(), before) << "call " << at << ", " << what;
+      }
+    }
+  }
+}
+
+}  // namespace Exhaustion
