@@ -82,7 +82,7 @@ class EntityExhaustion : public testing::Test {
   /// behind the one that fails have not begun.
   void changesWholly(std::size_t entries, Change const& change) const {
     std::vector<std::string> const all = contents(entries, change);
-    for (std::size_t const observers : {0, 1, 3}) {
+    for (std::size_t const observers : {0U, 1U, 3U}) {
       SCOPED_TRACE(testing::Message() << entries << " entries, " << observers << " observers");
       atEveryAllocation([&] { return sceneOf(entries, observers); },
                         [&](Scene<Entity>& scene) { change(*scene.entity); },
@@ -111,7 +111,7 @@ TYPED_TEST_SUITE(EntityExhaustion, AllCollections, CollectionNames);
 
 TYPED_TEST(EntityExhaustion, InsertsWhollyOrNotAtAll) {
   auto const value = TypeParam::value(this->absent, 1);
-  for (std::size_t const entries : {0, 1, 8}) {  // with 8 the map has to grow
+  for (std::size_t const entries : {0U, 1U, 8U}) {  // with 8 the map has to grow
     this->changesWholly(entries, [&](auto& e) { TypeParam::is(e, this->absent, value); });
   }
 }
@@ -131,7 +131,7 @@ TYPED_TEST(EntityExhaustion, DeletesAllOneByOne) {
 }
 
 TYPED_TEST(EntityExhaustion, AnnouncesToAllOrToNobody) {
-  for (std::size_t const observers : {0, 1, 3}) {
+  for (std::size_t const observers : {0U, 1U, 3U}) {
     atEveryAllocation([&] { return this->sceneOf(1, observers); },
                       [&](auto& scene) { TypeParam::notify(*scene.entity, this->there); },
                       [&](auto& scene, End end) {
@@ -145,7 +145,7 @@ TYPED_TEST(EntityExhaustion, AnnouncesToAllOrToNobody) {
 
 TYPED_TEST(EntityExhaustion, TakesInAnEntryWhollyOrNotAtAll) {
   auto const value = TypeParam::value(this->absent, 1);
-  for (std::size_t const entries : {0, 8}) {
+  for (std::size_t const entries : {0U, 8U}) {
     std::string const before = contentOf(*this->sceneOf(entries, 0).entity);
     atEveryAllocation([&] { return this->sceneOf(entries, 1); },
                       [&](auto& scene) { TypeParam::newEntry(*scene.entity, this->absent, value); },
@@ -266,7 +266,7 @@ TEST(SliceIdExhaustion, IsSetWhollyOrNotAtAll) {
     std::vector<Mox::Ptr<IdWitness>> witnesses;
   };
   Mox::String8 const id("Linecard3, with a name that takes memory");
-  for (std::size_t const observers : {0, 1, 3}) {
+  for (std::size_t const observers : {0U, 1U, 3U}) {
     auto const prepare = [&] {
       IdScene scene;
       for (std::size_t i = 0; i < observers; ++i) {
