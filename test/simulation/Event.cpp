@@ -31,22 +31,22 @@ constexpr char const* levelWords[] = {"none", "0", "1", "2", "8", "all"};
 constexpr char const* reactorWords[] = {"config", "timer"};
 constexpr char const* modeWords[] = {"initial", "standby", "polling"};
 
-Argument const config{configWords};
-Argument const status{statusWords};
-Argument const handler{handlerWords};
-Argument const call{callWords};
-Argument const effect{effectWords};
-Argument const clock{clockWords};
-Argument const clockOrNone{clockOrNoneWords};
-Argument const way{wayWords};
-Argument const levels{levelWords};
-Argument const reactor{reactorWords};
-Argument const mode{modeWords};
-Argument const iterator{{}, 0, iteratorCount - 1};
-Argument const observer{{}, 0, observerCount - 1};
-Argument const timer{{}, 0, timerCount - 1};
-Argument const seconds{{}, -5, 5};
-Argument const retrySeconds{{}, 0, 3};
+Argument const configArgument{configWords};
+Argument const statusArgument{statusWords};
+Argument const handlerArgument{handlerWords};
+Argument const callArgument{callWords};
+Argument const effectArgument{effectWords};
+Argument const clockArgument{clockWords};
+Argument const clockOrNoneArgument{clockOrNoneWords};
+Argument const wayArgument{wayWords};
+Argument const levelsArgument{levelWords};
+Argument const reactorArgument{reactorWords};
+Argument const modeArgument{modeWords};
+Argument const iteratorArgument{{}, 0, iteratorCount - 1};
+Argument const observerArgument{{}, 0, observerCount - 1};
+Argument const timerArgument{{}, 0, timerCount - 1};
+Argument const secondsArgument{{}, -5, 5};
+Argument const retrySecondsArgument{{}, 0, 3};
 
 std::int32_t numberOf(std::string const& word, char const* what) {
   std::int32_t number = 0;
@@ -90,59 +90,62 @@ std::vector<OpInfo> const& allOps() {
   static Argument const* const on = &onArgument;
   static std::vector<OpInfo> const all{
       // Writers.
-      {Op::set, "set", 330, {entity, collection, key, value, &way}},
-      {Op::del, "del", 80, {entity, collection, key, &way}},
+      {Op::set, "set", 330, {entity, collection, key, value, &wayArgument}},
+      {Op::del, "del", 80, {entity, collection, key, &wayArgument}},
       {Op::delAt, "del-at", 20, {entity, collection, key}},
       {Op::delAll, "del-all", 8, {entity, collection}},
-      {Op::notify, "notify", 40, {entity, collection, key, &way}},
+      {Op::notify, "notify", 40, {entity, collection, key, &wayArgument}},
       {Op::insert, "insert", 12, {entity, collection, key, value}},
-      {Op::lookup, "lookup", 20, {entity, collection, key, &way}},
-      {Op::sliceId, "slice-id", 10, {&config, value}},
+      {Op::lookup, "lookup", 20, {entity, collection, key, &wayArgument}},
+      {Op::sliceId, "slice-id", 10, {&configArgument, value}},
       {Op::zeroReferences, "zero-references", 4, {entity}},
       // Walks that are left in the middle.
-      {Op::iterate, "iterate", 24, {&iterator, entity, collection}},
-      {Op::iterateAt, "iterate-at", 20, {&iterator, entity, collection, key}},
-      {Op::step, "step", 44, {&iterator}},
-      {Op::delStep, "del-step", 12, {&iterator}},
+      {Op::iterate, "iterate", 24, {&iteratorArgument, entity, collection}},
+      {Op::iterateAt, "iterate-at", 20, {&iteratorArgument, entity, collection, key}},
+      {Op::step, "step", 44, {&iteratorArgument}},
+      {Op::delStep, "del-step", 12, {&iteratorArgument}},
       // Observers that come and go.
-      {Op::renew, "renew", 24, {&observer, &pointArgument}},
-      {Op::drop, "drop", 5, {&observer}},
-      {Op::join, "join", 14, {&observer}},
-      {Op::leave, "leave", 8, {&observer}},
-      {Op::point, "point", 10, {&observer, &pointArgument}},
+      {Op::renew, "renew", 24, {&observerArgument, &pointArgument}},
+      {Op::drop, "drop", 5, {&observerArgument}},
+      {Op::join, "join", 14, {&observerArgument}},
+      {Op::leave, "leave", 8, {&observerArgument}},
+      {Op::point, "point", 10, {&observerArgument, &pointArgument}},
       // The driver.
-      {Op::fault, "fault", 100, {&call, key, &timesArgument, &resultArgument, &effect}},
+      {Op::fault,
+       "fault",
+       100,
+       {&callArgument, key, &timesArgument, &resultArgument, &effectArgument}},
       {Op::mend, "mend", 20, {}},
       {Op::flip, "flip", 16, {key}},
       {Op::lose, "lose", 4, {key}},
       {Op::forget, "forget", 3, {key}},
       // Time and surroundings.
       {Op::pass, "pass", 110, {&microsecondsArgument}},
-      {Op::wall, "wall", 8, {&seconds}},
-      {Op::retry, "retry", 10, {&retrySeconds}},
+      {Op::wall, "wall", 8, {&secondsArgument}},
+      {Op::retry, "retry", 10, {&retrySecondsArgument}},
       {Op::environment, "simulation-vmid", 8, {on}},
       {Op::signal, "ignore-signal-7", 8, {on}},
-      {Op::timer, "timer", 40, {&timer, &clock, &microsecondsArgument}},
-      {Op::timerDrop, "timer-drop", 4, {&timer}},
-      {Op::trace, "trace", 6, {&levels}},
+      {Op::timer, "timer", 40, {&timerArgument, &clockArgument, &microsecondsArgument}},
+      {Op::timerDrop, "timer-drop", 4, {&timerArgument}},
+      {Op::trace, "trace", 6, {&levelsArgument}},
       {Op::threadSafe, "thread-safe-references", 3, {on}},
-      {Op::managerClock, "manager-clock", 4, {&clock}},
+      {Op::managerClock, "manager-clock", 4, {&clockArgument}},
       // The machine.
-      {Op::machine, "machine", 8, {&config, &status, on, &way}},
+      {Op::machine, "machine", 8, {&configArgument, &statusArgument, on, &wayArgument}},
       {Op::machineDrop, "machine-drop", 3, {}},
-      {Op::config, "config", 36, {&config, &way}},
-      {Op::configDel, "config-del", 2, {&way}},
-      {Op::clock, "clock", 12, {&clockOrNone, &way}},
-      {Op::clockDel, "clock-del", 3, {&way}},
-      {Op::mode, "mode", 14, {&mode, &way}},
-      {Op::active, "active", 10, {on, &way}},
-      {Op::zombie, "zombie", 14, {on, &way}},
-      {Op::reactor, "reactor-registered", 8, {on, &reactor}},
-      {Op::initialized, "handle-initialized", 4, {&way}},
-      {Op::handle, "handle", 40, {&handler, key, &way}},
-      {Op::verify, "verify", 10, {&way}},
-      {Op::poll, "poll", 14, {&way}},
-      {Op::handleMode, "handle-mode", 5, {&way}},
+      {Op::config, "config", 36, {&configArgument, &wayArgument}},
+      {Op::configDel, "config-del", 2, {&wayArgument}},
+      {Op::clock, "clock", 12, {&clockOrNoneArgument, &wayArgument}},
+      {Op::clockDel, "clock-del", 3, {&wayArgument}},
+      {Op::mode, "mode", 14, {&modeArgument, &wayArgument}},
+      {Op::active, "active", 10, {on, &wayArgument}},
+      {Op::zombie, "zombie", 14, {on, &wayArgument}},
+      {Op::reactor, "reactor-registered", 8, {on, &reactorArgument}},
+      {Op::initialized, "handle-initialized", 4, {&wayArgument}},
+      {Op::handle, "handle", 40, {&handlerArgument, key, &wayArgument}},
+      {Op::verify, "verify", 10, {&wayArgument}},
+      {Op::poll, "poll", 14, {&wayArgument}},
+      {Op::handleMode, "handle-mode", 5, {&wayArgument}},
   };
   return all;
 }

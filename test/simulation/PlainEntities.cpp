@@ -19,10 +19,7 @@ void PlainWorld::set(unsigned entity, unsigned collection, unsigned key, std::in
     reach(Probe::writeChangedNothing);
     return;
   }
-  if (at.entry == 0) {
-    at.entry = ++state.entriesMade;
-    reachIf(state.delAlls > 0, Probe::delAllMeetsNewEntry);
-  }
+  if (at.entry == 0) at.entry = ++state.entriesMade;
   at.number = number;
   changed(entity, collection, key);
 }
@@ -50,9 +47,11 @@ std::string PlainWorld::erase(unsigned entity, unsigned collection, unsigned key
 }
 
 void PlainWorld::eraseAll(unsigned entity, unsigned collection) {
-  UnderWay const underWay(state.delAlls);
+  std::uint32_t const before = state.entriesMade;
   for (unsigned const key : walkOf(collection)) {
-    if (cell(entity, collection, key).entry != 0) erase(entity, collection, key);
+    PlainCell const at = cell(entity, collection, key);
+    reachIf(at.entry > before, Probe::delAllMeetsNewEntry);
+    if (at.entry != 0) erase(entity, collection, key);
   }
 }
 

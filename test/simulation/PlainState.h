@@ -93,7 +93,6 @@ struct PlainState {
 
   unsigned handlers = 0;    // of the machine, under way
   unsigned deliveries = 0;  // under way
-  unsigned delAlls = 0;     // under way
   PlainAnnouncement announcement;
   /// Something has happened after which the status need not tell how the driver was left.
   bool strange = false;

@@ -32,6 +32,8 @@ class Shrinking {
       before = events_.size();
       leaveOut();
       for (std::size_t at = 0; at < events_.size(); ++at) simplify(at);
+      joinTimes();
+      if (events_.size() == before) leaveOutTwo();
     }
     return events_;
   }
@@ -43,11 +45,31 @@ class Shrinking {
          length /= 2) {
       for (std::size_t from = events_.size(); from > 0;) {
         from -= std::min(from, length);
-        std::vector<Event> fewer = cut(events_, from, length);
-        if (fails(fewer, leftOut_)) events_ = std::move(fewer);
+        tryEvents(cut(events_, from, length));
         from = std::min(from, events_.size());
       }
     }
+  }
+
+  /// Leaves out two events that are only needed for each other, or one and the wait of a plan that
+  /// counted it.
+  void leaveOutTwo() {
+    if (events_.size() > 60) return;
+    for (std::size_t at = events_.size(); at-- > 0;) {
+      for (std::size_t other = 0; other < events_.size() && at < events_.size(); ++other) {
+        if (other < at && tryEvents(cut(cut(events_, at, 1), other, 1))) break;
+        if (other == at || events_[other].after == 0) continue;
+        std::vector<Event> sooner = events_;
+        --sooner[other].after;
+        if (tryEvents(cut(sooner, at, 1))) break;
+      }
+    }
+  }
+
+  bool tryEvents(std::vector<Event> events) {
+    if (!fails(events, leftOut_)) return false;
+    events_ = std::move(events);
+    return true;
   }
 
   /// Makes a plan something that happens at once, and values the first of their kind.
@@ -63,6 +85,29 @@ class Shrinking {
       std::int32_t const least = std::max(arguments[i]->first(), 0);
       bool const first = change(at, [&](Event& event) { event.arguments[i] = least; });
       if (!first) change(at, [&](Event& event) { event.arguments[i] = least + 1; });
+    }
+  }
+
+  /// Lets time pass at once that passes in pieces. What matters may be where within a second it
+  /// gets, so an event may also have mattered for the time alone that it took.
+  void joinTimes() {
+    for (std::size_t at = 0; at < events_.size(); ++at) {
+      if (events_[at].op == Op::pass) continue;
+      for (std::int32_t const microseconds : {100000, 300000}) {
+        Event const passing{.op = Op::pass, .arguments = {microseconds}};
+        if (change(at, [&](Event& event) { event = passing; })) break;
+      }
+    }
+    for (std::size_t at = 0; at < events_.size(); ++at) {
+      auto const isPass = [](Event const& event) { return event.op == Op::pass; };
+      auto const from = events_.begin() + static_cast<std::ptrdiff_t>(at);
+      if (!isPass(*from)) continue;
+      auto const next = std::find_if(from + 1, events_.end(), isPass);
+      if (next == events_.end()) return;
+      std::vector<Event> joined = events_;
+      std::int32_t& total = joined[static_cast<std::size_t>(next - events_.begin())].arguments[0];
+      total = (total + (*from)[0]) % (microsecondsArgument.high + 1);
+      if (tryEvents(cut(joined, at, 1))) --at;
     }
   }
 

@@ -49,6 +49,9 @@ constexpr Story all[] = {
       "notify config0 device $K direct", "zombie off direct"}},
     {{"renew 0 config0", "renew 1 config0", "renew 2 config0", "at 1 0: drop 2",
       "at 0 0: set config0 nativeVlan $K $V direct", "notify config0 switchportMode $K direct"}},
+    {{"renew $P config0", "del-all config0 nativeVlan", "set config0 nativeVlan $K 1 direct",
+      "at $P 0: set config0 nativeVlan 0 2 direct", "at $P 0: set config0 nativeVlan 3 2 direct",
+      "at $P 0: set config0 nativeVlan 4 2 direct", "del-all config0 nativeVlan"}},
     {{"renew 1 config0", "renew 3 config0", "at 1 0: drop 3", "at 1 0: renew 3 config0",
       "notify config0 deviceState $K direct"}},
     // Reactors that go their own way.
@@ -63,6 +66,8 @@ constexpr Story all[] = {
     {{"zombie on direct", "clock-del direct", "clock clock1 direct", "reactor-registered on timer",
       "pass 1", "zombie off direct"}},
     {{"clock-del direct", "clock clock0 direct", "pass 1"}},
+    {{"set config0 device $K $V direct", "clock clock0 direct", "fault isUp $K 1 0 throw",
+      "clock clock1 direct", "handle-mode direct", "pass 2100000", "clock clock2 direct"}},
     {{"simulation-vmid on", "mode initial direct", "mode polling direct", "simulation-vmid off"}},
     // Timers in each other's way.
     {{"timer 0 clock0 500", "timer 1 clock0 1000", "at 7 0: timer-drop 1", "pass 2000"}},
