@@ -70,6 +70,14 @@ std::int32_t readArgument(Argument const& argument, std::string const& word, cha
   return number;
 }
 
+/// The kinds of events, which must be in the order of `Op`.
+std::vector<OpInfo> inOrder(std::vector<OpInfo> all) {
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    if (static_cast<std::size_t>(all[i].op) != i) throw std::logic_error(all[i].name);
+  }
+  return all;
+}
+
 }  // namespace
 
 Argument const entityArgument{entityWords};
@@ -88,7 +96,7 @@ std::vector<OpInfo> const& allOps() {
   static Argument const* const key = &keyArgument;
   static Argument const* const value = &valueArgument;
   static Argument const* const on = &onArgument;
-  static std::vector<OpInfo> const all{
+  static std::vector<OpInfo> const all = inOrder({
       // Writers.
       {Op::set, "set", 330, {entity, collection, key, value, &wayArgument}},
       {Op::del, "del", 80, {entity, collection, key, &wayArgument}},
@@ -146,7 +154,7 @@ std::vector<OpInfo> const& allOps() {
       {Op::verify, "verify", 10, {&wayArgument}},
       {Op::poll, "poll", 14, {&wayArgument}},
       {Op::handleMode, "handle-mode", 5, {&wayArgument}},
-  };
+  });
   return all;
 }
 

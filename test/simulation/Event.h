@@ -102,7 +102,7 @@ inline OpInfo const& infoOf(Op op) {
   return allOps()[static_cast<std::size_t>(op)];
 }
 
-/// The kind of that name; `std::runtime_error` when there is none.
+/// The kind of event of that name; `std::runtime_error` when there is none.
 Op opOf(std::string_view name);
 
 // The kinds of arguments that the generator treats by themselves.

@@ -1,5 +1,7 @@
 #include "test/simulation/Lockstep.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <csignal>
 
@@ -100,7 +102,9 @@ class Lockstep {
 void runInto(Outcome& outcome, std::vector<Event> const& events, Probes& probes,
              Circumstances const& circumstances) {
   Lockstep lockstep(probes, circumstances.without);
+  std::size_t taken = 0;
   for (Event const& event : events) {
+    if (taken++ % 1000 == 0) alarm(circumstances.patience);
     if (circumstances.at != nullptr) *circumstances.at = event.id;
     lockstep.take(event);
     ++outcome.events;
@@ -109,6 +113,7 @@ void runInto(Outcome& outcome, std::vector<Event> const& events, Probes& probes,
       break;
     }
   }
+  alarm(0);
   outcome.digest = lockstep.digest();
   outcome.ends = lockstep.ends();
 }

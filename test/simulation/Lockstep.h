@@ -25,6 +25,8 @@ struct Circumstances {
   std::size_t* at = nullptr;
   /// Events that the real world leaves out, so that a run can be seen to fail.
   std::optional<Op> without;
+  /// How many seconds a thousand events may take before the process ends.
+  unsigned patience = 60;
 };
 
 /// Takes the events through the plain world and the real one, side by side, up to the first

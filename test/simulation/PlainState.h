@@ -54,7 +54,6 @@ struct PlainMachine {
   int mode = 0;
   bool active = true;
   bool zombie = false;
-  bool modeArmed = false;  // for a probe only
 };
 
 struct PlainIterator {

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "registry/DeviceStateType.h"
 #include "registry/EntityTypes.h"
 #include "registry/RecordTypes.h"
@@ -124,7 +126,12 @@ void RealWorld::writeByName(typename C::Entity& target, Event const& event) {
 /// The content is looked at when it has changed, and every now and then.
 template <class Entity>
 std::string RealWorld::differenceOf(Entity const& entity, unsigned number,
-                                    PlainEntity const& plain) {
+                                    PlainState const& world) {
+  PlainEntity const& plain = world.entities[number];
+  auto const observing = static_cast<std::uint32_t>(
+      std::count_if(world.observers.begin(), world.observers.end(), [&](PlainObserver const& one) {
+        return one.references > 0 && one.notifier == static_cast<int>(number);
+      }));
   std::string found;
   if (entity.changeCount() != plain.changes) {
     found += text(entityNames[number], " has counted ", entity.changeCount(), " changes, not ",
@@ -133,6 +140,11 @@ std::string RealWorld::differenceOf(Entity const& entity, unsigned number,
   if (entity.observers().count() != plain.listed.size()) {
     found += text(entityNames[number], " has ", entity.observers().count(), " observers, not ",
                   plain.listed.size(), "\n");
+  }
+  unsigned const held = world.machine.exists && world.machine.status == number ? 2 : 1;
+  if (entity.notifierReferences() != observing || entity.references() != observing + held) {
+    found += text(entityNames[number], " has ", entity.references(), " references, ",
+                  entity.notifierReferences(), " of them observers'\n");
   }
   if (entity.moxAuditErrors(0) != 0) found += text(entityNames[number], " is not sound\n");
   if (changesSeen_[number] == plain.changes && plain.changes % 8 != 0) return found;
@@ -161,8 +173,8 @@ std::string RealWorld::differenceOf(Entity const& entity, unsigned number,
 }
 
 template std::string RealWorld::differenceOf(KestSliceDmaConfig const&, unsigned,
-                                             PlainEntity const&);
+                                             PlainState const&);
 template std::string RealWorld::differenceOf(KestSliceDmaStatus const&, unsigned,
-                                             PlainEntity const&);
+                                             PlainState const&);
 
 }  // namespace Simulation

@@ -209,10 +209,10 @@ void RealWorld::carryOutOn(Mox::Ptr<Observer<Entity>>& held, Event const& event,
 std::string RealWorld::differenceFrom(PlainState const& plain) {
   std::string found;
   for (unsigned i = 0; i < configCount; ++i) {
-    found += differenceOf(*configs_[i], i, plain.entities[i]);
+    found += differenceOf(*configs_[i], i, plain);
   }
   for (unsigned i = configCount; i < entityCount; ++i) {
-    found += differenceOf(*statuses_[i - configCount], i, plain.entities[i]);
+    found += differenceOf(*statuses_[i - configCount], i, plain);
   }
   found += differenceOf(plain.machine, plain);
   for (unsigned i = 0; i < timerCount; ++i) {
@@ -220,6 +220,13 @@ std::string RealWorld::differenceFrom(PlainState const& plain) {
     bool const same =
         timers_[i] ? timer.held && timers_[i]->timeMin() == timer.timeMin : !timer.held;
     if (!same) found += text("timer ", i, " waits for another time\n");
+  }
+  for (unsigned i = 0; i < clockCount; ++i) {
+    Mox::Seconds earliest = Mox::never;
+    for (unsigned const timer : plain.listedTimers[i]) {
+      earliest = std::min(earliest, plain.timers[timer].timeMin);
+    }
+    if (clocks_[i]->timeMin() != earliest) found += text("clock ", i, " waits for another time\n");
   }
   if (!(driver_ == plain.driver)) found += "the driver is in another state\n";
   if (time_.microseconds() != plain.microseconds) found += "it is another time\n";

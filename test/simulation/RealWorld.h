@@ -35,7 +35,7 @@ class RealWorld final : private Listener {
   /// What is otherwise than it should be; empty when nothing is.
   std::string differenceFrom(PlainState const& plain);
 
-  /// Tears everything down; what is left of it.
+  /// What there still is when no world is left; empty when nothing is.
   static std::string leftOver();
 
  private:
@@ -65,7 +65,7 @@ class RealWorld final : private Listener {
   template <class C>
   void startWalk(typename C::Entity& entity, Event const& event);
   template <class Entity>
-  std::string differenceOf(Entity const& entity, unsigned number, PlainEntity const& plain);
+  std::string differenceOf(Entity const& entity, unsigned number, PlainState const& world);
 
   // The machine (RealMachine.cpp).
   void carryOutOnMachine(Event const& event);

@@ -133,7 +133,7 @@ bool fails(std::vector<Event> const& events, std::optional<Op> without) {
     int const nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     dup2(nowhere, STDERR_FILENO);
     Probes probes;
-    Outcome const outcome = run(events, probes, {.without = without});
+    Outcome const outcome = run(events, probes, {.without = without, .patience = 3});
     _exit(outcome.failure.empty() ? 0 : 1);
   }
   int status = 0;

@@ -161,6 +161,7 @@ void printTable(Progress const& progress, bool failed) {
 
 /// Runs in a process of its own and looks on, so that its death tells how far it came.
 int supervise(Options const& options) {
+  eventsFor(options, options.from);  // a script that is refused is refused before anything runs
   rlimit const noCore{0, 0};
   setrlimit(RLIMIT_CORE, &noCore);
   void* const shared =
