@@ -158,7 +158,9 @@ int run(int argc, char** argv) {
   Sums sums;
   for (int i = firstSlice; i < argc; ++i) {
     ScratchDirectory const directory;
-    AgentRuns const runs(argv[1], argv[2], std::filesystem::absolute(argv[i]), directory.path());
+    // The agent runs in that directory.
+    auto const absolute = [&](int argument) { return std::filesystem::absolute(argv[argument]); };
+    AgentRuns const runs(absolute(1), absolute(2), absolute(i), directory.path());
     Crashes(runs, argv[i], sums).killEverywhere();
   }
   std::printf("crash consistency: runs %zu, kills %zu, second kills %zu, differences %zu\n",
