@@ -14,7 +14,7 @@ build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 # shellcheck disable=SC2034
 test_packages=(
   "${build_packages[@]}" g++-multilib clang libclang-rt-14-dev clang-format clang-tidy shellcheck
-  googletest binutils pkgconf ccache gcovr)
+  googletest binutils pkgconf ccache gcovr patch)
 
 # The process ends with MESSAGE on standard error.
 fail() {

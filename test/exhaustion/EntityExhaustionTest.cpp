@@ -7,7 +7,7 @@
 #include "registry/DeferredNotification.h"
 #include "test/exhaustion/Content.h"
 #include "test/exhaustion/EveryAllocation.h"
-#include "test/model/Collections.h"
+#include "test/model/TypedSuites.h"
 
 /// What is left of an entity, and what its observers know, when a change runs out of memory.
 namespace Hardware::Kest::Slice {
@@ -101,12 +101,6 @@ class EntityExhaustion : public testing::Test {
   Mox::String8 const absent{"Ethernet4/1/1, which is not there"};
 };
 
-using AllCollections =
-    testing::Types<SwitchPortOf<KestSliceDmaConfig>, NativeVlanOf<KestSliceDmaConfig>,
-                   SwitchportModeOf<KestSliceDmaConfig>, DeviceOf<KestSliceDmaConfig>,
-                   DeviceStateOf<KestSliceDmaConfig>, SwitchPortOf<KestSliceDmaStatus>,
-                   NativeVlanOf<KestSliceDmaStatus>, SwitchportModeOf<KestSliceDmaStatus>,
-                   DeviceOf<KestSliceDmaStatus>, DeviceStateOf<KestSliceDmaStatus>>;
 TYPED_TEST_SUITE(EntityExhaustion, AllCollections, CollectionNames);
 
 TYPED_TEST(EntityExhaustion, InsertsWhollyOrNotAtAll) {

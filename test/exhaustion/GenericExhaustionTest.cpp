@@ -2,6 +2,7 @@
 #include "registry/SmType.h"
 #include "test/exhaustion/EveryAllocation.h"
 #include "test/exhaustion/MachineScene.h"
+#include "test/model/TypedSuites.h"
 #include "test/registry/Access.h"
 
 /// Generic access without memory: what it is asked for is done and handed over, or neither.

@@ -1,8 +1,9 @@
 #include "test/exhaustion/Shortage.h"
 
 #include <cstdlib>
-#include <new>
 #include <utility>
+
+#include "test/support/Allocation.h"
 
 namespace Exhaustion {
 
@@ -22,23 +23,6 @@ bool isShort() noexcept {
     return true;
   }
   return false;
-}
-
-void* allocated(std::size_t bytes) noexcept {
-  void* const memory = isShort() ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
-  if (memory != nullptr) ++live;
-  return memory;
-}
-
-void* allocatedOrThrow(std::size_t bytes) {
-  void* const memory = allocated(bytes);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
-void freed(void* memory) noexcept {
-  if (memory != nullptr) --live;
-  std::free(memory);
 }
 
 }  // namespace
@@ -69,33 +53,13 @@ bool Shortage::hasCome() const noexcept {
 
 }  // namespace Exhaustion
 
-void* operator new(std::size_t bytes) {
-  return Exhaustion::allocatedOrThrow(bytes);
+void* Test::allocated(std::size_t bytes) noexcept {
+  void* const memory = Exhaustion::isShort() ? nullptr : std::malloc(bytes);
+  if (memory != nullptr) ++Exhaustion::live;
+  return memory;
 }
-void* operator new[](std::size_t bytes) {
-  return Exhaustion::allocatedOrThrow(bytes);
-}
-void* operator new(std::size_t bytes, std::nothrow_t const&) noexcept {
-  return Exhaustion::allocated(bytes);
-}
-void* operator new[](std::size_t bytes, std::nothrow_t const&) noexcept {
-  return Exhaustion::allocated(bytes);
-}
-void operator delete(void* memory) noexcept {
-  Exhaustion::freed(memory);
-}
-void operator delete[](void* memory) noexcept {
-  Exhaustion::freed(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  Exhaustion::freed(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-  Exhaustion::freed(memory);
-}
-void operator delete(void* memory, std::nothrow_t const&) noexcept {
-  Exhaustion::freed(memory);
-}
-void operator delete[](void* memory, std::nothrow_t const&) noexcept {
-  Exhaustion::freed(memory);
+
+void Test::freed(void* memory) noexcept {
+  if (memory != nullptr) --Exhaustion::live;
+  std::free(memory);
 }

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <new>
 
-#include "test/model/Collections.h"
+#include "test/model/TypedSuites.h"
+#include "test/support/Allocation.h"
 
 /// What a change of an entity allocates. The program's allocation functions, which the libraries
 /// use too, are replaced by ones that count.
@@ -11,47 +11,14 @@ namespace {
 
 std::size_t allocations = 0;
 
-void* counted(std::size_t bytes) noexcept {
-  ++allocations;
-  return std::malloc(bytes == 0 ? 1 : bytes);
-}
-
-void* countedOrThrow(std::size_t bytes) {
-  void* const memory = counted(bytes);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
 }  // namespace
 
-void* operator new(std::size_t bytes) {
-  return countedOrThrow(bytes);
+void* Test::allocated(std::size_t bytes) noexcept {
+  ++allocations;
+  return std::malloc(bytes);
 }
-void* operator new[](std::size_t bytes) {
-  return countedOrThrow(bytes);
-}
-void* operator new(std::size_t bytes, std::nothrow_t const&) noexcept {
-  return counted(bytes);
-}
-void* operator new[](std::size_t bytes, std::nothrow_t const&) noexcept {
-  return counted(bytes);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::nothrow_t const&) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, std::nothrow_t const&) noexcept {
+
+void Test::freed(void* memory) noexcept {
   std::free(memory);
 }
 
@@ -80,12 +47,6 @@ class Allocations : public testing::Test {
   Mox::Ptr<typename C::Entry> const entry = C::newEntry(*entity, key, value);
 };
 
-using AllCollections =
-    testing::Types<SwitchPortOf<KestSliceDmaConfig>, NativeVlanOf<KestSliceDmaConfig>,
-                   SwitchportModeOf<KestSliceDmaConfig>, DeviceOf<KestSliceDmaConfig>,
-                   DeviceStateOf<KestSliceDmaConfig>, SwitchPortOf<KestSliceDmaStatus>,
-                   NativeVlanOf<KestSliceDmaStatus>, SwitchportModeOf<KestSliceDmaStatus>,
-                   DeviceOf<KestSliceDmaStatus>, DeviceStateOf<KestSliceDmaStatus>>;
 TYPED_TEST_SUITE(Allocations, AllCollections, CollectionNames);
 
 TYPED_TEST(Allocations, AreMadeForANewEntry) {

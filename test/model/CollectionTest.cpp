@@ -3,8 +3,8 @@
 
 #include <set>
 
-#include "test/model/Collections.h"
 #include "test/model/Recorder.h"
+#include "test/model/TypedSuites.h"
 
 /// What every collection of both entities does.
 namespace Hardware::Kest::Slice {
@@ -46,12 +46,6 @@ class AnyCollection : public testing::Test {
   Mox::Ptr<Recorder<Entity>> a = observe(entity, "a", events);
 };
 
-using AllCollections =
-    testing::Types<SwitchPortOf<KestSliceDmaConfig>, NativeVlanOf<KestSliceDmaConfig>,
-                   SwitchportModeOf<KestSliceDmaConfig>, DeviceOf<KestSliceDmaConfig>,
-                   DeviceStateOf<KestSliceDmaConfig>, SwitchPortOf<KestSliceDmaStatus>,
-                   NativeVlanOf<KestSliceDmaStatus>, SwitchportModeOf<KestSliceDmaStatus>,
-                   DeviceOf<KestSliceDmaStatus>, DeviceStateOf<KestSliceDmaStatus>>;
 TYPED_TEST_SUITE(AnyCollection, AllCollections, CollectionNames);
 
 TYPED_TEST(AnyCollection, AnAbsentKeyReadsAsTheDefaultAndCountsALookup) {

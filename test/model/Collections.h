@@ -199,18 +199,4 @@ inline constexpr Mox::AttributeId switchPortId<KestSliceDmaConfig> = 259;
 template <>
 inline constexpr Mox::AttributeId switchPortId<KestSliceDmaStatus> = 258;
 
-/// Names for the types of a typed suite.
-struct EntityNames {
-  template <class E>
-  static std::string GetName(int) {
-    return std::is_same_v<E, KestSliceDmaConfig> ? "Config" : "Status";
-  }
-};
-struct CollectionNames {
-  template <class C>
-  static std::string GetName(int) {
-    return EntityNames::GetName<typename C::Entity>(0) + (C::handler + 2);
-  }
-};
-
 }  // namespace Hardware::Kest::Slice

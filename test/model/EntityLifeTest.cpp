@@ -5,8 +5,8 @@
 
 #include "platform/mox/Dir.h"
 #include "registry/EntityTypes.h"
-#include "test/model/Collections.h"
 #include "test/model/Recorder.h"
+#include "test/model/TypedSuites.h"
 
 namespace Hardware::Kest::Slice {
 namespace {

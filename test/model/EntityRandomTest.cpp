@@ -3,8 +3,8 @@
 #include <random>
 
 #include "test/model/AnyNotifiee.h"
-#include "test/model/Collections.h"
 #include "test/model/PlainRun.h"
+#include "test/model/TypedSuites.h"
 
 /// A long random run of both entities, whose observers read, write, throw, join, leave, move and
 /// end inside notifications, against a plain model that predicts every notification.

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "test/model/Collections.h"
 #include "test/model/Recorder.h"
+#include "test/model/TypedSuites.h"
 
 namespace Hardware::Kest::Slice {
 namespace {

@@ -4,9 +4,9 @@
 
 #include "registry/DeviceStateType.h"
 #include "registry/EntityTypes.h"
-#include "test/model/Collections.h"
 #include "test/model/RandomSteps.h"
 #include "test/model/Recorder.h"
+#include "test/model/TypedSuites.h"
 #include "test/registry/Access.h"
 
 namespace Hardware::Kest::Slice {

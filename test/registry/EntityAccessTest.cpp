@@ -7,7 +7,7 @@
 #include "registry/DeviceStateType.h"
 #include "registry/EntityTypes.h"
 #include "registry/RecordTypes.h"
-#include "test/model/Collections.h"
+#include "test/model/TypedSuites.h"
 #include "test/registry/Access.h"
 
 /// Generic access to the two entities.

@@ -94,6 +94,26 @@ Answer Driver::isUp(unsigned key, bool* isUp) {
   });
 }
 
+void Driver::carryOut(Event const& event) {
+  unsigned const key = event.index(0);
+  switch (event.op) {
+    case Op::fault:
+      return fault(static_cast<Call>(event[0]), event.index(1), event[2], event[3],
+                   static_cast<Effect>(event[4]));
+    case Op::flip:
+      devices_[key].up = !devices_[key].up;
+      return;
+    case Op::lose:
+      interfaces_[key].lost = true;
+      return;
+    case Op::forget:
+      devices_[key].forgotten = true;
+      return;
+    default:
+      return mend();
+  }
+}
+
 void Driver::fault(Call call, unsigned key, int times, int result, Effect effect) {
   if (faultCount_ == faults_.size()) return;
   faults_[faultCount_++] = {call, effect, static_cast<std::uint8_t>(key),

@@ -52,18 +52,17 @@ class Driver {
   Answer up(unsigned key);
   Answer isUp(unsigned key, bool* isUp);
 
-  /// The next `times` calls of that operation for the key answer so; a result of 0 lets them go
-  /// their usual way. Left out when enough are planned.
-  void fault(Call call, unsigned key, int times, int result, Effect effect);
-  void flip(unsigned key) { devices_[key].up = !devices_[key].up; }
-  void lose(unsigned key) { interfaces_[key].lost = true; }
-  void forget(unsigned key) { devices_[key].forgotten = true; }
+  /// What an event of the driver does.
+  void carryOut(Event const& event);
   /// No faults, and everything is again as the operations left it.
   void mend();
 
   friend bool operator==(Driver const&, Driver const&) = default;
 
  private:
+  /// The next `times` calls of that operation for the key answer so; a result of 0 lets them go
+  /// their usual way. Left out when enough are planned.
+  void fault(Call call, unsigned key, int times, int result, Effect effect);
   struct Fault {
     Call call{};
     Effect effect{};

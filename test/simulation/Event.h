@@ -102,6 +102,15 @@ inline OpInfo const& infoOf(Op op) {
   return allOps()[static_cast<std::size_t>(op)];
 }
 
+/// Whether it is done to an observer.
+inline bool isOfObserver(Op op) {
+  return op >= Op::renew && op <= Op::point;
+}
+/// Whether it is planned for the driver, or happens to what is behind it.
+inline bool isOfDriver(Op op) {
+  return op >= Op::fault && op <= Op::forget;
+}
+
 /// The kind of event of that name; `std::runtime_error` when there is none.
 Op opOf(std::string_view name);
 

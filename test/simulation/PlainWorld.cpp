@@ -63,25 +63,9 @@ bool PlainWorld::machineMakesSense(Event const& event) const {
 }
 
 void PlainWorld::carryOut(Event const& event) {
-  Driver& driver = state.driver;
+  if (isOfObserver(event.op)) return carryOutOnObserver(event);
+  if (isOfDriver(event.op)) return state.driver.carryOut(event);
   switch (event.op) {
-    case Op::renew:
-    case Op::drop:
-    case Op::join:
-    case Op::leave:
-    case Op::point:
-      return carryOutOnObserver(event);
-    case Op::fault:
-      return driver.fault(static_cast<Call>(event[0]), event.index(1), event[2], event[3],
-                          static_cast<Effect>(event[4]));
-    case Op::mend:
-      return driver.mend();
-    case Op::flip:
-      return driver.flip(event.index(0));
-    case Op::lose:
-      return driver.lose(event.index(0));
-    case Op::forget:
-      return driver.forget(event.index(0));
     case Op::pass:
       return pass(event[0]);
     case Op::wall:

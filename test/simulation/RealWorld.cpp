@@ -119,24 +119,9 @@ void RealWorld::apply(Effect effect) {
 }
 
 void RealWorld::carryOut(Event const& event) {
+  if (isOfObserver(event.op)) return carryOutOnObserver(event);
+  if (isOfDriver(event.op)) return driver_.carryOut(event);
   switch (event.op) {
-    case Op::renew:
-    case Op::drop:
-    case Op::join:
-    case Op::leave:
-    case Op::point:
-      return carryOutOnObserver(event);
-    case Op::fault:
-      return driver_.fault(static_cast<Call>(event[0]), event.index(1), event[2], event[3],
-                           static_cast<Effect>(event[4]));
-    case Op::mend:
-      return driver_.mend();
-    case Op::flip:
-      return driver_.flip(event.index(0));
-    case Op::lose:
-      return driver_.lose(event.index(0));
-    case Op::forget:
-      return driver_.forget(event.index(0));
     case Op::pass:
       time_.advance(event[0]);
       for (auto const& clock : clocks_) clock->dispatch();

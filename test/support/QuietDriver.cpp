@@ -3,7 +3,8 @@
 #include "driver/KestDma.h"
 #pragma GCC visibility pop
 
-/// A driver library that lacks one operation: kestDmaIsDeviceUp.
+/// A driver that takes no memory, does whatever it is asked, and keeps nothing of it. On its own it
+/// lacks one operation, kestDmaIsDeviceUp; that is in QuietDriverIsDeviceUp.cpp.
 namespace Hardware::Kest {
 
 int kestDmaIfadd(char const*, int, int, int, Mox::String8, int, bool, bool, char const*) {
