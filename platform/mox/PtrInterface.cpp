@@ -2,7 +2,7 @@
 
 namespace Mox {
 
-std::atomic<bool> detail::ReferenceCount::threadSafe_{false};
+std::atomic<bool> detail::ThreadSafePtr::on{false};
 
 PtrInterface::~PtrInterface() = default;
 
@@ -25,33 +25,33 @@ MoxType const* PtrInterface::fwkType() const {
 }
 
 void PtrInterface::referenceDel() const noexcept {
-  // Read first: once this reference is gone, another thread may destroy the object.
-  std::uint32_t const observers = notifierReferences_.value();
-  std::uint32_t const left = references_.dec();
+  Counts const left = counts_.become([](Counts counts) {
+    Counts const others = counts - outside;
+    bool const onlyObservers = others != 0 && all(others) == ofObservers(others);
+    // An observer's in its place keeps the object until it is told: others may let go meanwhile.
+    return onlyObservers ? others + observers : others;
+  });
   if (left == 0) {
     delete this;
-  } else if (left == observers) {
+  } else if (all(left) == ofObservers(left)) {
     tellZeroReferences();
+    notifierReferenceDel();
   }
 }
 
 void PtrInterface::notifierReferenceNew() const noexcept {
-  references_.inc();
-  notifierReferences_.inc();
+  counts_.add(observers);
 }
 
 void PtrInterface::notifierReferenceDel() const noexcept {
-  notifierReferences_.dec();
-  if (references_.dec() == 0) delete this;
+  if (counts_.sub(observers) == 0) delete this;
 }
 
 void PtrInterface::tellZeroReferences() const noexcept {
   if (flag(tellingZero)) return;
   flagIs(tellingZero, true);
-  notifierReferenceNew();  // observers may let go of the object while they are told
   const_cast<PtrInterface*>(this)->zeroReferencesIs(true);
   flagIs(tellingZero, false);
-  notifierReferenceDel();
 }
 
 }  // namespace Mox

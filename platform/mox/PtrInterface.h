@@ -14,38 +14,49 @@ using AttributeId = std::uint32_t;
 
 namespace detail {
 
-/// A reference count that is atomic only while the thread-safe pointer switch is on
-/// (`PtrInterface::threadSafePtrIs`); otherwise a plain increment.
-class MOX_API ReferenceCount {
+/// The thread-safe pointer switch (`PtrInterface::threadSafePtrIs`), one for all libraries.
+struct MOX_API ThreadSafePtr {
+  static std::atomic<bool> on;
+};
+
+/// A count that is atomic only while the thread-safe pointer switch is on; otherwise plain. An
+/// atomic `become` or `sub` comes behind all that other threads did before theirs.
+template <class Count>
+class ReferenceCount {
  public:
-  explicit ReferenceCount(std::uint32_t initial) noexcept : count_(initial) {}
+  explicit ReferenceCount(Count initial) noexcept : count_(initial) {}
 
-  std::uint32_t value() const noexcept { return count_.load(std::memory_order_relaxed); }
+  Count value() const noexcept { return count_.load(std::memory_order_relaxed); }
 
-  void inc() noexcept {
-    if (threadSafe_.load(std::memory_order_relaxed)) {
-      count_.fetch_add(1, std::memory_order_relaxed);
+  void add(Count more) noexcept {
+    if (ThreadSafePtr::on.load(std::memory_order_relaxed)) {
+      count_.fetch_add(more, std::memory_order_relaxed);
     } else {
-      count_.store(value() + 1, std::memory_order_relaxed);
+      count_.store(value() + more, std::memory_order_relaxed);
     }
+  }
+
+  /// `next(count)` takes the place of the count and is returned.
+  template <class Next>
+  Count become(Next next) noexcept {
+    Count count = value();
+    if (ThreadSafePtr::on.load(std::memory_order_relaxed)) {
+      while (!count_.compare_exchange_weak(count, next(count), std::memory_order_acq_rel,
+                                           std::memory_order_relaxed)) {
+      }
+    } else {
+      count_.store(next(count), std::memory_order_relaxed);
+    }
+    return next(count);
   }
 
   /// Returns the count that is left.
-  std::uint32_t dec() noexcept {
-    if (threadSafe_.load(std::memory_order_relaxed)) {
-      return count_.fetch_sub(1, std::memory_order_acq_rel) - 1;
-    }
-    std::uint32_t const left = value() - 1;
-    count_.store(left, std::memory_order_relaxed);
-    return left;
+  Count sub(Count less) noexcept {
+    return become([less](Count count) { return count - less; });
   }
 
-  static bool threadSafe() noexcept { return threadSafe_.load(std::memory_order_relaxed); }
-  static void threadSafeIs(bool on) noexcept { threadSafe_.store(on, std::memory_order_relaxed); }
-
  private:
-  std::atomic<std::uint32_t> count_;
-  static std::atomic<bool> threadSafe_;
+  std::atomic<Count> count_;
 };
 
 }  // namespace detail
@@ -59,7 +70,9 @@ class MOX_API ReferenceCount {
 /// they go too. It is told again if it was referenced from outside once more in the meantime, but
 /// never while it is being told.
 ///
-/// Threads. Counts are atomic only while `threadSafePtrIs(true)`; nothing else here is.
+/// Threads. Counts are atomic only while `threadSafePtrIs(true)`; nothing else here is. Threads may
+/// then take and drop references to one object, observers' among them: it is told in the thread
+/// that drops the last ordinary one, and destroyed in the thread that drops the last of all.
 class MOX_API PtrInterface {
  public:
   PtrInterface(PtrInterface const&) = delete;
@@ -84,16 +97,20 @@ class MOX_API PtrInterface {
   bool moxMarkedForDeletion() const noexcept { return flag(markedForDeletion); }
   void moxMarkedForDeletionIs(bool marked) noexcept { flagIs(markedForDeletion, marked); }
 
-  std::uint32_t references() const noexcept { return references_.value(); }
-  std::uint32_t notifierReferences() const noexcept { return notifierReferences_.value(); }
-  void referenceNew() const noexcept { references_.inc(); }
+  std::uint32_t references() const noexcept { return all(counts_.value()); }
+  std::uint32_t notifierReferences() const noexcept { return ofObservers(counts_.value()); }
+  void referenceNew() const noexcept { counts_.add(outside); }
   void referenceDel() const noexcept;
   void notifierReferenceNew() const noexcept;
   void notifierReferenceDel() const noexcept;
 
   /// The thread-safe pointer switch. Set it while a single thread runs.
-  static bool threadSafePtr() noexcept { return detail::ReferenceCount::threadSafe(); }
-  static void threadSafePtrIs(bool on) noexcept { detail::ReferenceCount::threadSafeIs(on); }
+  static bool threadSafePtr() noexcept {
+    return detail::ThreadSafePtr::on.load(std::memory_order_relaxed);
+  }
+  static void threadSafePtrIs(bool on) noexcept {
+    detail::ThreadSafePtr::on.store(on, std::memory_order_relaxed);
+  }
 
  protected:
   PtrInterface() = default;
@@ -105,8 +122,17 @@ class MOX_API PtrInterface {
   void flagIs(Flag f, bool on) const noexcept { flags_ = on ? flags_ | f : flags_ & ~f; }
   void tellZeroReferences() const noexcept;
 
-  mutable detail::ReferenceCount references_{0};
-  mutable detail::ReferenceCount notifierReferences_{0};
+  /// Both counts in one word, so that no thread sees one of them without the other: all references
+  /// in the low half, observers' in the high half.
+  using Counts = std::uint64_t;
+  static constexpr Counts outside = 1;  // what one reference adds
+  static constexpr Counts observers = (Counts{1} << 32) + outside;
+  static std::uint32_t all(Counts counts) noexcept { return static_cast<std::uint32_t>(counts); }
+  static std::uint32_t ofObservers(Counts counts) noexcept {
+    return static_cast<std::uint32_t>(counts >> 32);
+  }
+
+  mutable detail::ReferenceCount<Counts> counts_{0};
   mutable std::uint32_t flags_ = 0;
 };
 

@@ -25,7 +25,7 @@ char const String8::noChars = '\0';
 String8::String8(std::string_view chars) {
   if (chars.empty()) return;
   void* const memory = ::operator new(sizeof(Rep) + chars.size() + 1);
-  rep_ = new (memory) Rep{detail::ReferenceCount(1), hashOf(chars), chars.size()};
+  rep_ = new (memory) Rep{detail::ReferenceCount<std::uint32_t>(1), hashOf(chars), chars.size()};
   std::memcpy(rep_->chars(), chars.data(), chars.size());
   rep_->chars()[chars.size()] = '\0';
 }

@@ -62,7 +62,7 @@ class MOX_API String8 {
     return *this;
   }
   ~String8() {
-    if (rep_ != nullptr && rep_->references.dec() == 0) freeRep(rep_);
+    if (rep_ != nullptr && rep_->references.sub(1) == 0) freeRep(rep_);
   }
 
   /// NUL-terminated characters; valid as long as a string shares them.
@@ -94,7 +94,7 @@ class MOX_API String8 {
   static char const noChars;
 
   struct Rep {  // the characters and their NUL follow in the same allocation
-    detail::ReferenceCount references;
+    detail::ReferenceCount<std::uint32_t> references;
     std::uint32_t hash;
     std::size_t bytes;
     char* chars() noexcept { return reinterpret_cast<char*>(this + 1); }
@@ -102,7 +102,7 @@ class MOX_API String8 {
 
   static void freeRep(Rep* rep) noexcept;
   void take() const noexcept {
-    if (rep_ != nullptr) rep_->references.inc();
+    if (rep_ != nullptr) rep_->references.add(1);
   }
 
   Rep* rep_ = nullptr;

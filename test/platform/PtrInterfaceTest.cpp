@@ -3,13 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <functional>
-#include <thread>
-#include <vector>
 
 #include "platform/mox/Ptr.h"
-#include "platform/mox/String8.h"
 #include "test/platform/Journaled.h"
 
 namespace Mox {
@@ -144,60 +140,6 @@ TEST_F(PtrInterfaceTest, FlagsAreIndependentAndOffAtFirst) {
 
 TEST_F(PtrInterfaceTest, HasNoTypeUnlessItSaysSo) {
   EXPECT_EQ(raw->fwkType(), nullptr);
-}
-
-class ThreadSafePtrTest : public ::testing::Test {
- protected:
-  ThreadSafePtrTest() { PtrInterface::threadSafePtrIs(true); }
-  ~ThreadSafePtrTest() override { PtrInterface::threadSafePtrIs(false); }
-
-  static void onTwoThreads(std::function<void()> const& work) {
-    std::thread other(work);
-    work();
-    other.join();
-  }
-};
-
-class Tallied : public PtrInterface {
- public:
-  explicit Tallied(std::atomic<int>& gone) : gone_(gone) {}
-  ~Tallied() override { ++gone_; }
-
- private:
-  std::atomic<int>& gone_;
-};
-
-TEST_F(ThreadSafePtrTest, LosesNoCountOfObjectsAndStringsThatThreadsShare) {
-  std::atomic<int> gone = 0;
-  Ptr<Tallied> const object(new Tallied(gone));
-  String8 const text("shared");
-  onTwoThreads([&] {
-    for (int i = 0; i < 100000; ++i) {
-      Ptr<Tallied> const copy = object;
-      String8 const sharer = text;
-      object->notifierReferenceNew();
-      object->notifierReferenceDel();
-    }
-  });
-  EXPECT_EQ(object->references(), 1U);
-  EXPECT_EQ(object->notifierReferences(), 0U);
-  EXPECT_EQ(gone, 0);
-  EXPECT_EQ(text, "shared");
-}
-
-TEST_F(ThreadSafePtrTest, DestroysAnObjectOnceWhicheverThreadLetsGoLast) {
-  constexpr int count = 20000;
-  std::atomic<int> gone = 0;
-  std::vector<Tallied*> objects;
-  for (int i = 0; i < count; ++i) {
-    objects.push_back(new Tallied(gone));
-    objects.back()->referenceNew();
-    objects.back()->referenceNew();
-  }
-  onTwoThreads([&] {
-    for (Tallied* object : objects) object->referenceDel();
-  });
-  EXPECT_EQ(gone, count);
 }
 
 }  // namespace
