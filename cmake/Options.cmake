@@ -1,6 +1,7 @@
 # What every target is built with.
 
 option(KEST_TESTS "Build the tests" ON)
+option(KEST_BENCH "Build the benchmarks; needs what they are compared with" OFF)
 option(KEST_FUZZERS "Build the fuzzers; needs clang++, and fuzzer-no-link among KEST_SANITIZE" OFF)
 set(KEST_SANITIZE "" CACHE STRING "Sanitizers to build with, as in address,undefined")
 option(KEST_SANITIZE_AGENT "Instrument the agent and its client too, not only the libraries" ON)

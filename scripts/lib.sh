@@ -16,6 +16,12 @@ test_packages=(
   "${build_packages[@]}" g++-multilib clang libclang-rt-14-dev clang-format clang-tidy shellcheck
   googletest binutils pkgconf ccache gcovr patch)
 
+# What the benchmarks are built with and compared with; nothing else needs them.
+# shellcheck disable=SC2034
+bench_packages=(
+  "${build_packages[@]}" ccache python3 libbenchmark-dev libabsl-dev libboost-dev libsigc++-3.0-dev
+  libfmt-dev rapidjson-dev libsimdjson-dev libprotobuf-dev protobuf-compiler)
+
 # The process ends with MESSAGE on standard error.
 fail() {
   echo "$(basename "$0"): $*" >&2

@@ -1,0 +1,7 @@
+#include "bench/rows/Rows.h"
+
+namespace Kest::Bench {
+
+void measureTexts() {}
+
+}  // namespace Kest::Bench
