@@ -1,0 +1,36 @@
+#include <simdjson.h>
+
+#include "bench/peers/Texts.h"
+
+namespace Kest::Bench {
+
+struct SimdJsonReader::Parser : simdjson::ondemand::parser {};
+
+SimdJsonReader::SimdJsonReader() : parser_(std::make_unique<Parser>()) {}
+SimdJsonReader::~SimdJsonReader() = default;
+
+std::size_t SimdJsonReader::padding() {
+  return simdjson::SIMDJSON_PADDING;
+}
+
+Port SimdJsonReader::read(std::string_view json) {
+  simdjson::ondemand::document document =
+      parser_->iterate(json.data(), json.size(), json.size() + padding());
+  simdjson::ondemand::object object = document.get_object();
+  auto const number = [&](std::string_view name) {
+    return static_cast<std::uint32_t>(std::uint64_t(object[name]));
+  };
+  Port port;
+  port.ifName = std::string_view(object["ifName"]);
+  port.destId = number("destId");
+  port.shadowIntfId = number("shadowIntfId");
+  port.trafficClass = number("trafficClass");
+  port.devName = std::string_view(object["devName"]);
+  port.fapNum = number("fapNum");
+  port.ctrl = bool(object["ctrl"]);
+  port.hwLag = bool(object["hwLag"]);
+  port.macAddr = macAddrOf(std::string_view(object["macAddr"]));
+  return port;
+}
+
+}  // namespace Kest::Bench

@@ -1,0 +1,222 @@
+#!/usr/bin/env python3
+"""Runs the benchmarks that scripts/bench has built and prints the table (bench/table.py)."""
+
+import argparse
+import json
+import os
+import re
+import statistics
+import subprocess
+import sys
+from collections import defaultdict
+from datetime import datetime, timezone
+from pathlib import Path
+
+from table import LINES
+
+ROOT = Path(__file__).resolve().parent.parent
+PAUSE_SECONDS = 0.1  # after each port that is created
+LOADS = 41
+AGENT_RUNS = 3
+
+
+def arguments():
+    parser = argparse.ArgumentParser(
+        prog="scripts/bench",
+        description="Measures the library beside what its users would otherwise build on.")
+    parser.add_argument("rows", nargs="*", metavar="ROW", help="rows of the table, a to m")
+    parser.add_argument("--filter", metavar="REGEX", default="",
+                        help="only benchmarks whose name, ROW/VARIANT/WHO, matches")
+    parser.add_argument("--json", metavar="FILE", type=Path, help="where the table is written")
+    parser.add_argument("--repetitions", metavar="N", type=int, default=9,
+                        help="of which the medians are taken (9)")
+    parser.add_argument("--seconds", metavar="S", type=float, default=0.05,
+                        help="that a repetition takes at least (0.05)")
+    parser.add_argument("--build", type=Path, default=ROOT / "build/bench", help=argparse.SUPPRESS)
+    options = parser.parse_args()
+    unknown = set(options.rows) - {line.row for line in LINES}
+    if unknown:
+        parser.error(f"no such row: {' '.join(sorted(unknown))}")
+    options.json = options.json or options.build / "results.json"
+    return options
+
+
+class Samples:
+    """What was measured, by name (ROW/VARIANT/WHO)."""
+
+    def __init__(self, options):
+        self.options = options
+        self.of = defaultdict(list)
+
+    def wanted(self, name):
+        row = name.partition("/")[0]
+        return (row == "limit" or not self.options.rows or row in self.options.rows) and \
+            re.search(self.options.filter, name)
+
+    def add(self, name, value):
+        if self.wanted(name):
+            self.of[name].append(value)
+
+    def median(self, name):
+        return statistics.median(self.of[name]) if name in self.of else None
+
+    def noise(self, name):
+        """Half the distance of the quartiles, as a part of the median."""
+        values = self.of.get(name, [])
+        if len(values) < 4 or not statistics.median(values):
+            return None
+        low, median, high = statistics.quantiles(values, n=4)
+        return (high - low) / 2 / median
+
+
+def output(*command):
+    return subprocess.run([str(part) for part in command], check=True, stdout=subprocess.PIPE,
+                          text=True, cwd=ROOT).stdout
+
+
+def measure_times(options, samples):
+    program = options.build / "bin/kest_bench"
+    names = [name for name in output(program, "--benchmark_list_tests").splitlines()
+             if samples.wanted(name.removesuffix("/manual_time")) or name.startswith("limit/")]
+    if all(name.startswith("limit/") for name in names):
+        return
+    every = "|".join(re.sub(r"([.+*?()])", r"\\\1", name) for name in names)
+    raw = options.build / "times.json"
+    log = options.build / "times.log"
+    with log.open("w", encoding="utf-8") as errors:
+        subprocess.run(
+            [program, f"--benchmark_filter=^({every})$", "--benchmark_enable_random_interleaving",
+             f"--benchmark_repetitions={options.repetitions}",
+             f"--benchmark_min_time={options.seconds}",
+             f"--benchmark_out={raw}", "--benchmark_out_format=json"],
+            check=True, stdout=errors, stderr=errors, cwd=ROOT)
+    for run in json.loads(raw.read_text(encoding="utf-8"))["benchmarks"]:
+        if run["run_type"] != "iteration":
+            continue
+        if run.get("error_occurred"):
+            sys.exit(f"{run['name']}: {run['error_message']}")
+        manual = run["run_name"].endswith("/manual_time")
+        time = run["real_time"] if manual else run["cpu_time"]
+        samples.of[run["run_name"].removesuffix("/manual_time")].append(
+            time / run.get("operations", 1))
+
+
+def derive(samples):
+    """What each observer after the eighth costs: the difference to 64, shared out."""
+    for name in [name for name in samples.of if name.startswith("c/k=64/")]:
+        who = name.rpartition("/")[2]
+        few = samples.median(f"c/k=8/{who}")
+        if few is not None:
+            samples.of[f"c/further/{who}"] = [(samples.median(name) - few) / (64 - 8)]
+    if "c/further/ours" in samples.of:
+        samples.of["c/further/limit"] = samples.of["limit/virtual call/limit"]
+
+
+def measure_heap(options, samples):
+    if any(samples.wanted(f"{row}/") or samples.options.filter for row in "bk"):
+        for count in json.loads(output(options.build / "bin/bench_heap")):
+            samples.add(count["name"], count["value"])
+
+
+def measure_agent(options, samples):
+    if not samples.wanted("m/processor time") and not samples.wanted("m/load"):
+        return
+    binaries = options.build / "bin"
+    slice_file = ROOT / "examples/full.slice"
+    ports = sum(line.startswith("switchPort ")
+                for line in slice_file.read_text(encoding="utf-8").splitlines())
+    for _ in range(AGENT_RUNS):
+        processor, wall, kibibytes = map(float, output(
+            binaries / "bench_agent_run", binaries / "kest-slice-agent", "--once",
+            slice_file).split())
+        pauses = ports * PAUSE_SECONDS
+        if wall < pauses:
+            sys.exit(f"the agent took {wall} s, less than its pauses")
+        samples.add("m/processor time/ours", 100 * processor / pauses)
+        samples.add("m/resident/ours", kibibytes / 1024)
+    for _ in range(LOADS):
+        samples.add("m/load/ours", 1000 * float(output(
+            binaries / "bench_load", options.build / "lib/libkest-slice-dma.so")))
+
+
+def judged(line, samples):
+    """One line of the table; none when it was not measured."""
+    prefix = f"{line.row}/{line.variant}/"
+    ours = samples.median(prefix + "ours")
+    if ours is None:
+        return None
+    peers = {name.removeprefix(prefix): samples.median(name) for name in samples.of
+             if name.startswith(prefix) and name.rpartition("/")[2] not in ("ours", "limit")}
+    limit = samples.median(f"limit/{line.limit}/limit")
+    against = samples.median(prefix + line.against) if line.against else 1
+    if against is None:
+        return None
+    ratio = ours / against
+    return {
+        "row": line.row, "variant": line.variant, "operation": line.operation, "unit": line.unit,
+        "ours": ours, "noise": samples.noise(prefix + "ours"), "peers": peers,
+        "limit": {"of": line.limit, "value": limit} if limit is not None else None,
+        "against": line.against or None, "ratio": ratio if line.against else None,
+        "target": line.target, "met": ratio <= line.target,
+    }
+
+
+def number(value):
+    return f"{value:.0f}" if value >= 1000 else f"{value:.3g}"
+
+
+def cells(result):
+    against = result["against"]
+    peers = sorted(result["peers"].items(), key=lambda peer: (peer[0] != against, peer[1]))
+    limit = result["limit"]
+    return [
+        result["row"], result["operation"],
+        f"{number(result['ours'])} {result['unit']}",
+        f"{result['noise']:.0%}" if result["noise"] is not None else "",
+        ", ".join(f"{name} {number(value)}" for name, value in peers),
+        f"{limit['of'].partition('@')[0]} {number(limit['value'])}" if limit else "",
+        f"{result['ratio']:.2f} x {against}" if against else "",
+        f"{result['target']:g}" if against else f"{result['target']:g} {result['unit']}",
+        "met" if result["met"] else "NOT MET",
+    ]
+
+
+def print_table(results):
+    heads = ["", "operation", "ours", "+-", "peers", "limit", "ratio", "target", ""]
+    rows = [heads] + [cells(result) for result in results]
+    widths = [max(len(row[column]) for row in rows) for column in range(len(heads))]
+    for row in rows:
+        print("  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip())
+
+
+def surroundings():
+    cpu = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text(encoding="utf-8"))
+    return {
+        "date": datetime.now(timezone.utc).isoformat(timespec="seconds"),
+        "processor": cpu.group(1) if cpu else "unknown",
+        "processors": os.cpu_count(),
+        "load": os.getloadavg()[0],
+    }
+
+
+def main():
+    options = arguments()
+    samples = Samples(options)
+    machine = surroundings()
+    measure_times(options, samples)
+    derive(samples)
+    measure_heap(options, samples)
+    measure_agent(options, samples)
+    results = [result for line in LINES if (result := judged(line, samples))]
+    if not results:
+        sys.exit("nothing was measured that the table judges")
+    print_table(results)
+    met = sum(result["met"] for result in results)
+    print(f"\n{met} of {len(results)} targets met; {machine['processor']}, "
+          f"load {machine['load']:.1f} on {machine['processors']} processors at the start")
+    options.json.write_text(json.dumps({"machine": machine, "rows": results}, indent=1) + "\n",
+                            encoding="utf-8")
+
+
+if __name__ == "__main__":
+    main()
