@@ -25,6 +25,10 @@ inline void operationsAre(benchmark::State& state, std::size_t operations) {
   state.counters["operations"] = static_cast<double>(operations);
 }
 
+inline std::uint64_t iterationsOf(benchmark::State const& state) {
+  return static_cast<std::uint64_t>(state.iterations());
+}
+
 /// The records of a collection, as the store has them, in the visiting order: equal to those that
 /// it holds, but made apart from them. They live as long as the process.
 template <class Store>
@@ -87,10 +91,15 @@ template <class Store>
 void lookUp(benchmark::State& state, Shape shape) {
   Store const& store = filled<Store, InPlace>(shape);
   auto const& keys = visitedKeys<Store>(shape);
+  auto const before = store.lookupCount();
   std::size_t at = 0;
   for (auto _ : state) {
     benchmark::DoNotOptimize(store.lookup(keys[at]));
     if (++at == keys.size()) at = 0;
+  }
+  bool const counted = store.lookupCount() - before == iterationsOf(state);
+  if (!counted || !(store.lookup(keys[at]) == visitedRecords<Store>(shape)[at])) {
+    state.SkipWithError("a lookup was not counted, or did not find its record");
   }
 }
 
@@ -117,10 +126,6 @@ void expectTold(benchmark::State& state, Store const& store, std::uint64_t chang
   bool told = changes == expected;
   for (auto const count : store.told()) told = told && count == expected;
   if (!told) state.SkipWithError("a change was not told");
-}
-
-inline std::uint64_t iterationsOf(benchmark::State const& state) {
-  return static_cast<std::uint64_t>(state.iterations());
 }
 
 /// A write that changes a field of a record that is there, told to so many observers.

@@ -14,6 +14,7 @@ from pathlib import Path
 
 from table import LINES
 
+ROWS = sorted({line.row for line in LINES})
 ROOT = Path(__file__).resolve().parent.parent
 PAUSE_SECONDS = 0.1  # after each port that is created
 LOADS = 41
@@ -28,13 +29,13 @@ def arguments():
     parser.add_argument("--filter", metavar="REGEX", default="",
                         help="only benchmarks whose name, ROW/VARIANT/WHO, matches")
     parser.add_argument("--json", metavar="FILE", type=Path, help="where the table is written")
-    parser.add_argument("--repetitions", metavar="N", type=int, default=9,
-                        help="of which the medians are taken (9)")
-    parser.add_argument("--seconds", metavar="S", type=float, default=0.05,
-                        help="that a repetition takes at least (0.05)")
+    parser.add_argument("--repetitions", metavar="N", type=int, default=7,
+                        help="of which the medians are taken (7)")
+    parser.add_argument("--seconds", metavar="S", type=float, default=0.1,
+                        help="that a repetition takes at least (0.1)")
     parser.add_argument("--build", type=Path, default=ROOT / "build/bench", help=argparse.SUPPRESS)
     options = parser.parse_args()
-    unknown = set(options.rows) - {line.row for line in LINES}
+    unknown = set(options.rows) - set(ROWS)
     if unknown:
         parser.error(f"no such row: {' '.join(sorted(unknown))}")
     options.json = options.json or options.build / "results.json"
@@ -50,7 +51,7 @@ class Samples:
 
     def wanted(self, name):
         row = name.partition("/")[0]
-        return (row == "limit" or not self.options.rows or row in self.options.rows) and \
+        return (not self.options.rows or row in self.options.rows) and \
             re.search(self.options.filter, name)
 
     def add(self, name, value):
@@ -74,31 +75,41 @@ def output(*command):
                           text=True, cwd=ROOT).stdout
 
 
-def measure_times(options, samples):
-    program = options.build / "bin/kest_bench"
-    names = [name for name in output(program, "--benchmark_list_tests").splitlines()
-             if samples.wanted(name.removesuffix("/manual_time")) or name.startswith("limit/")]
-    if all(name.startswith("limit/") for name in names):
-        return
+def limits_of(row):
+    return {f"limit/{line.limit}/limit" for line in LINES if line.row == row and line.limit}
+
+
+def run_benchmarks(options, row, names):
+    """Runs them in a process of their own, in turn and in no order; returns what it reports."""
+    report = options.build / f"times-{row}.json"
     every = "|".join(re.sub(r"([.+*?()])", r"\\\1", name) for name in names)
-    raw = options.build / "times.json"
-    log = options.build / "times.log"
-    with log.open("w", encoding="utf-8") as errors:
+    with report.with_suffix(".log").open("w", encoding="utf-8") as log:
         subprocess.run(
-            [program, f"--benchmark_filter=^({every})$", "--benchmark_enable_random_interleaving",
+            [options.build / "bin/kest_bench", f"--benchmark_filter=^({every})$",
+             "--benchmark_enable_random_interleaving",
              f"--benchmark_repetitions={options.repetitions}",
              f"--benchmark_min_time={options.seconds}",
-             f"--benchmark_out={raw}", "--benchmark_out_format=json"],
-            check=True, stdout=errors, stderr=errors, cwd=ROOT)
-    for run in json.loads(raw.read_text(encoding="utf-8"))["benchmarks"]:
-        if run["run_type"] != "iteration":
+             f"--benchmark_out={report}", "--benchmark_out_format=json"],
+            check=True, stdout=log, stderr=log, cwd=ROOT)
+    runs = json.loads(report.read_text(encoding="utf-8"))["benchmarks"]
+    return [run for run in runs if run["run_type"] == "iteration"]
+
+
+def measure_times(options, samples):
+    """A row at a time, so that none finds the heap as another one has left it."""
+    listed = output(options.build / "bin/kest_bench", "--benchmark_list_tests").splitlines()
+    for row in ROWS:
+        names = [name for name in listed if name.startswith(f"{row}/") and
+                 samples.wanted(name.removesuffix("/manual_time"))]
+        if not names:
             continue
-        if run.get("error_occurred"):
-            sys.exit(f"{run['name']}: {run['error_message']}")
-        manual = run["run_name"].endswith("/manual_time")
-        time = run["real_time"] if manual else run["cpu_time"]
-        samples.of[run["run_name"].removesuffix("/manual_time")].append(
-            time / run.get("operations", 1))
+        for run in run_benchmarks(options, row, names + sorted(limits_of(row))):
+            if run.get("error_occurred"):
+                sys.exit(f"{run['name']}: {run['error_message']}")
+            manual = run["run_name"].endswith("/manual_time")
+            time = run["real_time"] if manual else run["cpu_time"]
+            samples.of[run["run_name"].removesuffix("/manual_time")].append(
+                time / run.get("operations", 1))
 
 
 def derive(samples):
@@ -113,13 +124,13 @@ def derive(samples):
 
 
 def measure_heap(options, samples):
-    if any(samples.wanted(f"{row}/") or samples.options.filter for row in "bk"):
+    if not options.rows or set(options.rows) & {"b", "k"}:
         for count in json.loads(output(options.build / "bin/bench_heap")):
             samples.add(count["name"], count["value"])
 
 
 def measure_agent(options, samples):
-    if not samples.wanted("m/processor time") and not samples.wanted("m/load"):
+    if not any(samples.wanted(f"m/{what}/ours") for what in ("processor time", "resident", "load")):
         return
     binaries = options.build / "bin"
     slice_file = ROOT / "examples/full.slice"

@@ -32,20 +32,70 @@ std::vector<unsigned> const& attributeOrder() {
   return order;
 }
 
-/// Reads `read(object, attribute)` of one object after the other, and sums what comes of it.
+/// A record as a map of variants: a rival, and what all of them are compared with.
+using Attributes =
+    std::unordered_map<std::string, std::variant<std::uint32_t, bool, std::string, Octets>>;
+
+Attributes attributesOf(Port const& port) {
+  return {{"ifName", port.ifName},
+          {"destId", port.destId},
+          {"shadowIntfId", port.shadowIntfId},
+          {"trafficClass", port.trafficClass},
+          {"devName", port.devName},
+          {"fapNum", port.fapNum},
+          {"ctrl", port.ctrl},
+          {"hwLag", port.hwLag},
+          {"macAddr", port.macAddr}};
+}
+
+struct NumberOf {
+  std::uint64_t operator()(std::uint32_t number) const { return number; }
+  std::uint64_t operator()(bool flag) const { return flag ? 1 : 0; }
+  std::uint64_t operator()(auto const& bytes) const { return bytes.size(); }
+};
+
+/// What the first reads of a run sum up to.
 template <class Object, class Attribute, class Read>
-void readAttributes(benchmark::State& state, std::vector<Object>& objects,
-                    std::vector<Attribute> const& attributes, Read const& read) {
-  std::vector<unsigned> const& order = attributeOrder();
+std::uint64_t sumOfReads(std::vector<Object> const& objects,
+                         std::vector<Attribute> const& attributes, Read const& read) {
   std::uint64_t sum = 0;
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    sum += read(objects[i], attributes[attributeOrder()[i]]);
+  }
+  return sum;
+}
+
+std::vector<Attributes> variants() {
+  std::vector<Attributes> all;
+  for (Port const& port : visited(portsOf(shortNames))) all.push_back(attributesOf(port));
+  return all;
+}
+
+std::vector<std::string> const& names() {
+  static std::vector<std::string> const all(std::begin(attributeNames), std::end(attributeNames));
+  return all;
+}
+
+std::uint64_t readVariant(Attributes const& record, std::string const& name) {
+  return std::visit(NumberOf(), record.find(name)->second);
+}
+
+/// Reads `read(object, attribute)` of one object after the other.
+template <class Object, class Attribute, class Read>
+void readAttributes(benchmark::State& state, std::vector<Object> const& objects,
+                    std::vector<Attribute> const& attributes, Read const& read) {
+  static std::uint64_t const expected = sumOfReads(variants(), names(), readVariant);
+  if (sumOfReads(objects, attributes, read) != expected) {
+    state.SkipWithError("something else was read");
+  }
+  std::vector<unsigned> const& order = attributeOrder();
   std::size_t object = 0;
   std::size_t step = 0;
   for (auto _ : state) {
-    sum += read(objects[object], attributes[order[step]]);
+    benchmark::DoNotOptimize(read(objects[object], attributes[order[step]]));
     if (++object == objects.size()) object = 0;
     if (++step == order.size()) step = 0;
   }
-  benchmark::DoNotOptimize(sum);
 }
 
 // Ours.
@@ -74,50 +124,22 @@ std::uint64_t readAdapter(Adapter const& record, Mox::AttributeId id) {
 }
 
 void oursById(benchmark::State& state) {
-  auto records = adapters();
+  auto const records = adapters();
   std::vector<Mox::AttributeId> ids;
   for (char const* name : attributeNames) ids.push_back(records[0]->attributeId(name));
   readAttributes(state, records, ids, readAdapter);
 }
 
 void oursByName(benchmark::State& state) {
-  auto records = adapters();
-  std::vector<Mox::String8> const names(std::begin(attributeNames), std::end(attributeNames));
-  readAttributes(state, records, names, [](Adapter const& record, Mox::String8 const& name) {
+  auto const records = adapters();
+  std::vector<Mox::String8> const strings(std::begin(attributeNames), std::end(attributeNames));
+  readAttributes(state, records, strings, [](Adapter const& record, Mox::String8 const& name) {
     return readAdapter(record, record->attributeId(name));
   });
 }
 
-// A map of variants.
-
-using Attributes =
-    std::unordered_map<std::string, std::variant<std::uint32_t, bool, std::string, Octets>>;
-
-Attributes attributesOf(Port const& port) {
-  return {{"ifName", port.ifName},
-          {"destId", port.destId},
-          {"shadowIntfId", port.shadowIntfId},
-          {"trafficClass", port.trafficClass},
-          {"devName", port.devName},
-          {"fapNum", port.fapNum},
-          {"ctrl", port.ctrl},
-          {"hwLag", port.hwLag},
-          {"macAddr", port.macAddr}};
-}
-
-struct NumberOf {
-  std::uint64_t operator()(std::uint32_t number) const { return number; }
-  std::uint64_t operator()(bool flag) const { return flag ? 1 : 0; }
-  std::uint64_t operator()(auto const& bytes) const { return bytes.size(); }
-};
-
 void variantsByName(benchmark::State& state) {
-  std::vector<Attributes> records;
-  for (Port const& port : visited(portsOf(shortNames))) records.push_back(attributesOf(port));
-  std::vector<std::string> const names(std::begin(attributeNames), std::end(attributeNames));
-  readAttributes(state, records, names, [](Attributes const& record, std::string const& name) {
-    return std::visit(NumberOf(), record.find(name)->second);
-  });
+  readAttributes(state, variants(), names(), readVariant);
 }
 
 // protobuf's reflection.
@@ -129,17 +151,14 @@ std::vector<kest::bench::SwitchPort> messages() {
 }
 
 void reflectionById(benchmark::State& state) {
-  auto records = messages();
   std::vector<int> numbers;
   for (int number = 1; number <= static_cast<int>(portFields); ++number) numbers.push_back(number);
-  readAttributes(state, records, numbers,
+  readAttributes(state, messages(), numbers,
                  [](auto const& record, int number) { return readById(record, number); });
 }
 
 void reflectionByName(benchmark::State& state) {
-  auto records = messages();
-  std::vector<std::string> const names(std::begin(attributeNames), std::end(attributeNames));
-  readAttributes(state, records, names, [](auto const& record, std::string const& name) {
+  readAttributes(state, messages(), names(), [](auto const& record, std::string const& name) {
     return readByName(record, name);
   });
 }
