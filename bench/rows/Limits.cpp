@@ -54,7 +54,7 @@ void probe(benchmark::State& state, std::size_t keyCount) {
 
 /// One allocation of an entry's size, and its release.
 void allocate(benchmark::State& state) {
-  using Entry = Hardware::Kest::Slice::detail::Entry<Ours::Record>;
+  using Entry = Hardware::Kest::Slice::KestSliceDmaConfig::MoxSwitchPort;
   for (auto _ : state) {
     void* const memory = std::malloc(sizeof(Entry));
     benchmark::DoNotOptimize(memory);

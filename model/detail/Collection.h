@@ -17,13 +17,27 @@ concept IsRecord = requires {
 };
 
 /// Entry of a collection: counted, so whoever holds it sees later values too.
-template <class Value>
+template <class Description, class Value>
 class Entry : public Mox::HashMapEntry {
  public:
-  Entry(Mox::String8 key, Value value)
-      : Mox::HashMapEntry(std::move(key)), value_(std::move(value)) {}
+  Entry(Mox::String8 const& key, Value value) : Mox::HashMapEntry(key), value_(value) {}
 
   Value const& value() const noexcept { return value_; }
+  void valueIs(Value value) { value_ = value; }
+
+ private:
+  Value value_;
+};
+
+/// That of a record, which is its own key's place.
+template <class Description, IsRecord Value>
+class Entry<Description, Value> : public Mox::PtrInterface {
+ public:
+  Entry(Mox::String8 const& /*key*/, Value const& value) : value_(value) {}
+
+  Mox::String8 const& key() const noexcept { return Description::keyOf(value_); }
+  Value const& value() const noexcept { return value_; }
+  /// The record must have the same key.
   void valueIs(Value const& value) { value_ = value; }
 
  private:
@@ -43,7 +57,7 @@ template <class Owner, class Description, class ValueType>
 class Collection {
  public:
   using Value = ValueType;
-  using Entry = detail::Entry<Value>;
+  using Entry = detail::Entry<Description, Value>;
 
   static constexpr char const* name = Description::name;
   static constexpr char const* keyName = Description::keyName;
@@ -65,7 +79,7 @@ class Collection {
   explicit Collection(Owner& owner) noexcept : owner_(owner) {}
 
   /// The key under which a record is stored.
-  static Mox::String8 keyOf(Value const& record) requires IsRecord<Value> {
+  static Mox::String8 const& keyOf(Value const& record) requires IsRecord<Value> {
     return Description::keyOf(record);
   }
 
@@ -103,14 +117,14 @@ class Collection {
   }
 
   /// Returns the removed value; a default value when there is nothing to remove.
-  Value del(Mox::String8 const& key) { return del(entries_.find(key)); }
-  Value del(IteratorConst const& it) { return del(entries_.entry(it)); }
+  Value del(Mox::String8 const& key) { return del(iteratorConst(key)); }
+  Value del(IteratorConst it) { return remove(it) ? it.value() : Value(); }
 
   /// Deletes entry by entry, each counted and announced before the next one goes. Ends even if
   /// observers insert: what they insert behind the walk's place goes too. Without memory it ends
   /// between two entries.
   void delAll() {
-    for (IteratorConst it = iteratorConst(); it; ++it) del(it);
+    for (IteratorConst it = iteratorConst(); it; ++it) remove(it);
   }
 
   /// Announces the key, changing and counting nothing.
@@ -126,13 +140,13 @@ class Collection {
   }
 
  private:
-  Value del(Entry* found) {
-    if (found == nullptr) return Value();
+  /// Whether there was an entry to remove.
+  bool remove(IteratorConst const& it) {
+    if (!entries_.has(it)) return false;
     ObserverList::Delivery delivery(owner_.observers());
-    Mox::Ptr<Entry> const entry(found);
-    entries_.remove(*entry);
-    changed(entry->key(), delivery);
-    return entry->value();
+    entries_.remove(it);
+    changed(it.key(), delivery);
+    return true;
   }
 
   void changed(Mox::String8 const& key, ObserverList::Delivery& delivery) {
@@ -140,7 +154,8 @@ class Collection {
     announce(key, delivery);
   }
 
-  void announce(Mox::String8 const& key, ObserverList::Delivery& delivery) const {
+  /// Observers may do away with whatever the key came from.
+  void announce(Mox::String8 key, ObserverList::Delivery& delivery) const {
     owner_.deliver(delivery, attributeId,
                    [&](auto& observer) { Description::tell(observer, key); });
   }

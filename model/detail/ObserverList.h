@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -19,7 +20,6 @@ class ListedNotifiee : public Mox::Entity::NotifieeConst {
 
  private:
   friend class ObserverList;
-  ListedNotifiee const mutable* next_ = nullptr;
 };
 
 /// The observers of one entity, in the order in which they registered.
@@ -45,49 +45,45 @@ class ObserverList {
   ObserverList(ObserverList const&) = delete;
   ObserverList& operator=(ObserverList const&) = delete;
 
-  std::size_t count() const noexcept { return count_; }
+  std::size_t count() const noexcept { return observers_.size(); }
   /// Changes with every `append` and `remove`.
   std::uint32_t version() const noexcept { return version_; }
 
   /// Lets the next `append` find memory.
-  void makeRoom() const { room_.reserve(count_ + 1); }
+  void makeRoom() {
+    std::size_t const count = observers_.size();
+    if (count < observers_.capacity() && count < room_.capacity()) return;
+    std::size_t const places = std::max<std::size_t>(4, 2 * count);
+    Snapshot room;
+    room.reserve(places);
+    observers_.reserve(places);
+    room_.swap(room);
+  }
 
   /// At the tail. The observer must not be on a list.
   void append(ListedNotifiee const& observer) {
     makeRoom();
-    *link(nullptr) = &observer;
-    ++count_;
+    observers_.push_back(const_cast<ListedNotifiee*>(&observer));
     ++version_;
   }
 
   /// The observer must be on this list.
   void remove(ListedNotifiee const& observer) noexcept {
-    *link(&observer) = observer.next_;
-    observer.next_ = nullptr;
-    --count_;
+    observers_.erase(std::find(observers_.begin(), observers_.end(), &observer));
     ++version_;
   }
 
   /// Takes every observer off the list; they count as not registered from then on.
   void clear() noexcept {
-    while (head_ != nullptr) {
-      head_->registered_ = false;
-      remove(*head_);
-    }
+    for (ListedNotifiee const* const observer : observers_) observer->registered_ = false;
+    version_ += static_cast<std::uint32_t>(observers_.size());
+    observers_.clear();
   }
 
  private:
   using Snapshot = std::vector<Mox::Ptr<ListedNotifiee>>;
 
-  /// The link that points at `observer`; the one at the tail for null.
-  ListedNotifiee const** link(ListedNotifiee const* observer) noexcept {
-    ListedNotifiee const** at = &head_;
-    while (*at != observer) at = &(*at)->next_;
-    return at;
-  }
-
-  ListedNotifiee const* head_ = nullptr;
-  std::size_t count_ = 0;
+  std::vector<ListedNotifiee*> observers_;
   std::uint32_t version_ = 0;
   Snapshot mutable room_;  // empty; for all observers, unless a delivery has taken it
 };
@@ -97,15 +93,17 @@ class ObserverList {
 class ObserverList::Delivery {
  public:
   explicit Delivery(ObserverList const& list) : list_(list) {
-    if (list.room_.capacity() >= list.count_) {
+    if (list.count() == 0) return;
+    if (list.room_.capacity() >= list.count()) {
       observers_.swap(list.room_);
     } else {
-      observers_.reserve(list.count_);
+      observers_.reserve(list.count());
     }
   }
   Delivery(Delivery const&) = delete;
   Delivery& operator=(Delivery const&) = delete;
   ~Delivery() {
+    if (observers_.capacity() == 0) return;
     observers_.clear();
     if (list_.room_.capacity() < observers_.capacity()) observers_.swap(list_.room_);
   }
@@ -113,21 +111,23 @@ class ObserverList::Delivery {
   /// Calls `tell(observer)` for each observer, which reacts to a change of `attribute`. Once.
   template <class Tell>
   void run(Mox::AttributeId attribute, Tell const& tell) {
-    for (ListedNotifiee const* at = list_.head_; at != nullptr; at = at->next_) {
-      observers_.emplace_back(const_cast<ListedNotifiee*>(at));
-    }
-    for (std::size_t i = 0; i < observers_.size(); ++i) {
-      bool const released = i > 0 && observers_[i]->references() == 1;
-      if (!released) tellOne(*observers_[i], attribute, tell);
-      observers_[i] = nullptr;
+    observers_.assign(list_.observers_.begin(), list_.observers_.end());
+    unsigned const depth = Mox::ExpectationScope::depth();
+    bool first = true;
+    for (Mox::Ptr<ListedNotifiee>& observer : observers_) {
+      bool const released = !first && observer->references() == 1;
+      if (!released) tellOne(*observer, attribute, depth, tell);
+      observer = nullptr;
+      first = false;
     }
   }
 
  private:
   template <class Tell>
-  static void tellOne(ListedNotifiee& observer, Mox::AttributeId attribute, Tell const& tell) {
+  static void tellOne(ListedNotifiee& observer, Mox::AttributeId attribute, unsigned depth,
+                      Tell const& tell) {
     try {
-      Mox::ExpectationScope const scope;
+      Mox::ExpectationScope const scope(depth);
       tell(observer);
     } catch (...) {
       report(observer, attribute);

@@ -42,7 +42,7 @@ struct SwitchPortCollection {
   static constexpr char const* keyName = "ifName";
   static constexpr char const* wrongKeyName = name;
   static constexpr Mox::AttributeId index = 0;
-  static Mox::String8 keyOf(auto const& record) { return record.ifName(); }
+  static Mox::String8 const& keyOf(auto const& record) { return record.ifName(); }
   static void tell(auto& observer, Mox::String8 const& key) { observer.onSwitchPort(key); }
   static void tellImmediate(auto& observer) { observer.onSwitchPortmoxImmediate(); }
   static void tellWhole(auto& observer) { observer.onSwitchPort(); }
@@ -73,7 +73,7 @@ struct DeviceCollection {
   static constexpr char const* keyName = "devName";
   static constexpr char const* wrongKeyName = keyName;
   static constexpr Mox::AttributeId index = 3;
-  static Mox::String8 keyOf(auto const& record) { return record.devName(); }
+  static Mox::String8 const& keyOf(auto const& record) { return record.devName(); }
   static void tell(auto& observer, Mox::String8 const& key) { observer.onDevice(key); }
   static void tellImmediate(auto& observer) { observer.onDevicemoxImmediate(); }
   static void tellWhole(auto& observer) { observer.onDevice(); }

@@ -67,9 +67,8 @@ void Dir::entityIs(Ptr<Entity> const& entity) {
 }
 
 Ptr<Entity> Dir::entityDel(Name const& name) {
-  Ptr<Member> const member = members_.find(name.string());
-  if (!member) return nullptr;
-  members_.remove(*member);
+  auto const member = members_.iteratorConst(name.string());
+  if (!members_.remove(member)) return nullptr;
   member->entity()->parent_ = nullptr;
   return member->entity();
 }

@@ -2,16 +2,14 @@
 
 #include <cstddef>
 #include <utility>
-#include <vector>
 
+#include "platform/mox/HashTable.h"
 #include "platform/mox/Ptr.h"
 #include "platform/mox/String8.h"
 
 namespace Mox {
 
-class HashMapCore;
-
-/// Base of what a `HashMap` holds: a counted object under an immutable key.
+/// Base of what a `HashMap` can hold: a counted object under an immutable key.
 class MOX_API HashMapEntry : public PtrInterface {
  public:
   String8 const& key() const noexcept { return key_; }
@@ -21,55 +19,11 @@ class MOX_API HashMapEntry : public PtrInterface {
   explicit HashMapEntry(String8 key) noexcept : key_(std::move(key)) {}
 
  private:
-  friend class HashMapCore;
-
   String8 key_;
-  HashMapEntry* next_ = nullptr;
-  HashMapCore const* map_ = nullptr;
 };
 
-/// The part of `HashMap` that does not depend on the entry type.
-///
-/// Invariants.
-///  1. Entries are in the total order of (hash of the key, bytes of the key). A bucket is a run of
-///     that order, chosen by the hash's high bits, so walking the buckets walks the order.
-///  2. `entry.map_` is this map exactly while the entry is in it; then `entry.next_` is its
-///     successor in its bucket, or null.
-///  3. The map holds one reference to each entry.
-class MOX_API HashMapCore {
- public:
-  HashMapCore() = default;
-  HashMapCore(HashMapCore const&) = delete;
-  HashMapCore& operator=(HashMapCore const&) = delete;
-  ~HashMapCore() { clear(); }
-
-  std::size_t count() const noexcept { return count_; }
-  bool has(HashMapEntry const& entry) const noexcept { return entry.map_ == this; }
-
-  HashMapEntry* find(String8 const& key) const noexcept;
-  /// `entry` must be in no map. An entry that has its key already leaves the map. When allocation
-  /// fails the map is as it was.
-  void insert(Ptr<HashMapEntry> const& entry);
-  /// `entry` must be in this map.
-  void remove(HashMapEntry& entry) noexcept;
-  void clear() noexcept;
-
-  HashMapEntry* first() const noexcept;
-  /// The first entry behind `entry` in the map's order, whether or not `entry` is still in it.
-  HashMapEntry* after(HashMapEntry const& entry) const noexcept;
-
- private:
-  HashMapEntry** slot(String8 const& key) const noexcept;
-  std::size_t bucketOf(String8 const& key) const noexcept { return key.hash() >> shift_; }
-  HashMapEntry* firstFrom(std::size_t bucket) const noexcept;
-  void grow();
-
-  mutable std::vector<HashMapEntry*> buckets_;  // a power of two of them, or none
-  unsigned shift_ = 0;
-  std::size_t count_ = 0;
-};
-
-/// Map of counted entries (`Entry` derives from `HashMapEntry`) under string keys.
+/// Map of counted entries under string keys. `Entry` is a framework object with a `key()` that
+/// never changes: a `HashMapEntry`, or one that finds its key in what it holds.
 ///
 /// Order. By key hash, then by the key's bytes: independent of insertion order, the same on every
 /// machine, meaningless to callers.
@@ -87,7 +41,7 @@ class HashMap {
 
     explicit operator bool() const noexcept { return static_cast<bool>(entry_); }
     IteratorConst& operator++() noexcept {
-      entry_ = static_cast<Entry*>(map_->after(*entry_));
+      *this = map_->at(map_->slotBehind(*this));
       return *this;
     }
     Entry const* operator->() const noexcept { return entry_.ptr(); }
@@ -96,32 +50,86 @@ class HashMap {
 
    private:
     friend class HashMap;
-    IteratorConst(HashMapCore const* map, HashMapEntry* entry) noexcept
-        : map_(map), entry_(static_cast<Entry*>(entry)) {}
+    IteratorConst(HashMap const* map, std::size_t slot, Entry* entry) noexcept
+        : map_(map), slot_(slot), entry_(entry) {}
 
-    HashMapCore const* map_ = nullptr;
+    HashMap const* map_ = nullptr;
+    std::size_t slot_ = 0;  // of the entry, unless the map has changed
     Ptr<Entry> entry_;
   };
 
-  std::size_t count() const noexcept { return core_.count(); }
-  Entry* find(String8 const& key) const noexcept { return static_cast<Entry*>(core_.find(key)); }
-  /// `entry` must be in no map; one that has its key already leaves the map.
-  void insert(Ptr<Entry> const& entry) { core_.insert(entry); }
-  void remove(Entry& entry) noexcept { core_.remove(entry); }
-  void clear() noexcept { core_.clear(); }
+  std::size_t count() const noexcept { return table_.count(); }
 
-  IteratorConst iteratorConst() const noexcept { return {&core_, core_.first()}; }
+  Entry* find(String8 const& key) const noexcept { return entryAt(slotOf(key)); }
+
+  /// An entry that has its key already leaves the map. Without memory the map is as it was.
+  void insert(Ptr<Entry> const& entry) {
+    String8 const& key = entry->key();
+    std::size_t const slot = slotFor(key);
+    if (isKeyAt(slot, key)) {
+      table_.replace(slot, *entry);
+    } else {
+      table_.insert(slot, key.hash(), *entry);
+    }
+  }
+  /// Removes the entry that `it` designates, if that is still in the map; says whether it was.
+  bool remove(IteratorConst const& it) noexcept {
+    std::size_t const slot = slotOf(it);
+    if (slot == none) return false;
+    table_.remove(slot);
+    return true;
+  }
+  void clear() noexcept { table_.clear(); }
+
+  IteratorConst iteratorConst() const noexcept { return at(table_.occupiedFrom(0)); }
   /// Starts at `key`; designates nothing when the key is absent.
-  IteratorConst iteratorConst(String8 const& key) const noexcept {
-    return {&core_, core_.find(key)};
-  }
-  /// The entry that `it` designates, or null when it designates none or one that has left the map.
-  Entry* entry(IteratorConst const& it) const noexcept {
-    return it && core_.has(*it.entry_) ? it.entry_.ptr() : nullptr;
-  }
+  IteratorConst iteratorConst(String8 const& key) const noexcept { return at(slotOf(key)); }
+  /// Whether the entry that `it` designates is in the map.
+  bool has(IteratorConst const& it) const noexcept { return slotOf(it) != none; }
 
  private:
-  HashMapCore core_;
+  static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+  Entry* entryAt(std::size_t slot) const noexcept {
+    return slot < table_.slots() ? static_cast<Entry*>(table_.object(slot)) : nullptr;
+  }
+  IteratorConst at(std::size_t slot) const noexcept { return {this, slot, entryAt(slot)}; }
+
+  bool isKeyAt(std::size_t slot, String8 const& key) const noexcept {
+    return slot < table_.slots() && table_.hash(slot) == key.hash() && entryAt(slot)->key() == key;
+  }
+  /// Of the entry with that key, or `none`.
+  std::size_t slotOf(String8 const& key) const noexcept {
+    if (table_.count() == 0) return none;
+    std::uint32_t const hash = key.hash();
+    for (std::size_t slot = table_.lowerBound(hash); table_.hash(slot) == hash; ++slot) {
+      if (entryAt(slot)->key() == key) return slot;
+    }
+    return none;
+  }
+  /// Of the first entry that is not before `key` in the map's order, or where it would be inserted.
+  std::size_t slotFor(String8 const& key) const noexcept {
+    if (table_.slots() == 0) return 0;
+    std::size_t slot = table_.lowerBound(key.hash());
+    while (table_.hash(slot) == key.hash() && entryAt(slot)->key() < key) ++slot;
+    return slot;
+  }
+  /// Of the iterator's entry, or `none` when that is not in the map.
+  std::size_t slotOf(IteratorConst const& it) const noexcept {
+    if (!it) return none;
+    if (entryAt(it.slot_) == it.entry_.ptr()) return it.slot_;
+    std::size_t const slot = slotOf(it.key());
+    return entryAt(slot) == it.entry_.ptr() ? slot : none;
+  }
+  /// Of the first entry behind the iterator's in the map's order, whether or not that is still in
+  /// it.
+  std::size_t slotBehind(IteratorConst const& it) const noexcept {
+    if (entryAt(it.slot_) == it.entry_.ptr()) return table_.occupiedFrom(it.slot_ + 1);
+    std::size_t const slot = slotFor(it.key());
+    return table_.occupiedFrom(isKeyAt(slot, it.key()) ? slot + 1 : slot);
+  }
+
+  HashTable table_;
 };
 
 }  // namespace Mox

@@ -24,16 +24,10 @@ MoxType const* PtrInterface::fwkType() const {
   return nullptr;
 }
 
-void PtrInterface::referenceDel() const noexcept {
-  Counts const left = counts_.become([](Counts counts) {
-    Counts const others = counts - outside;
-    bool const onlyObservers = others != 0 && all(others) == ofObservers(others);
-    // An observer's in its place keeps the object until it is told: others may let go meanwhile.
-    return onlyObservers ? others + observers : others;
-  });
-  if (left == 0) {
+void PtrInterface::outsideIsGone(Counts left) const noexcept {
+  if (all(left) == 0) {
     delete this;
-  } else if (all(left) == ofObservers(left)) {
+  } else {
     tellZeroReferences();
     notifierReferenceDel();
   }
@@ -44,7 +38,7 @@ void PtrInterface::notifierReferenceNew() const noexcept {
 }
 
 void PtrInterface::notifierReferenceDel() const noexcept {
-  if (counts_.sub(observers) == 0) delete this;
+  if (all(counts_.sub(observers)) == 0) delete this;
 }
 
 void PtrInterface::tellZeroReferences() const noexcept {

@@ -68,7 +68,7 @@ class ReferenceCount {
 /// among them that observers hold on their notifier. When an ordinary reference goes and only the
 /// observers' are left, the object is told through `zeroReferencesIs(true)`; it lives on until
 /// they go too. It is told again if it was referenced from outside once more in the meantime, but
-/// never while it is being told.
+/// never while it is being told. There are at most 268,435,455 references to an object.
 ///
 /// Threads. Counts are atomic only while `threadSafePtrIs(true)`; nothing else here is. Threads may
 /// then take and drop references to one object, observers' among them: it is told in the thread
@@ -100,7 +100,10 @@ class MOX_API PtrInterface {
   std::uint32_t references() const noexcept { return all(counts_.value()); }
   std::uint32_t notifierReferences() const noexcept { return ofObservers(counts_.value()); }
   void referenceNew() const noexcept { counts_.add(outside); }
-  void referenceDel() const noexcept;
+  void referenceDel() const noexcept {
+    Counts const left = counts_.become(lessOutside);
+    if (all(left) == ofObservers(left)) outsideIsGone(left);
+  }
   void notifierReferenceNew() const noexcept;
   void notifierReferenceDel() const noexcept;
 
@@ -116,24 +119,39 @@ class MOX_API PtrInterface {
   PtrInterface() = default;
 
  private:
-  enum Flag : std::uint32_t { notificationActive = 1, markedForDeletion = 2, tellingZero = 4 };
-
-  bool flag(Flag f) const noexcept { return (flags_ & f) != 0; }
-  void flagIs(Flag f, bool on) const noexcept { flags_ = on ? flags_ | f : flags_ & ~f; }
-  void tellZeroReferences() const noexcept;
-
-  /// Both counts in one word, so that no thread sees one of them without the other: all references
-  /// in the low half, observers' in the high half.
+  /// Both counts and the flags in one word, so that no thread sees one of them without the others,
+  /// and an object is small: all references in the low bits, observers' above, flags on top.
   using Counts = std::uint64_t;
+  static constexpr unsigned countBits = 28;
   static constexpr Counts outside = 1;  // what one reference adds
-  static constexpr Counts observers = (Counts{1} << 32) + outside;
-  static std::uint32_t all(Counts counts) noexcept { return static_cast<std::uint32_t>(counts); }
-  static std::uint32_t ofObservers(Counts counts) noexcept {
-    return static_cast<std::uint32_t>(counts >> 32);
+  static constexpr Counts observers = (Counts{1} << countBits) + outside;
+  static std::uint32_t all(Counts counts) noexcept {
+    return static_cast<std::uint32_t>(counts & ((Counts{1} << countBits) - 1));
+  }
+  static std::uint32_t ofObservers(Counts counts) noexcept { return all(counts >> countBits); }
+
+  enum Flag : Counts {
+    notificationActive = Counts{1} << 2 * countBits,
+    markedForDeletion = notificationActive << 1,
+    tellingZero = markedForDeletion << 1
+  };
+
+  bool flag(Flag f) const noexcept { return (counts_.value() & f) != 0; }
+  void flagIs(Flag f, bool on) const noexcept {
+    counts_.become([=](Counts counts) { return on ? counts | f : counts & ~Counts{f}; });
   }
 
+  /// What is left without one ordinary reference. When only observers' are left, one more of those
+  /// takes its place and keeps the object until it is told: others may let go meanwhile.
+  static Counts lessOutside(Counts counts) noexcept {
+    Counts const others = counts - outside;
+    bool const onlyObservers = all(others) != 0 && all(others) == ofObservers(others);
+    return onlyObservers ? others + observers : others;
+  }
+  void outsideIsGone(Counts left) const noexcept;
+  void tellZeroReferences() const noexcept;
+
   mutable detail::ReferenceCount<Counts> counts_{0};
-  mutable std::uint32_t flags_ = 0;
 };
 
 }  // namespace Mox

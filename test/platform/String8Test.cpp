@@ -64,14 +64,27 @@ TEST(String8Test, HoldsAnyBytesAndEndsThemWithNul) {
 }
 
 TEST(String8Test, HashIsOfTheBytesAloneAndTheSameOnEveryMachine) {
-  EXPECT_EQ(String8("et3").hash(), 0x022afa08U);
-  EXPECT_EQ(String8(std::string("et") + "3").hash(), 0x022afa08U);
-  EXPECT_EQ(String8().hash(), 0U);
+  EXPECT_EQ(String8("et3").hash(), 0x95c81457U);
+  EXPECT_EQ(String8(std::string("et") + "3").hash(), 0x95c81457U);
+  EXPECT_EQ(String8("Ethernet3/1/1").hash(), 0x28212356U);  // more than a word
+  EXPECT_EQ(String8().hash(), 1U);
 }
 
 TEST(String8Test, EqualHashesDoNotMakeEqualStrings) {
-  ASSERT_EQ(String8("costarring").hash(), String8("liquid").hash());
-  EXPECT_FALSE(String8("costarring") == String8("liquid"));
+  ASSERT_EQ(String8("bunaba").hash(), String8("lesuso").hash());
+  EXPECT_FALSE(String8("bunaba") == String8("lesuso"));
+}
+
+TEST(String8Test, EqualityLooksAtEveryByte) {
+  for (std::size_t bytes = 1; bytes < 40; ++bytes) {
+    std::string const chars(bytes, 'a');
+    EXPECT_TRUE(String8(chars) == String8(chars));
+    for (std::size_t at = 0; at < bytes; ++at) {
+      std::string other = chars;
+      other[at] = 'b';
+      EXPECT_FALSE(String8(chars) == String8(other)) << bytes << " bytes, at " << at;
+    }
+  }
 }
 
 TEST(String8Test, IsOrderedByUnsignedBytes) {

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "platform/mox/PtrInterface.h"
+
+namespace Mox {
+
+/// Counted objects in the order of 32-bit hashes: an open table, on which `HashMap` is built.
+///
+/// A slot is a hash and an object, kept in two arrays: looking for a hash reads the dense one
+/// alone.
+///
+/// Invariants.
+///  1. Objects stand in the order of their hashes. Among equal hashes the order is the user's.
+///  2. An object stands at its home, the slot that the high bits of its hash choose, or behind it
+///     with no empty slot in between.
+///  3. An empty slot has no object and the hash `emptySlot`, which no object has. Once there are
+///     slots the last one is empty, so that every walk ends.
+///  4. The table holds one reference to each object.
+class MOX_API HashTable {
+ public:
+  static constexpr std::uint32_t emptySlot = 0xFFFFFFFFU;
+
+  HashTable() = default;
+  HashTable(HashTable const&) = delete;
+  HashTable& operator=(HashTable const&) = delete;
+  ~HashTable() { clear(); }
+
+  std::size_t count() const noexcept { return count_; }
+  std::size_t slots() const noexcept { return objects_.size(); }
+  std::uint32_t hash(std::size_t slot) const noexcept { return hashes_[slot]; }
+  PtrInterface* object(std::size_t slot) const noexcept { return objects_[slot]; }
+
+  /// Where the objects with that hash start; where one would stand if there are none. There must be
+  /// slots.
+  std::size_t lowerBound(std::uint32_t hash) const noexcept {
+    std::size_t slot = home(hash);
+    while (hashes_[slot] < hash) ++slot;
+    return slot;
+  }
+  /// The first slot from `slot` on that has an object; `slots()` when there is none.
+  std::size_t occupiedFrom(std::size_t slot) const noexcept {
+    while (slot < objects_.size() && objects_[slot] == nullptr) ++slot;
+    return slot;
+  }
+
+  /// Before the object in `slot`, which is the lower bound of `hash` or behind objects that have
+  /// it; any slot where there are none yet. Without memory the table is as it was.
+  void insert(std::size_t slot, std::uint32_t hash, PtrInterface& object);
+  /// Puts `object` in the place of the one in `slot`, which has the same hash.
+  void replace(std::size_t slot, PtrInterface& object) noexcept;
+  /// The slot must have an object.
+  void remove(std::size_t slot) noexcept;
+  void clear() noexcept;
+
+ private:
+  std::size_t home(std::uint32_t hash) const noexcept { return hash >> shift_; }
+  std::size_t emptyFrom(std::size_t slot) const noexcept;
+  void rebuild(unsigned shift);
+
+  std::vector<std::uint32_t> hashes_;
+  std::vector<PtrInterface*> objects_;
+  unsigned shift_ = 0;    // makes a home of a hash
+  std::size_t most_ = 0;  // objects before there must be more homes
+  std::size_t count_ = 0;
+};
+
+}  // namespace Mox
