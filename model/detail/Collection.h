@@ -154,10 +154,11 @@ class Collection {
     announce(key, delivery);
   }
 
-  /// Observers may do away with whatever the key came from.
-  void announce(Mox::String8 key, ObserverList::Delivery& delivery) const {
+  void announce(Mox::String8 const& key, ObserverList::Delivery& delivery) const {
+    if (owner_.observers().count() == 0) return;
+    // Observers may do away with whatever the key came from.
     owner_.deliver(delivery, attributeId,
-                   [&](auto& observer) { Description::tell(observer, key); });
+                   [told = key](auto& observer) { Description::tell(observer, told); });
   }
 
   Owner& owner_;

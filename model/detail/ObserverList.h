@@ -54,7 +54,7 @@ class ObserverList {
     std::size_t const count = observers_.size();
     if (count < observers_.capacity() && count < room_.capacity()) return;
     std::size_t const places = std::max<std::size_t>(4, 2 * count);
-    Snapshot room;
+    Observers room;
     room.reserve(places);
     observers_.reserve(places);
     room_.swap(room);
@@ -81,11 +81,11 @@ class ObserverList {
   }
 
  private:
-  using Snapshot = std::vector<Mox::Ptr<ListedNotifiee>>;
+  using Observers = std::vector<ListedNotifiee*>;
 
-  std::vector<ListedNotifiee*> observers_;
+  Observers observers_;
   std::uint32_t version_ = 0;
-  Snapshot mutable room_;  // empty; for all observers, unless a delivery has taken it
+  Observers mutable room_;  // empty; for all observers, unless a delivery has taken it
 };
 
 /// Tells the observers of one change. It is made before the change, and takes its room then: when
@@ -103,7 +103,6 @@ class ObserverList::Delivery {
   Delivery(Delivery const&) = delete;
   Delivery& operator=(Delivery const&) = delete;
   ~Delivery() {
-    if (observers_.capacity() == 0) return;
     observers_.clear();
     if (list_.room_.capacity() < observers_.capacity()) observers_.swap(list_.room_);
   }
@@ -111,13 +110,14 @@ class ObserverList::Delivery {
   /// Calls `tell(observer)` for each observer, which reacts to a change of `attribute`. Once.
   template <class Tell>
   void run(Mox::AttributeId attribute, Tell const& tell) {
-    observers_.assign(list_.observers_.begin(), list_.observers_.end());
+    observers_ = list_.observers_;
+    for (ListedNotifiee const* const observer : observers_) observer->referenceNew();
     unsigned const depth = Mox::ExpectationScope::depth();
     bool first = true;
-    for (Mox::Ptr<ListedNotifiee>& observer : observers_) {
+    for (ListedNotifiee* const observer : observers_) {
       bool const released = !first && observer->references() == 1;
       if (!released) tellOne(*observer, attribute, depth, tell);
-      observer = nullptr;
+      observer->referenceDel();
       first = false;
     }
   }
@@ -142,7 +142,7 @@ class ObserverList::Delivery {
   }
 
   ObserverList const& list_;
-  Snapshot observers_;
+  Observers observers_;  // while they are told each has a reference
 };
 
 }  // namespace Hardware::Kest::Slice::detail

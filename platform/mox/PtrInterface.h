@@ -28,7 +28,7 @@ class ReferenceCount {
 
   Count value() const noexcept { return count_.load(std::memory_order_relaxed); }
 
-  void add(Count more) noexcept {
+  MOX_INLINE void add(Count more) noexcept {
     if (ThreadSafePtr::on.load(std::memory_order_relaxed)) {
       count_.fetch_add(more, std::memory_order_relaxed);
     } else {
@@ -38,7 +38,7 @@ class ReferenceCount {
 
   /// `next(count)` takes the place of the count and is returned.
   template <class Next>
-  Count become(Next next) noexcept {
+  MOX_INLINE Count become(Next next) noexcept {
     Count count = value();
     if (ThreadSafePtr::on.load(std::memory_order_relaxed)) {
       while (!count_.compare_exchange_weak(count, next(count), std::memory_order_acq_rel,
@@ -51,7 +51,7 @@ class ReferenceCount {
   }
 
   /// Returns the count that is left.
-  Count sub(Count less) noexcept {
+  MOX_INLINE Count sub(Count less) noexcept {
     return become([less](Count count) { return count - less; });
   }
 
@@ -99,8 +99,8 @@ class MOX_API PtrInterface {
 
   std::uint32_t references() const noexcept { return all(counts_.value()); }
   std::uint32_t notifierReferences() const noexcept { return ofObservers(counts_.value()); }
-  void referenceNew() const noexcept { counts_.add(outside); }
-  void referenceDel() const noexcept {
+  MOX_INLINE void referenceNew() const noexcept { counts_.add(outside); }
+  MOX_INLINE void referenceDel() const noexcept {
     Counts const left = counts_.become(lessOutside);
     if (all(left) == ofObservers(left)) outsideIsGone(left);
   }

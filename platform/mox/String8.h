@@ -56,7 +56,7 @@ class MOX_API String8 {
   String8(char const* chars) : String8(std::string_view(chars)) {}
   explicit String8(std::string_view chars);
   explicit String8(std::string const& chars) : String8(std::string_view(chars)) {}
-  String8(String8 const& other) noexcept : rep_(other.rep_) { take(); }
+  MOX_INLINE String8(String8 const& other) noexcept : rep_(other.rep_) { take(); }
   String8(String8&& other) noexcept : rep_(other.rep_) { other.rep_ = nullptr; }
   String8& operator=(String8 other) noexcept {
     Rep* const mine = rep_;
@@ -64,7 +64,7 @@ class MOX_API String8 {
     other.rep_ = mine;
     return *this;
   }
-  ~String8() {
+  MOX_INLINE ~String8() {
     if (rep_ != nullptr && rep_->references.sub(1) == 0) freeRep(rep_);
   }
 
@@ -129,7 +129,7 @@ class MOX_API String8 {
   }
 
   static void freeRep(Rep* rep) noexcept;
-  void take() const noexcept {
+  MOX_INLINE void take() const noexcept {
     if (rep_ != nullptr) rep_->references.add(1);
   }
 
