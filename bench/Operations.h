@@ -1,33 +1,19 @@
 #pragma once
 
-#include <benchmark/benchmark.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 #include <map>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "bench/Run.h"
 #include "bench/Workload.h"
 
 /// How the operations of a keyed collection are measured, the same way for the library's own
 /// collection and for its rivals'. `Store` is one of them.
-///
-/// A benchmark's name is ROW/VARIANT/STORE. One that does several operations in an iteration says
-/// how many in the counter "operations".
 namespace Kest::Bench {
-
-/// Says that an iteration does so many operations.
-inline void operationsAre(benchmark::State& state, std::size_t operations) {
-  state.counters["operations"] = static_cast<double>(operations);
-}
-
-inline std::uint64_t iterationsOf(benchmark::State const& state) {
-  return static_cast<std::uint64_t>(state.iterations());
-}
 
 /// The records of a collection, as the store has them, in the visiting order: equal to those that
 /// it holds, but made apart from them. They live as long as the process.
@@ -88,78 +74,64 @@ struct ComeAndGo {};  // entries go and come
 
 /// A lookup, which returns a copy.
 template <class Store>
-void lookUp(benchmark::State& state, Shape shape) {
+void lookUp(Run& run, Shape shape) {
   Store const& store = filled<Store, InPlace>(shape);
   auto const& keys = visitedKeys<Store>(shape);
   auto const before = store.lookupCount();
   std::size_t at = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(store.lookup(keys[at]));
+  for (auto _ : run) {
+    keep(store.lookup(keys[at]));
     if (++at == keys.size()) at = 0;
   }
-  bool const counted = store.lookupCount() - before == iterationsOf(state);
+  bool const counted = store.lookupCount() - before == run.iterations();
   if (!counted || !(store.lookup(keys[at]) == visitedRecords<Store>(shape)[at])) {
-    state.SkipWithError("a lookup was not counted, or did not find its record");
+    run.fail("a lookup was not counted, or did not find its record");
   }
 }
 
 /// A write of the record that is there.
 template <class Store>
-void writeTheSame(benchmark::State& state, Shape shape) {
+void writeTheSame(Run& run, Shape shape) {
   Store& store = filled<Store, InPlace>(shape);
   auto const& records = visitedRecords<Store>(shape);
   store.observersAre(1);
   auto const before = store.changeCount();
   std::size_t at = 0;
-  for (auto _ : state) {
+  for (auto _ : run) {
     store.put(records[at]);
     if (++at == records.size()) at = 0;
   }
-  if (store.changeCount() != before) state.SkipWithError("a write changed something");
+  if (store.changeCount() != before) run.fail("a write changed something");
   store.observersAre(0);
 }
 
 /// Fails a benchmark unless there were so many changes and each observer was told of each.
 template <class Store>
-void expectTold(benchmark::State& state, Store const& store, std::uint64_t changes,
-                std::uint64_t expected) {
+void expectTold(Run& run, Store const& store, std::uint64_t changes, std::uint64_t expected) {
   bool told = changes == expected;
   for (auto const count : store.told()) told = told && count == expected;
-  if (!told) state.SkipWithError("a change was not told");
+  if (!told) run.fail("a change was not told");
 }
 
 /// A write that changes a field of a record that is there, told to so many observers.
 template <class Store>
-void update(benchmark::State& state, Shape shape, std::size_t observers) {
+void update(Run& run, Shape shape, std::size_t observers) {
   Store& store = filled<Store, InPlace>(shape);
   auto const* to = &visitedChangedRecords<Store>(shape);
   auto const* from = &visitedRecords<Store>(shape);
   store.observersAre(observers);
   auto const before = store.changeCount();
   std::size_t at = 0;
-  for (auto _ : state) {
+  for (auto _ : run) {
     store.put((*to)[at]);
     if (++at == to->size()) {
       at = 0;
       std::swap(to, from);
     }
   }
-  expectTold(state, store, store.changeCount() - before, iterationsOf(state));
+  expectTold(run, store, store.changeCount() - before, run.iterations());
   store.observersAre(0);
   for (auto const& record : visitedRecords<Store>(shape)) store.put(record);
-}
-
-/// Runs `work` and returns its seconds, of a clock that does not go on in other processes' time.
-template <class Work>
-double secondsOf(Work const& work) {
-  auto const now = [] {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-  };
-  double const start = now();
-  work();
-  return now() - start;
 }
 
 /// How many of a collection's entries go and come at once: enough to make the clock's own time
@@ -168,12 +140,12 @@ inline std::size_t batchOf(Shape shape) {
   return shape.keys <= 1000 ? shape.keys / 2 : shape.keys / 10;
 }
 
-enum class Measured { insertion, deletion };
+enum class Movement { insertion, deletion };
 
 /// Deletion of a batch of entries in the visiting order, and their insertion, one of which is
 /// measured; one observer is told.
 template <class Store>
-void comeAndGo(benchmark::State& state, Shape shape, Measured measured) {
+void comeAndGo(Run& run, Shape shape, Movement measured) {
   Store& store = filled<Store, ComeAndGo>(shape);
   auto const& keys = visitedKeys<Store>(shape);
   auto const& records = visitedRecords<Store>(shape);
@@ -181,50 +153,40 @@ void comeAndGo(benchmark::State& state, Shape shape, Measured measured) {
   store.observersAre(1);
   auto const before = store.changeCount();
   std::size_t at = 0;
-  for (auto _ : state) {
+  for (auto _ : run) {
     std::size_t const end = at + batch;
-    double const deletion = secondsOf([&] {
-      for (std::size_t i = at; i < end; ++i) benchmark::DoNotOptimize(store.del(keys[i]));
-    });
-    double const insertion = secondsOf([&] {
+    auto const deletion = [&] {
+      for (std::size_t i = at; i < end; ++i) keep(store.del(keys[i]));
+    };
+    auto const insertion = [&] {
       for (std::size_t i = at; i < end; ++i) store.put(records[i]);
-    });
-    state.SetIterationTime(measured == Measured::insertion ? insertion : deletion);
+    };
+    if (measured == Movement::deletion) {
+      run.part(deletion);
+      insertion();
+    } else {
+      deletion();
+      run.part(insertion);
+    }
     at = end == keys.size() ? 0 : end;
   }
-  expectTold(state, store, store.changeCount() - before, 2 * batch * iterationsOf(state));
+  expectTold(run, store, store.changeCount() - before, 2 * batch * run.iterations());
   store.observersAre(0);
-  operationsAre(state, batch);
+  run.operationsAre(batch);
 }
 
 /// Deletion of all entries at once; one observer is told of each.
 template <class Store>
-void deleteAll(benchmark::State& state, Shape shape) {
+void deleteAll(Run& run, Shape shape) {
   auto const& records = visitedRecords<Store>(shape);
   Store store;
   store.observersAre(1);
-  for (auto _ : state) {
+  for (auto _ : run) {
     for (auto const& record : records) store.put(record);
-    state.SetIterationTime(secondsOf([&] { store.delAll(); }));
+    run.part([&] { store.delAll(); });
   }
-  expectTold(state, store, store.changeCount(), 2 * shape.keys * iterationsOf(state));
-  operationsAre(state, shape.keys);
-}
-
-/// Calls `measure` with each of the stores.
-template <class... Stores>
-struct Among {
-  template <class Measure>
-  static void each(Measure const& measure) {
-    (measure.template operator()<Stores>(), ...);
-  }
-};
-
-/// Registers `work(state)` as the benchmark ROW/VARIANT/WHO.
-template <class Work>
-benchmark::internal::Benchmark* measure(std::string const& row, std::string const& variant,
-                                        char const* who, Work work) {
-  return benchmark::RegisterBenchmark((row + "/" + variant + "/" + who).c_str(), std::move(work));
+  expectTold(run, store, store.changeCount(), 2 * shape.keys * run.iterations());
+  run.operationsAre(shape.keys);
 }
 
 }  // namespace Kest::Bench

@@ -14,13 +14,13 @@ build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 # shellcheck disable=SC2034
 test_packages=(
   "${build_packages[@]}" g++-multilib clang libclang-rt-14-dev clang-format clang-tidy shellcheck
-  googletest binutils pkgconf ccache gcovr patch)
+  googletest binutils pkgconf ccache gcovr patch python3 valgrind)
 
 # What the benchmarks are built with and compared with; nothing else needs them.
 # shellcheck disable=SC2034
 bench_packages=(
-  "${build_packages[@]}" ccache python3 libbenchmark-dev libabsl-dev libboost-dev libsigc++-3.0-dev
-  libfmt-dev rapidjson-dev libsimdjson-dev libprotobuf-dev protobuf-compiler)
+  "${build_packages[@]}" ccache python3 libbenchmark-dev libabsl-dev libboost-dev
+  libsigc++-3.0-dev libfmt-dev rapidjson-dev libsimdjson-dev libprotobuf-dev protobuf-compiler)
 
 # The process ends with MESSAGE on standard error.
 fail() {

@@ -1,45 +1,22 @@
+#include "bench/rows/Texts.h"
+
 #include <stdexcept>
 
-#include "bench/Operations.h"
 #include "bench/Ours.h"
 #include "bench/peers/Protobuf.h"
 #include "bench/peers/Texts.h"
 #include "bench/rows/Rows.h"
 #include "platform/mox/Strep.h"
 
-/// Rows g and h: a record is printed, and read.
 namespace Kest::Bench {
 
 namespace {
-
-/// What `make` makes of each record, in the visiting order.
-template <class Make>
-auto visitedAs(Shape shape, Make const& make) {
-  std::vector<decltype(make(Port()))> all;
-  for (Port const& port : visited(portsOf(shape))) all.push_back(make(port));
-  return all;
-}
-
-/// Runs `work(input)` over one input of `make` after the other.
-template <class Make, class Work>
-void measureOver(std::string const& row, Shape shape, char const* who, Make make, Work work) {
-  measure(row, std::to_string(shape.nameLength), who, [=](benchmark::State& state) {
-    auto inputs = visitedAs(shape, make);
-    std::size_t at = 0;
-    for (auto _ : state) {
-      benchmark::DoNotOptimize(work(inputs[at]));
-      if (++at == inputs.size()) at = 0;
-    }
-  });
-}
 
 Port itself(Port const& port) {
   return port;
 }
 
 void measurePrinting(Shape shape) {
-  measureOver("g", shape, "ours", recordOf,
-              [](Ours::Record const& record) { return valueToStrep(record); });
   measureOver("g", shape, "fmt", itself, fmtPrinted);
   measureOver("g", shape, "fmt in place", itself, fmtPrintedInPlace);
   measureOver("g", shape, "protobuf text", messageOf,
@@ -50,9 +27,6 @@ void measurePrinting(Shape shape) {
 }
 
 void measureReading(Shape shape) {
-  measureOver(
-      "h", shape, "ours", [](Port const& port) { return valueToStrep(recordOf(port)); },
-      [](Mox::String8 const& text) { return Mox::strepToValue<Ours::Record>(text); });
   measureOver("h", shape, "RapidJSON", jsonOf, rapidJsonRead);
   measureOver(
       "h", shape, "simdjson",
@@ -102,7 +76,7 @@ void expectSameWork(Shape shape) {
 
 }  // namespace
 
-void measureTexts() {
+void measureTheirTexts() {
   expectSameWork(shortNames);
   for (Shape const shape : {shortNames, longNames}) {
     measurePrinting(shape);
