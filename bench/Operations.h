@@ -175,6 +175,25 @@ void comeAndGo(Run& run, Shape shape, Movement measured) {
   run.operationsAre(batch);
 }
 
+/// Deletion of an entry and its insertion, measured together, which few keys suffice for; one
+/// observer is told of both.
+template <class Store>
+void deleteAndInsert(Run& run, Shape shape) {
+  Store& store = filled<Store, ComeAndGo>(shape);
+  auto const& keys = visitedKeys<Store>(shape);
+  auto const& records = visitedRecords<Store>(shape);
+  store.observersAre(1);
+  auto const before = store.changeCount();
+  std::size_t at = 0;
+  for (auto _ : run) {
+    keep(store.del(keys[at]));
+    store.put(records[at]);
+    if (++at == keys.size()) at = 0;
+  }
+  expectTold(run, store, store.changeCount() - before, 2 * run.iterations());
+  store.observersAre(0);
+}
+
 /// Deletion of all entries at once; one observer is told of each.
 template <class Store>
 void deleteAll(Run& run, Shape shape) {

@@ -61,6 +61,7 @@ int main(int argc, char** argv) {
   Kest::Bench::measureLimits();
   Kest::Bench::measureOurs();
   Kest::Bench::measurePeers();
+  Kest::Bench::measureGrowth();
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
 }

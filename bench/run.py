@@ -12,9 +12,12 @@ from collections import defaultdict
 from datetime import datetime, timezone
 from pathlib import Path
 
+import growth
+import present
 from table import LINES
 
 ROWS = sorted({line.row for line in LINES})
+GROWTH = "growth"
 ROOT = Path(__file__).resolve().parent.parent
 PAUSE_SECONDS = 0.1  # after each port that is created
 LOADS = 41
@@ -25,10 +28,12 @@ def arguments():
     parser = argparse.ArgumentParser(
         prog="scripts/bench",
         description="Measures the library beside what its users would otherwise build on.")
-    parser.add_argument("rows", nargs="*", metavar="ROW", help="rows of the table, a to m")
+    parser.add_argument("rows", nargs="*", metavar="ROW", help="rows of the table, a to m; or growth, which draws doc/growth.svg")
     parser.add_argument("--filter", metavar="REGEX", default="",
                         help="only benchmarks whose name, ROW/VARIANT/WHO, matches")
     parser.add_argument("--json", metavar="FILE", type=Path, help="where the table is written")
+    parser.add_argument("--markdown", action="store_true",
+                        help="writes the whole table into doc/performance.md too")
     parser.add_argument("--repetitions", metavar="N", type=int, default=7,
                         help="of which the medians are taken (7)")
     parser.add_argument("--seconds", metavar="S", type=float, default=0.1,
@@ -36,8 +41,10 @@ def arguments():
     parser.add_argument("--build", type=Path, default=ROOT / "build/bench", help=argparse.SUPPRESS)
     options = parser.parse_args()
     unknown = set(options.rows) - set(ROWS)
-    if unknown:
+    if unknown and options.rows != [GROWTH]:
         parser.error(f"no such row: {' '.join(sorted(unknown))}")
+    if options.markdown and (options.rows or options.filter):
+        parser.error("--markdown is for the whole table")
     options.json = options.json or options.build / "results.json"
     return options
 
@@ -95,21 +102,37 @@ def run_benchmarks(options, row, names):
     return [run for run in runs if run["run_type"] == "iteration"]
 
 
-def measure_times(options, samples):
-    """A row at a time, so that none finds the heap as another one has left it."""
+def measure(options, samples, group, names):
+    """Nanoseconds of an operation, in a process of their own, so that the benchmarks of a group do
+    not find the heap as another one has left it."""
+    for run in run_benchmarks(options, group, names):
+        if run.get("error_occurred"):
+            sys.exit(f"{run['name']}: {run['error_message']}")
+        manual = run["run_name"].endswith("/manual_time")
+        time = run["real_time"] if manual else run["cpu_time"]
+        samples.of[run["run_name"].removesuffix("/manual_time")].append(
+            time / run.get("operations", 1))
+
+
+def measurable(options, row):
     listed = output(options.build / "bin/kest_bench", "--benchmark_list_tests").splitlines()
+    return [name for name in listed if name.startswith(f"{row}/")]
+
+
+def measure_times(options, samples):
     for row in ROWS:
-        names = [name for name in listed if name.startswith(f"{row}/") and
-                 samples.wanted(name.removesuffix("/manual_time"))]
-        if not names:
-            continue
-        for run in run_benchmarks(options, row, names + sorted(limits_of(row))):
-            if run.get("error_occurred"):
-                sys.exit(f"{run['name']}: {run['error_message']}")
-            manual = run["run_name"].endswith("/manual_time")
-            time = run["real_time"] if manual else run["cpu_time"]
-            samples.of[run["run_name"].removesuffix("/manual_time")].append(
-                time / run.get("operations", 1))
+        names = [name for name in measurable(options, row)
+                 if samples.wanted(name.removesuffix("/manual_time"))]
+        if names:
+            measure(options, samples, row, names + sorted(limits_of(row)))
+
+
+def measure_growth(options, samples):
+    """A curve's point at a time: a million keys take a gigabyte."""
+    points = {name.rpartition("/")[0] for name in measurable(options, GROWTH)}
+    for point in sorted(points):
+        names = [f"{point}/{store}" for store in growth.STORES]
+        measure(options, samples, re.sub(r"\W", "-", point), names)
 
 
 def derive(samples):
@@ -172,34 +195,6 @@ def judged(line, samples):
     }
 
 
-def number(value):
-    return f"{value:.0f}" if value >= 1000 else f"{value:.3g}"
-
-
-def cells(result):
-    against = result["against"]
-    peers = sorted(result["peers"].items(), key=lambda peer: (peer[0] != against, peer[1]))
-    limit = result["limit"]
-    return [
-        result["row"], result["operation"],
-        f"{number(result['ours'])} {result['unit']}",
-        f"{result['noise']:.0%}" if result["noise"] is not None else "",
-        ", ".join(f"{name} {number(value)}" for name, value in peers),
-        f"{limit['of'].partition('@')[0]} {number(limit['value'])}" if limit else "",
-        f"{result['ratio']:.2f} x {against}" if against else "",
-        f"{result['target']:g}" if against else f"{result['target']:g} {result['unit']}",
-        "met" if result["met"] else "NOT MET",
-    ]
-
-
-def print_table(results):
-    heads = ["", "operation", "ours", "+-", "peers", "limit", "ratio", "target", ""]
-    rows = [heads] + [cells(result) for result in results]
-    widths = [max(len(row[column]) for row in rows) for column in range(len(heads))]
-    for row in rows:
-        print("  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip())
-
-
 def surroundings():
     cpu = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text(encoding="utf-8"))
     return {
@@ -213,6 +208,10 @@ def surroundings():
 def main():
     options = arguments()
     samples = Samples(options)
+    if options.rows == [GROWTH]:
+        measure_growth(options, samples)
+        growth.draw({name: samples.median(name) for name in samples.of})
+        return
     machine = surroundings()
     measure_times(options, samples)
     derive(samples)
@@ -221,12 +220,11 @@ def main():
     results = [result for line in LINES if (result := judged(line, samples))]
     if not results:
         sys.exit("nothing was measured that the table judges")
-    print_table(results)
-    met = sum(result["met"] for result in results)
-    print(f"\n{met} of {len(results)} targets met; {machine['processor']}, "
-          f"load {machine['load']:.1f} on {machine['processors']} processors at the start")
+    present.print_table(results, machine)
     options.json.write_text(json.dumps({"machine": machine, "rows": results}, indent=1) + "\n",
                             encoding="utf-8")
+    if options.markdown:
+        present.write_document(results, machine)
 
 
 if __name__ == "__main__":

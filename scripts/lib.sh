@@ -19,7 +19,7 @@ test_packages=(
 # What the benchmarks are built with and compared with; nothing else needs them.
 # shellcheck disable=SC2034
 bench_packages=(
-  "${build_packages[@]}" ccache python3 libbenchmark-dev libabsl-dev libboost-dev
+  "${build_packages[@]}" ccache python3 gnuplot-nox libbenchmark-dev libabsl-dev libboost-dev
   libsigc++-3.0-dev libfmt-dev rapidjson-dev libsimdjson-dev libprotobuf-dev protobuf-compiler)
 
 # The process ends with MESSAGE on standard error.

@@ -23,7 +23,7 @@ void measureWrites() {
 
 template <class Store>
 void measureUpdates() {
-  for (std::size_t const observers : {0, 1, 8, 64}) {
+  for (std::size_t const observers : {0U, 1U, 8U, 64U}) {
     measure("c", "k=" + std::to_string(observers), Store::name,
             [=](Run& run) { update<Store>(run, shortNames, observers); });
   }

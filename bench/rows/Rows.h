@@ -5,6 +5,7 @@
 namespace Kest::Bench {
 
 void measureLimits();
+void measureGrowth();
 
 /// What the library does.
 void measureOurs();
