@@ -73,6 +73,10 @@ quietly() {
   return "$result"
 }
 
+# Many test programs wait for a process more than they compute.
+# shellcheck disable=SC2034
+tests_at_once=$((2 * $(nproc)))
+
 # With these, ccache can work beside precompiled headers.
 export CCACHE_SLOPPINESS=pch_defines,time_macros
 
