@@ -18,7 +18,7 @@ void KestSliceDmaSm::handleDevice(Mox::String devName) {
   auto const message = [&](std::ostream& out) {
     out << detail::handler::handleDevice.signature << " device: '" << devName << "'";
   };
-  KestSliceDmaConfig::Device const device = config()->device(devName);
+  KestSliceDmaConfig::Device const device = observed().device(devName);
   detail::trace(1, detail::handler::handleDevice, detail::line::handleDevice, message);
   if (device.devName().empty()) {
     // The driver keeps the device as it is, and so does the recorded state.
@@ -42,12 +42,12 @@ void KestSliceDmaSm::handleDeviceState(Mox::String devName) {
   detail::trace(1, detail::handler::handleDeviceState, detail::line::handleDeviceState,
                 [&](std::ostream& out) {
                   out << detail::handler::handleDeviceState.signature << " device: '" << devName
-                      << "' state: " << config()->deviceState(devName) << "/"
+                      << "' state: " << observed().deviceState(devName) << "/"
                       << status_->deviceState(devName);
                 });
   if (!device.registered()) return;
 
-  DeviceState const wanted = config()->deviceState(devName);
+  DeviceState const wanted = observed().deviceState(devName);
   if (wanted != DeviceState::deviceStateUp_ && wanted != DeviceState::deviceStateDown_) {
     detail::assertionFailed("false", detail::handler::handleDeviceState, detail::line::wantedState);
   }

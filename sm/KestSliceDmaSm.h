@@ -109,8 +109,8 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
  private:
   Mox::Ptr<MoxConfig> newConfig(Mox::Ptr<KestSliceDmaConfig const> const& config);
   Mox::Ptr<MoxStateTimer> newStateTimer(Mox::Ptr<Mox::Clock const> const& clock);
+  KestSliceDmaConfig const& observed() const;
   void createInterface(Mox::String const& ifName, KestSliceDmaConfig::SwitchPort const& port);
-  void pollDevice(Mox::String const& devName, DeviceState expected);
 
   // In this order: they are released from the last to the first.
   Mox::Ptr<MoxConfig> config_;
@@ -127,6 +127,12 @@ class KEST_SLICE_DMA_API KestSliceDmaSm::MoxConfig
   MoxConfig(KestSliceDmaSm* sm, Mox::Ptr<KestSliceDmaConfig const> const& config);
   ~MoxConfig() override;
 
+  /// The configuration for one lookup, which does not need a reference of its own to it. There must
+  /// be one.
+  KestSliceDmaConfig const& observed() const {
+    return static_cast<KestSliceDmaConfig const&>(*rawNotifier());
+  }
+
   using KestSliceDmaConfig::NotifieeConst::onDevice;
   using KestSliceDmaConfig::NotifieeConst::onDeviceState;
   using KestSliceDmaConfig::NotifieeConst::onNativeVlan;
@@ -140,6 +146,10 @@ class KEST_SLICE_DMA_API KestSliceDmaSm::MoxConfig
   void onDevice(Mox::String8 devName) override;
   void onDeviceState(Mox::String8 devName) override;
 };
+
+inline KestSliceDmaConfig const& KestSliceDmaSm::observed() const {
+  return config_->observed();
+}
 
 /// Polls when the clock wakes it.
 class KEST_SLICE_DMA_API KestSliceDmaSm::MoxStateTimer

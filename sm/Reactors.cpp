@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "sm/KestSliceDmaSm.h"
 
 namespace Hardware::Kest::Slice {
@@ -14,23 +16,23 @@ KestSliceDmaSm::MoxConfig::~MoxConfig() {
 }
 
 void KestSliceDmaSm::MoxConfig::onSwitchPort(Mox::String8 ifName) {
-  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleSwitchPort(ifName);
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleSwitchPort(std::move(ifName));
 }
 
 void KestSliceDmaSm::MoxConfig::onNativeVlan(Mox::String8 ifName) {
-  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleNativeVlan(ifName);
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleNativeVlan(std::move(ifName));
 }
 
 void KestSliceDmaSm::MoxConfig::onSwitchportMode(Mox::String8 ifName) {
-  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleNativeVlan(ifName);
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleNativeVlan(std::move(ifName));
 }
 
 void KestSliceDmaSm::MoxConfig::onDevice(Mox::String8 devName) {
-  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleDevice(devName);
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleDevice(std::move(devName));
 }
 
 void KestSliceDmaSm::MoxConfig::onDeviceState(Mox::String8 devName) {
-  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleDeviceState(devName);
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleDeviceState(std::move(devName));
 }
 
 KestSliceDmaSm::MoxStateTimer::MoxStateTimer(KestSliceDmaSm* sm,

@@ -1,6 +1,8 @@
 #include <unistd.h>
 
+#include <cstring>
 #include <ctime>
+#include <utility>
 
 #include "driver/KestDma.h"
 #include "sm/KestSliceDmaSm.h"
@@ -21,12 +23,18 @@ bool isAbsent(KestSliceDmaConfig::SwitchPort const& port) {
   return port.ifName().empty() && port.macAddr() == Pelk::EthAddr();
 }
 
+/// What a reader of NUL-terminated characters sees of `text`.
+Mox::String8 untilNul(Mox::String8 const& text) {
+  bool const isAll = std::strlen(text.charPtr()) == text.bytes();
+  return isAll ? text : Mox::String8(text.charPtr());
+}
+
 int addInterface(KestSliceDmaConfig::SwitchPort const& port) {
   int const shadowIntfId = port.shadowIntfId() == none ? -1 : static_cast<int>(port.shadowIntfId());
   return kestDmaIfadd(port.ifName().charPtr(), static_cast<int>(port.destId()), shadowIntfId,
-                      static_cast<int>(port.trafficClass()), Mox::String8(port.devName().charPtr()),
+                      static_cast<int>(port.trafficClass()), untilNul(port.devName()),
                       static_cast<int>(port.fapNum()), port.ctrl(), port.hwLag(),
-                      port.macAddr().stringValue().charPtr());
+                      port.macAddr().text().data());
 }
 
 /// Whole seconds of wall-clock time.
@@ -41,14 +49,14 @@ void KestSliceDmaSm::handleSwitchPort(Mox::String ifName) {
       8, detail::handler::handleSwitchPort, detail::line::handleSwitchPort, [&](std::ostream& out) {
         out << "KestSliceDmaSm::" << detail::handler::handleSwitchPort.name << " ifName=" << ifName;
       });
-  KestSliceDmaConfig::SwitchPort const port = config()->switchPort(ifName);
+  KestSliceDmaConfig::SwitchPort const port = observed().switchPort(ifName);
   if (isAbsent(port)) {
     kestDmaIfdel(ifName.charPtr());  // the driver may never have had it: the result says nothing
     status_->switchPortDel(ifName);
   } else {
     createInterface(ifName, port);
   }
-  handleNativeVlan(ifName);
+  handleNativeVlan(std::move(ifName));
 }
 
 /// Hands the port to the driver, over an interface that exists already too, and again as long as
@@ -84,7 +92,7 @@ void KestSliceDmaSm::handleNativeVlan(Mox::String ifName) {
     detail::assertionFailed("ifName.pos( \"et\" ) != Mox::String::npos",
                             detail::handler::handleNativeVlan, detail::line::interfaceName);
   }
-  std::uint16_t const vlan = config()->nativeVlan(ifName);
+  std::uint16_t const vlan = observed().nativeVlan(ifName);
   // Without an interface there is nothing to program; its creation comes back here.
   if (!status_->switchPort(ifName).created()) return;
 
@@ -95,14 +103,14 @@ void KestSliceDmaSm::handleNativeVlan(Mox::String ifName) {
     return;
   }
   bool const mode =
-      config()->switchportMode(ifName) == Bridging::SwitchportMode::switchportModeDot1qTunnel_;
+      observed().switchportMode(ifName) == Bridging::SwitchportMode::switchportModeDot1qTunnel_;
   int const error = kestDmaNativeVlan(ifName.charPtr(), mode, vlan);
   if (error != 0) {
     detail::assertionFailed("error == 0", detail::handler::handleNativeVlan,
                             detail::line::nativeVlanSet);
   }
   status_->nativeVlanIs(ifName, vlan);
-  status_->switchportModeIs(ifName, config()->switchportMode(ifName));
+  status_->switchportModeIs(ifName, observed().switchportMode(ifName));
 }
 
 }  // namespace Hardware::Kest::Slice

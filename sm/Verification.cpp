@@ -38,15 +38,7 @@ void verify(bool holds, char const* expression, unsigned lineNumber) {
   std::abort();
 }
 
-}  // namespace
-
-void KestSliceDmaSm::handleTimerExpired() {
-  detail::traceSignature(8, detail::handler::handleTimerExpired, detail::line::handleTimerExpired);
-  for (auto it = status_->deviceStateIteratorConst(); it; ++it) pollDevice(it.key(), it.value());
-  stateTimer_->timeMinIs(Mox::now() + pollPeriodSeconds);
-}
-
-void KestSliceDmaSm::pollDevice(Mox::String const& devName, DeviceState expected) {
+void pollDevice(Mox::String const& devName, DeviceState expected) {
   bool up = false;
   int const result = kestDmaIsDeviceUp(devName, &up);
   if (result != 0) {
@@ -66,6 +58,14 @@ void KestSliceDmaSm::pollDevice(Mox::String const& devName, DeviceState expected
   }
   bool const expectedUp = expected == DeviceState::deviceStateUp_;
   if (expectedUp != up) stateMismatch(devName, expectedUp, up);
+}
+
+}  // namespace
+
+void KestSliceDmaSm::handleTimerExpired() {
+  detail::traceSignature(8, detail::handler::handleTimerExpired, detail::line::handleTimerExpired);
+  for (auto it = status_->deviceStateIteratorConst(); it; ++it) pollDevice(it.key(), it.value());
+  stateTimer_->timeMinIs(Mox::now() + pollPeriodSeconds);
 }
 
 void KestSliceDmaSm::doVerify() {

@@ -131,9 +131,10 @@ Facilities& facilities() {
 }
 
 std::ostream* traceStream = nullptr;
-std::ostream* coverageStream = nullptr;
 
 }  // namespace
+
+std::ostream* detail::traceCoverageStream = nullptr;
 
 TraceHandle::TraceHandle(String8 facility) : facility_(std::move(facility)) {
   for (Rule const& rule : facilities().rules) {
@@ -175,12 +176,8 @@ void traceStreamIs(std::ostream* stream) {
   traceStream = stream;
 }
 
-std::ostream* traceCoverageStream() {
-  return coverageStream;
-}
-
 void traceCoverageStreamIs(std::ostream* stream) {
-  coverageStream = stream;
+  detail::traceCoverageStream = stream;
 }
 
 void traceHelper(TraceHandle const& handle, String8 const& message, unsigned level,
@@ -192,7 +189,7 @@ void traceHelper(TraceHandle const& handle, String8 const& message, unsigned lev
   if (handle.enabled(level)) {
     (traceStream != nullptr ? *traceStream : std::cerr) << text << std::flush;
   }
-  if (coverageStream != nullptr) *coverageStream << text << std::flush;
+  if (std::ostream* const coverage = traceCoverageStream()) *coverage << text << std::flush;
 }
 
 }  // namespace Mox

@@ -44,8 +44,14 @@ MOX_API String8 traceSetting();
 /// Where enabled trace points write; not owned. Null: standard error, the default.
 MOX_API void traceStreamIs(std::ostream* stream);
 
+namespace detail {
+MOX_API extern std::ostream* traceCoverageStream;  // here, so that asking for it calls nobody
+}
+
 /// Where every trace point reached writes, whatever its level; not owned. Null, the default: none.
-MOX_API std::ostream* traceCoverageStream();
+inline std::ostream* traceCoverageStream() {
+  return detail::traceCoverageStream;
+}
 MOX_API void traceCoverageStreamIs(std::ostream* stream);
 
 /// Whether a trace point of that level has anyone to write to: ask before building its message.

@@ -40,9 +40,21 @@ Mox::MoxType const* EthAddr::_fwkType() {
   return &type;
 }
 
+EthAddr::Text EthAddr::text() const noexcept {
+  static constexpr char digits[] = "0123456789abcdef";
+  Text text;
+  char* at = text.data();
+  for (std::uint8_t const octet : octets_) {
+    *at++ = digits[octet / 16];
+    *at++ = digits[octet % 16];
+    *at++ = ':';
+  }
+  text.back() = '\0';
+  return text;
+}
+
 Mox::String8 EthAddr::stringValue() const {
-  return Mox::format("%02x:%02x:%02x:%02x:%02x:%02x", octets_[0], octets_[1], octets_[2],
-                     octets_[3], octets_[4], octets_[5]);
+  return text().data();
 }
 
 Mox::String8 valueToStrep(EthAddr const& value) {

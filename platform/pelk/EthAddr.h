@@ -13,6 +13,7 @@ namespace Pelk {
 class MOX_API EthAddr {
  public:
   using Octets = std::array<std::uint8_t, 6>;
+  using Text = std::array<char, 18>;
 
   constexpr EthAddr() = default;
   constexpr explicit EthAddr(Octets octets) noexcept : octets_(octets) {}
@@ -23,6 +24,8 @@ class MOX_API EthAddr {
   constexpr Octets const& octets() const noexcept { return octets_; }
   /// The text form, in lower case.
   Mox::String8 stringValue() const;
+  /// The same, NUL-terminated, for whoever needs its characters for a moment: takes no memory.
+  Text text() const noexcept;
 
   friend constexpr bool operator==(EthAddr const&, EthAddr const&) = default;
 

@@ -5,11 +5,6 @@
 
 namespace Hardware::Kest::Slice::detail {
 
-Mox::TraceHandle& traceHandle() {
-  static Mox::TraceHandle handle("KestSliceDma");
-  return handle;
-}
-
 void assertionFailed(char const* expression, Handler const& handler, unsigned lineNumber) {
   __assert_fail(expression, source, lineNumber, handler.signature);
 }

@@ -64,12 +64,17 @@ inline constexpr unsigned wantedState = 262;
 }  // namespace line
 
 /// The library's trace facility, "KestSliceDma"; made at the first call.
-Mox::TraceHandle& traceHandle();
+inline Mox::TraceHandle& traceHandle() {
+  static Mox::TraceHandle handle("KestSliceDma");
+  return handle;
+}
 
-/// Trace point. The message, which `write` streams, is built only when somebody wants it.
+/// Trace point. The message, which `write` streams, is built only when somebody wants it; one that
+/// nobody wants costs two loads and two branches.
 template <class Write>
 void trace(unsigned level, Handler const& handler, unsigned lineNumber, Write const& write) {
-  if (!Mox::traceWanted(traceHandle(), level)) return;
+  if (!Mox::traceWanted(traceHandle(), level)) [[likely]]
+    return;
   std::ostringstream message;
   write(message);
   Mox::traceHelper(traceHandle(), Mox::String8(message.str()), level, source, lineNumber,

@@ -25,6 +25,7 @@ TEST(EthAddrTest, ReadsDigitsOfEitherCaseAndPrintsThemInLowerCase) {
   EXPECT_EQ(EthAddr("00:1c:73:0a:0b:fc"), sample);
   EXPECT_EQ(EthAddr("00:1C:73:0A:0b:Fc"), sample);
   EXPECT_EQ(sample.stringValue(), "00:1c:73:0a:0b:fc");
+  EXPECT_STREQ(sample.text().data(), "00:1c:73:0a:0b:fc");
   std::ostringstream out;
   out << sample;
   EXPECT_EQ(out.str(), "00:1c:73:0a:0b:fc");

@@ -67,6 +67,17 @@ TEST_F(SwitchPortTest, DriverGetsTheRecordAsItStands) {
   }
 }
 
+TEST_F(SwitchPortTest, DriverGetsTheDeviceNameUpToItsFirstNul) {
+  auto record = port("et1");
+  record.devNameIs(Mox::String8(std::string_view("fap0\0hidden", 11)));
+  config->switchPortIs(record);
+  EXPECT_EQ(journal.taken().front(), ifadd("et1"));
+  record.devNameIs(Mox::String8(std::string_view("\0", 1)));
+  config->switchPortIs(record);
+  EXPECT_EQ(journal.taken().front(),
+            "kestDmaIfadd('et1', 7, -1, 3, '', 1, true, false, '00:1c:73:0a:0b:0c')");
+}
+
 TEST_F(SwitchPortTest, ChangedPortIsHandedOverAgainWithoutADeletion) {
   createPort("et1");
   auto changed = port("et1");
