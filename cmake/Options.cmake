@@ -64,6 +64,9 @@ if(KEST_SANITIZE)
   add_compile_options(-O1 -g1)
   add_compile_options(-fsanitize=${KEST_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KEST_SANITIZE})
+  if(KEST_SANITIZE MATCHES "address")
+    add_compile_definitions(KEST_ADDRESS_SANITIZER)
+  endif()
 endif()
 
 # For the folders of the agent and its client: leaves them without sanitizers, and quick to compile,

@@ -28,9 +28,9 @@ Attribute const* registered(MoxType const* type, AttributeId id) {
 
 GenericAccessException::~GenericAccessException() = default;
 
-AttributeIterator::~AttributeIterator() = default;
+void* AdapterMemory::spare_ = nullptr;
 
-GenericIf::~GenericIf() = default;
+AttributeIterator::~AttributeIterator() = default;
 
 void const* GenericIf::voidPtr() const {
   return nullptr;
@@ -38,14 +38,14 @@ void const* GenericIf::voidPtr() const {
 
 void* GenericIf::voidPtrIs(MoxType const* wanted) {
   if (isConst_) refuseModification();
-  if (type() != wanted || voidPtr() == nullptr) throwTypeException(wanted->fullName());
+  if (type_ != wanted || voidPtr() == nullptr) throwTypeException(wanted->fullName());
   return const_cast<void*>(voidPtr());
 }
 
 AttributeId GenericIf::attributeId(String8 const& name) const {
-  TypeNode const* const node = type()->typeNode();
+  TypeNode const* const node = type_->typeNode();
   Attribute const* const attribute = node == nullptr ? nullptr : node->attribute(name);
-  if (attribute == nullptr) throwNoSuchAttributeException(type(), name);
+  if (attribute == nullptr) throwNoSuchAttributeException(type_, name);
   return attribute->id;
 }
 
@@ -53,22 +53,22 @@ void GenericIf::attributeOp(AttributeOp const& op, GenericIf const*,
                             std::unique_ptr<GenericIf>& result) {
   checkModifiable(op);
   if (op.attribute != wholeAttributeId || op.code != AttributeOpCode::read) {
-    refuse(type(), op.attribute, op.code);
+    refuse(type_, op.attribute, op.code);
   }
   result = clone();
 }
 
 std::unique_ptr<GenericIf> GenericIf::genericIfListConstructor(GenericIf const&) const {
-  throwOpNotSupportedException(type()->fullName(), AttributeOpCode::construct);
+  throwOpNotSupportedException(type_->fullName(), AttributeOpCode::construct);
 }
 
 std::unique_ptr<AttributeIterator> GenericIf::attributeIteratorConst(AttributeId attribute) const {
-  refuse(type(), attribute, AttributeOpCode::read);
+  refuse(type_, attribute, AttributeOpCode::read);
 }
 
 std::unique_ptr<AttributeIterator> GenericIf::attributeIteratorKeyConst(AttributeId attribute,
                                                                         GenericIf const*) const {
-  refuse(type(), attribute, AttributeOpCode::read);
+  refuse(type_, attribute, AttributeOpCode::read);
 }
 
 std::unique_ptr<GenericIf> GenericIf::attributeIterator_iterObj(
@@ -115,7 +115,7 @@ void GenericIf::refuseModification() {
   throwConstException("attempting to modify a const instance");
 }
 
-GenericIf::List_::List_() noexcept : GenericIf(true) {}
+GenericIf::List_::List_() noexcept : GenericIf(_fwkType(), true) {}
 
 GenericIf::List_::List_(List_ const& other) : GenericIf(other) {
   items_.reserve(other.items_.size());
@@ -127,10 +127,6 @@ GenericIf::List_::~List_() = default;
 MoxType const* GenericIf::List_::_fwkType() {
   static MoxType const type("List", MoxType::Kind::value);
   return &type;
-}
-
-MoxType const* GenericIf::List_::type() const {
-  return _fwkType();
 }
 
 std::unique_ptr<GenericIf> GenericIf::List_::clone() const {

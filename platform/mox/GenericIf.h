@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <memory>
 #include <utility>
 #include <vector>
 
+#include "platform/mox/AdapterMemory.h"
 #include "platform/mox/MoxType.h"
 #include "platform/mox/PtrInterface.h"
 #include "platform/mox/String8.h"
@@ -90,9 +92,16 @@ class MOX_API GenericIf {
   class List_;
 
   GenericIf& operator=(GenericIf const&) = delete;
-  virtual ~GenericIf();
+  virtual ~GenericIf() = default;
 
-  virtual MoxType const* type() const = 0;
+  // Adapters come from `AdapterMemory`.
+  static void* operator new(std::size_t bytes) { return AdapterMemory::taken(bytes); }
+  static void operator delete(void* memory, std::size_t bytes) noexcept {
+    AdapterMemory::givenBack(memory, bytes);
+  }
+
+  /// Of the value, or of the object or reference.
+  MoxType const* type() const noexcept { return type_; }
   bool isConst() const noexcept { return isConst_; }
   virtual std::unique_ptr<GenericIf> clone() const = 0;
   /// The text form.
@@ -138,7 +147,7 @@ class MOX_API GenericIf {
   [[noreturn]] static void throwNotBoundException(String8 const& name);
 
  protected:
-  explicit GenericIf(bool isConst) noexcept : isConst_(isConst) {}
+  GenericIf(MoxType const* type, bool isConst) noexcept : type_(type), isConst_(isConst) {}
   GenericIf(GenericIf const&) = default;
 
   /// Refuses an operation that modifies through a const adapter.
@@ -149,6 +158,7 @@ class MOX_API GenericIf {
  private:
   [[noreturn]] static void refuseModification();
 
+  MoxType const* type_;
   bool isConst_;
 };
 
@@ -162,7 +172,6 @@ class MOX_API GenericIf::List_ : public GenericIf {
   void add(std::unique_ptr<GenericIf> item) { items_.push_back(std::move(item)); }
   std::vector<std::unique_ptr<GenericIf>> const& items() const noexcept { return items_; }
 
-  MoxType const* type() const override;
   static MoxType const* _fwkType();
   std::unique_ptr<GenericIf> clone() const override;
   String8 strRep() const override;

@@ -10,15 +10,15 @@ namespace Mox {
 GenericIfPtrInterface::~GenericIfPtrInterface() = default;
 
 std::unique_ptr<GenericIf> GenericIfPtrInterface::clone() const {
-  return type_->genericIf_(object_.ptr(), isConst());
+  return type()->genericIf_(object_.ptr(), isConst());
 }
 
 String8 GenericIfPtrInterface::strRep() const {
   auto const* const entity = dynamic_cast<Entity const*>(object_.ptr());
   if (object_ && entity == nullptr) {
-    return format("ObjectPtr(%s)", valueToStrep(type_->fullName()).charPtr());
+    return format("ObjectPtr(%s)", valueToStrep(type()->fullName()).charPtr());
   }
-  return valueToStrepOfRawPtr(entity, type_);
+  return valueToStrepOfRawPtr(entity, type());
 }
 
 void GenericIfPtrInterface::attributeOp(AttributeOp const& op, GenericIf const* arg,
@@ -29,7 +29,7 @@ void GenericIfPtrInterface::attributeOp(AttributeOp const& op, GenericIf const* 
     return;
   }
   auto const* const other = dynamic_cast<GenericIfPtrInterface const*>(arg);
-  if (other == nullptr || other->type_ != type_) throwTypeException("moxOpArg");
+  if (other == nullptr || other->type() != type()) throwTypeException("moxOpArg");
   result = genericOf(object_ == other->object_);
 }
 

@@ -14,12 +14,11 @@ class MOX_API GenericIfPtrInterface : public GenericIf {
  public:
   /// @param type of the object, or of the reference when it is null
   GenericIfPtrInterface(MoxType const* type, PtrInterface* object, bool isConst) noexcept
-      : GenericIf(isConst), type_(type), object_(object) {}
+      : GenericIf(type, isConst), object_(object) {}
   ~GenericIfPtrInterface() override;
 
   Ptr<PtrInterface> const& object() const noexcept { return object_; }
 
-  MoxType const* type() const override { return type_; }
   std::unique_ptr<GenericIf> clone() const override;
   /// A reference's text form; `ObjectPtr('Type')` for an object that is no entity.
   String8 strRep() const override;
@@ -30,12 +29,11 @@ class MOX_API GenericIfPtrInterface : public GenericIf {
   /// The object, which must be of the adapter's type; refused when the reference is null.
   template <class T>
   T& objectAs() const {
-    if (!object_) throwNotBoundException(type_->fullName());
+    if (!object_) throwNotBoundException(type()->fullName());
     return static_cast<T&>(*object_);
   }
 
  private:
-  MoxType const* type_;
   Ptr<PtrInterface> object_;
 };
 

@@ -25,12 +25,12 @@ String8 genericStrep(T const& value) {
 template <class T>
 class GenericValue : public GenericIf {
  public:
-  GenericValue(T value, bool isConst) : GenericIf(isConst), value_(std::move(value)) {}
+  GenericValue(T value, bool isConst)
+      : GenericIf(TypeOf<T>::type(), isConst), value_(std::move(value)) {}
 
   T const& val() const noexcept { return value_; }
   void valIs(T value) { *static_cast<T*>(this->voidPtrIs(this->type())) = std::move(value); }
 
-  MoxType const* type() const override { return TypeOf<T>::type(); }
   void const* voidPtr() const override { return &value_; }
   std::unique_ptr<GenericIf> clone() const override {
     return type()->genericIf(&value_, isConst());
@@ -44,17 +44,31 @@ class GenericValue : public GenericIf {
   T value_;
 };
 
-/// The adapter of a value, made by its type object.
+/// A type of the platform all of whose adapters are `GenericValue`s out of the platform's library.
+template <class T>
+concept IsBasic = requires {
+  TypeOf<T>::isBasic;
+};
+
+/// The adapter of a value, as its type object makes it.
 template <class T>
 std::unique_ptr<GenericIf> genericOf(T const& value, bool isConst = true) {
-  return TypeOf<T>::type()->genericIf(&value, isConst);
+  if constexpr (IsBasic<T>) {
+    return std::make_unique<GenericValue<T>>(value, isConst);  // straight, for 0.1 of a read
+  } else {
+    return TypeOf<T>::type()->genericIf(&value, isConst);
+  }
 }
 
 /// The value that an adapter holds if it is a `T`; otherwise null, as for no adapter.
 template <class T>
 T const* genericVal(GenericIf const* generic) {
-  bool const isT = generic != nullptr && generic->type() == TypeOf<T>::type();
-  return isT ? static_cast<T const*>(generic->voidPtr()) : nullptr;
+  if (generic == nullptr || generic->type() != TypeOf<T>::type()) return nullptr;
+  if constexpr (IsBasic<T>) {
+    return &static_cast<GenericValue<T> const*>(generic)->val();
+  } else {
+    return static_cast<T const*>(generic->voidPtr());
+  }
 }
 
 template <class T>
@@ -93,30 +107,44 @@ class ValueType : public MoxType {
   }
 };
 
-template <>
-struct MOX_API TypeOf<bool> {
-  static MoxType const* type();
+namespace detail {
+
+// The type objects of the basic types. They are objects rather than functions' own, so that whoever
+// compares types compares addresses and calls nobody.
+MOX_API extern ValueType<bool> const boolType;
+MOX_API extern ValueType<std::uint16_t> const u16Type;
+MOX_API extern ValueType<std::uint32_t> const u32Type;
+MOX_API extern ValueType<unsigned long long> const u64Type;
+MOX_API extern ValueType<double> const doubleType;
+MOX_API extern ValueType<String8> const stringType;
+
+template <auto const& object>
+struct BasicType {
+  static constexpr bool isBasic = true;
+  static MoxType const* type() noexcept { return &object; }
 };
+
+}  // namespace detail
+
 template <>
-struct MOX_API TypeOf<std::uint16_t> {
-  static MoxType const* type();
-};
+struct TypeOf<bool> : detail::BasicType<detail::boolType> {};
 template <>
-struct MOX_API TypeOf<std::uint32_t> {
-  static MoxType const* type();
-};
+struct TypeOf<std::uint16_t> : detail::BasicType<detail::u16Type> {};
 template <>
-struct MOX_API TypeOf<unsigned long long> {
-  static MoxType const* type();
-};
+struct TypeOf<std::uint32_t> : detail::BasicType<detail::u32Type> {};
 template <>
-struct MOX_API TypeOf<double> {
-  static MoxType const* type();
-};
+struct TypeOf<unsigned long long> : detail::BasicType<detail::u64Type> {};
 template <>
-struct MOX_API TypeOf<String8> {
-  static MoxType const* type();
-};
+struct TypeOf<double> : detail::BasicType<detail::doubleType> {};
+template <>
+struct TypeOf<String8> : detail::BasicType<detail::stringType> {};
+
+extern template class MOX_API GenericValue<bool>;
+extern template class MOX_API GenericValue<std::uint16_t>;
+extern template class MOX_API GenericValue<std::uint32_t>;
+extern template class MOX_API GenericValue<unsigned long long>;
+extern template class MOX_API GenericValue<double>;
+extern template class MOX_API GenericValue<String8>;
 
 /// The type of whatever has no value to hand out, such as a handler.
 MOX_API MoxType const* untypedPointer();

@@ -108,7 +108,7 @@ void IntrospectionReactor::onAttribute(MoxType const& type, Attribute attribute)
     throwRangeException(format("'%s' has an attribute '%s' or %u already",
                                type.fullName().charPtr(), attribute.name.charPtr(), attribute.id));
   }
-  node.attributes_.push_back(std::move(attribute));
+  node.attributes_.add(std::move(attribute));
 }
 
 void IntrospectionReactor::onInheritedAttributes(MoxType const& type, MoxType const& base) {
@@ -133,9 +133,7 @@ void IntrospectionReactor::onRecordCollection(MoxType const& type, Attribute att
     throwRangeException(format("'%s' has no attribute '%s' to be a key",
                                attribute.type->fullName().charPtr(), keyName.charPtr()));
   }
-  std::erase_if(nodeOf(type).attributes_, [&](Attribute const& inherited) {
-    return inherited.inheritedFrom != nullptr && inherited.name == attribute.name;
-  });
+  nodeOf(type).attributes_.inheritedDel(attribute.name);
   attribute.introspectionClass = IntrospectionClass::collection;
   attribute.keyName = key->name;
   attribute.keyType = key->type;

@@ -1,45 +1,14 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <vector>
 
-#include "platform/mox/PtrInterface.h"
+#include "platform/mox/AttributeList.h"
 #include "platform/mox/String8.h"
 
 namespace Mox {
 
-/// What generic tools may expect of an attribute.
-enum class IntrospectionClass { scalar, enumerator, collection, handler };
-
-/// Flag word of an attribute: `AttributeFlag`s, combined.
-using AttributeFlags = std::uint32_t;
-enum AttributeFlag : AttributeFlags {
-  attributeVisible = 1,     // tools show it
-  attributePersistent = 2,  // belongs to what is kept when the state is saved
-  attributeNotifying = 4,   // changes of it are announced
-  attributeWritable = 8,    // meant to be changed from outside
-};
-
-/// Named argument of a constructor or a handler; its type by full name, which need not be
-/// registered.
-struct Argument {
-  String8 name;
-  String8 typeName;
-};
-
-/// One attribute of a registered type.
-struct Attribute {
-  String8 name;
-  AttributeId id = 0;
-  MoxType const* type = nullptr;  // of the value; of a collection's members
-  IntrospectionClass introspectionClass = IntrospectionClass::scalar;
-  AttributeFlags flags = attributeVisible;
-  String8 keyName = {};                    // collections
-  MoxType const* keyType = nullptr;        // collections
-  std::vector<Argument> arguments = {};    // handlers
-  MoxType const* inheritedFrom = nullptr;  // null for the type's own
-};
+class MoxType;
 
 /// A place in the type tree: a namespace, or a type with what is registered of it. Types nest.
 ///
@@ -63,10 +32,10 @@ class MOX_API TypeNode {
   MoxType const* type() const noexcept { return type_; }
   std::vector<Argument> const& constructorArguments() const noexcept { return constructor_; }
   /// In order of announcement, inherited ones first.
-  std::vector<Attribute> const& attributes() const noexcept { return attributes_; }
+  std::vector<Attribute> const& attributes() const noexcept { return attributes_.all(); }
   /// Null when there is none.
-  Attribute const* attribute(String8 const& name) const noexcept;
-  Attribute const* attribute(AttributeId id) const noexcept;
+  Attribute const* attribute(String8 const& name) const noexcept { return attributes_.find(name); }
+  Attribute const* attribute(AttributeId id) const noexcept { return attributes_.find(id); }
 
  private:
   friend class IntrospectionReactor;
@@ -76,7 +45,7 @@ class MOX_API TypeNode {
   std::vector<std::unique_ptr<TypeNode>> members_;
   MoxType const* type_ = nullptr;
   std::vector<Argument> constructor_;
-  std::vector<Attribute> attributes_;
+  AttributeList attributes_;
 };
 
 }  // namespace Mox

@@ -31,7 +31,7 @@ std::size_t liveAllocations() noexcept {
   return live;
 }
 
-Shortage::Shortage(std::size_t at, Lasting howLong) noexcept {
+Shortage::Shortage(std::size_t at, Lasting howLong) {
   failed = false;
   lasting = howLong;
   untilFailure = at;

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
+
+#include "platform/mox/GenericValue.h"
 
 /// Memory that runs out on demand. The program's allocation functions, which the libraries use too,
 /// are replaced by ones that count and can fail.
@@ -16,13 +19,17 @@ enum class Lasting { once, forGood };
 /// it. One at a time.
 class Shortage {
  public:
-  Shortage(std::size_t at, Lasting lasting) noexcept;
+  Shortage(std::size_t at, Lasting lasting);
   ~Shortage();
   Shortage(Shortage const&) = delete;
   Shortage& operator=(Shortage const&) = delete;
 
   /// Whether an allocation has failed.
   bool hasCome() const noexcept;
+
+ private:
+  // Has the block that is kept for adapters, so that the first of them takes memory too.
+  std::unique_ptr<Mox::GenericIf> adapter_ = Mox::genericOf(true);
 };
 
 /// As long as this lives there is memory after all, for what belongs to the test.

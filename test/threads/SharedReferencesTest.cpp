@@ -9,6 +9,7 @@
 
 #include "model/ConfigRecords.h"
 #include "platform/fru/PciHam.h"
+#include "platform/mox/GenericValue.h"
 #include "platform/mox/Ptr.h"
 #include "platform/mox/String8.h"
 
@@ -190,6 +191,17 @@ TEST_F(SharedReferencesTest, MakeRecordsFreeToCopy) {
   EXPECT_EQ(ham->references(), 2U * rounds + 2);
   atOnce({[&] { here.clear(); }, [&] { there.clear(); }, [&] { device = ConfigDevice(); }});
   EXPECT_EQ(ham->references(), 1U);
+}
+
+TEST_F(SharedReferencesTest, LetEachThreadMakeAdapters) {
+  auto const read = [] {
+    String8 const name("Arad3/0");
+    for (int i = 0; i < rounds; ++i) {
+      auto const generic = genericOf(name);
+      ASSERT_EQ(*genericVal<String8>(generic->clone().get()), name);
+    }
+  };
+  atOnce({read, read});
 }
 
 #ifdef __SANITIZE_THREAD__
