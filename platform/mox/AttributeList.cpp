@@ -16,7 +16,9 @@ Attribute const* AttributeList::find(String8 const& name) const noexcept {
   if (all_.empty()) return nullptr;
   for (std::size_t at = firstPlace(name); places_[at] != none; at = nextPlace(at)) {
     Attribute const& attribute = all_[places_[at]];
-    if (attribute.name == name) return &attribute;
+    // Not as strings compare, which branches by length: a read by name would take 1.2 times as
+    // long.
+    if (attribute.name.view() == name.view()) return &attribute;
   }
   return nullptr;
 }
