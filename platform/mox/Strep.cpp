@@ -1,14 +1,18 @@
 #include "platform/mox/Strep.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <limits>
 #include <string>
 #include <string_view>
 #include <system_error>
 
+#include "platform/detail/Hex.h"
 #include "platform/mox/Dir.h"
 #include "platform/mox/Entity.h"
+#include "platform/mox/StrepBuffer.h"
 
 namespace Mox {
 
@@ -20,11 +24,7 @@ bool isBlank(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-bool isControl(char c) {
+constexpr bool isControl(char c) {
   return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
 }
 
@@ -59,17 +59,40 @@ struct Escape {
 };
 constexpr Escape escapes[] = {{'\\', '\\'}, {'\'', '\''}, {'\n', 'n'}, {'\t', 't'}, {'\r', 'r'}};
 
-int hexDigit(char c) {
-  if (isDigit(c)) return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
+/// What stands behind the backslash for each character: 'x' for two digits, NUL for no escape.
+constexpr auto escapeLetters = [] {
+  std::array<char, 256> letters{};
+  for (std::size_t c = 0; c < letters.size(); ++c) {
+    if (isControl(static_cast<char>(c))) letters[c] = 'x';
+  }
+  for (Escape const& escape : escapes) {
+    letters[static_cast<unsigned char>(escape.character)] = escape.letter;
+  }
+  return letters;
+}();
+
+char escapeLetter(char c) {
+  return escapeLetters[static_cast<unsigned char>(c)];
+}
+
+void appendEscaped(StrepBuffer& text, char c) {
+  constexpr std::size_t longest = 4;  // \xHH
+  char* out = text.room(longest);
+  *out++ = '\\';
+  *out++ = escapeLetter(c);
+  if (escapeLetter(c) == 'x') out = detail::writeHex(out, static_cast<std::uint8_t>(c));
+  text.endIs(out);
+}
+
+/// Whether a string cannot go on with `c` as it stands.
+bool endsRun(char c) {
+  return c == '\'' || c == '\\';
 }
 
 char readHexByte(Iterator& it, Iterator const& end) {
   int value = 0;
   for (int digits = 0; digits < 2; ++digits) {
-    int const digit = it == end ? -1 : hexDigit(*it);
+    int const digit = it == end ? -1 : detail::hexValue(*it);
     if (digit < 0) throwExpected("two hexadecimal digits behind \\x", it, end);
     value = value * 16 + digit;
     ++it;
@@ -94,21 +117,17 @@ char readEscaped(Iterator& it, Iterator const& end) {
 
 template <class Unsigned>
 Unsigned readUnsigned(Iterator& it, Iterator const& end) {
-  constexpr unsigned long long most = std::numeric_limits<Unsigned>::max();
   skipBlanks(it, end);
-  Iterator const start = it;
-  if (it == end || !isDigit(*it)) throwExpected("a decimal number", it, end);
-  unsigned long long value = 0;
-  for (; !(it == end) && isDigit(*it); ++it) {
-    auto const digit = static_cast<unsigned>(*it - '0');
-    bool const fits = value < most / 10 || (value == most / 10 && digit <= most % 10);
-    value = value * 10 + digit;
-    if (!fits) {
-      it = start;
-      throwRangeException(format("expected a number from 0 to %llu, found a larger one", most));
-    }
+  std::string_view const rest = it.viewTo(end);
+  Unsigned value = 0;
+  auto const [behind, error] = std::from_chars(rest.data(), rest.data() + rest.size(), value);
+  if (error == std::errc::result_out_of_range) {
+    constexpr unsigned long long most = std::numeric_limits<Unsigned>::max();
+    throwRangeException(format("expected a number from 0 to %llu, found a larger one", most));
   }
-  return static_cast<Unsigned>(value);
+  if (error != std::errc()) throwExpected("a decimal number", it, end);
+  it += static_cast<std::size_t>(behind - rest.data());
+  return value;
 }
 
 /// Takes `word` if it stands at `it`.
@@ -118,31 +137,44 @@ bool tookWord(Iterator& it, Iterator const& end, std::string_view word) {
   return true;
 }
 
+template <class T>
+String8 strepOf(T const& value) {
+  StrepBuffer text;
+  appendStrep(text, value);
+  return text.string();
+}
+
 }  // namespace
 
-String8 valueToStrep(String8 const& value) {
-  std::string text;
-  text.reserve(value.bytes() + 2);
-  text += '\'';
-  for (char const c : value.view()) {
-    Escape const* escape = nullptr;
-    for (Escape const& candidate : escapes) {
-      if (candidate.character == c) escape = &candidate;
-    }
-    if (escape != nullptr) {
-      (text += '\\') += escape->letter;
-    } else if (isControl(c)) {
-      text += format("\\x%02x", static_cast<unsigned>(c)).view();
-    } else {
-      text += c;
-    }
+void appendStrep(StrepBuffer& text, String8 const& value) {
+  std::string_view rest = value.view();
+  text.append("'");
+  while (true) {
+    auto const special = std::find_if(rest.begin(), rest.end(), escapeLetter);
+    text.append({rest.begin(), special});
+    if (special == rest.end()) break;
+    appendEscaped(text, *special);
+    rest = {special + 1, rest.end()};
   }
-  text += '\'';
-  return String8(text);
+  text.append("'");
+}
+
+void appendStrep(StrepBuffer& text, unsigned long long value) {
+  constexpr std::size_t mostDigits = std::numeric_limits<unsigned long long>::digits10 + 1;
+  char* const out = text.room(mostDigits);
+  text.endIs(std::to_chars(out, out + mostDigits, value).ptr);
+}
+
+void appendStrep(StrepBuffer& text, bool value) {
+  text.append(value ? "True" : "False");
+}
+
+String8 valueToStrep(String8 const& value) {
+  return strepOf(value);
 }
 
 String8 valueToStrep(unsigned long long value) {
-  return String8(std::to_string(value));
+  return strepOf(value);
 }
 
 String8 valueToStrep(double value) {
@@ -154,7 +186,7 @@ String8 valueToStrep(double value) {
 }
 
 String8 valueToStrep(bool value) {
-  return value ? "True" : "False";
+  return strepOf(value);
 }
 
 String8 valueToStrepOfRawPtr(Entity const* entity, MoxType const* type) {
@@ -181,11 +213,17 @@ String8 sequenceToValue(Iterator& it, Iterator const& end, String8*) {
   ++it;
   std::string value;
   while (true) {
+    std::string_view const rest = it.viewTo(end);
+    auto const special = std::find_if(rest.begin(), rest.end(), endsRun);
+    std::string_view const run(rest.begin(), special);
+    it += run.size();
     if (it == end) throwExpected("the string's closing apostrophe", it, end);
     char const c = *it;
     ++it;
+    if (c == '\'' && value.empty()) return String8(run);
+    value += run;
     if (c == '\'') return String8(value);
-    value += c == '\\' ? readEscaped(it, end) : c;
+    value += readEscaped(it, end);
   }
 }
 

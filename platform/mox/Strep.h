@@ -15,20 +15,25 @@
 namespace Mox {
 
 class Entity;
+class StrepBuffer;
 
-// Writers.
+// Writers. What is printed often can also be appended to a text.
 
 /// In apostrophes; `\\`, `\'`, `\n`, `\t`, `\r` escaped so, other control bytes as `\xHH`, bytes
 /// from 0x80 as they are.
 MOX_API String8 valueToStrep(String8 const& value);
+MOX_API void appendStrep(StrepBuffer& text, String8 const& value);
 /// Decimal.
 MOX_API String8 valueToStrep(unsigned long long value);
+MOX_API void appendStrep(StrepBuffer& text, unsigned long long value);
 /// The shortest decimal form that reads back to the same number, as in `2.0` or `1e+300`; `inf`,
 /// `-inf` and `nan`.
 MOX_API String8 valueToStrep(double value);
 /// `True` or `False`.
 MOX_API String8 valueToStrep(bool value);
+MOX_API void appendStrep(StrepBuffer& text, bool value);
 String8 valueToStrep(char const*) = delete;  // would convert to bool
+void appendStrep(StrepBuffer& text, char const*) = delete;
 
 /// Reference to an entity of the given type: `EntityPtr('/full/name', 'Type')`; null: `None`.
 MOX_API String8 valueToStrepOfRawPtr(Entity const* entity, MoxType const* type);
@@ -96,16 +101,16 @@ template <class T>
 T strepToValue(String8 const& text, T const* = nullptr) {
   String8::IteratorConst it = text.begin();
   String8::IteratorConst const end = text.end();
-  auto checked = [&](T value) {
-    if (!(it == end)) detail::throwJunk(it, text);
-    return value;
-  };
-  if constexpr (std::is_constructible_v<T, String8::IteratorConst&,
-                                        String8::IteratorConst const&>) {
-    return checked(T(it, end));
-  } else {
-    return checked(sequenceToValue(it, end, static_cast<T*>(nullptr)));
-  }
+  T value = [&] {
+    if constexpr (std::is_constructible_v<T, String8::IteratorConst&,
+                                          String8::IteratorConst const&>) {
+      return T(it, end);
+    } else {
+      return sequenceToValue(it, end, static_cast<T*>(nullptr));
+    }
+  }();
+  if (!(it == end)) detail::throwJunk(it, text);
+  return value;
 }
 
 }  // namespace Mox

@@ -1,35 +1,59 @@
 #include "platform/pelk/EthAddr.h"
 
-#include <charconv>
+#include <array>
 #include <ostream>
 #include <string_view>
+#include <tuple>
 
+#include "platform/detail/Hex.h"
 #include "platform/mox/GenericValue.h"
 #include "platform/mox/Strep.h"
+#include "platform/mox/StrepBuffer.h"
 
 namespace Pelk {
 
 namespace {
 
 constexpr std::size_t octetWidth = 3;  // two digits and the colon before the next octet
+constexpr std::size_t textBytes = std::tuple_size_v<EthAddr::Octets> * octetWidth - 1;
 
-/// Two hexadecimal digits, no sign.
-bool readOctet(std::string_view digits, std::uint8_t& octet) {
-  char const* const end = digits.data() + digits.size();
-  auto const result = std::from_chars(digits.data(), end, octet, 16);
-  return result.ec == std::errc() && result.ptr == end;
+/// Two hexadecimal digits an octet, no sign.
+bool readOctets(std::string_view text, EthAddr::Octets& octets) {
+  if (text.size() != textBytes) return false;
+  bool good = true;
+  for (std::size_t i = 0; i < octets.size(); ++i) {
+    std::string_view const digits = text.substr(i * octetWidth);
+    int const octet = Mox::detail::hexValue(digits[0]) * 16 | Mox::detail::hexValue(digits[1]);
+    good &= octet >= 0 && (i + 1 == octets.size() || digits[2] == ':');
+    octets[i] = static_cast<std::uint8_t>(octet);
+  }
+  return good;
+}
+
+/// Writes the text and returns the end behind it.
+char* writeOctets(char* out, EthAddr::Octets const& octets) {
+  for (std::size_t i = 0; i < octets.size(); ++i) {
+    if (i > 0) *out++ = ':';
+    out = Mox::detail::writeHex(out, octets[i]);
+  }
+  return out;
+}
+
+/// Takes the text as it is printed, without a string being made of it: 0.8 of the instructions of
+/// reading a switch port.
+bool tookPrinted(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,
+                 EthAddr::Octets& octets) {
+  std::string_view const rest = it.viewTo(end);
+  bool const taken = rest.size() >= textBytes + 2 && rest[0] == '\'' &&
+                     rest[textBytes + 1] == '\'' && readOctets(rest.substr(1, textBytes), octets);
+  if (taken) it += textBytes + 2;
+  return taken;
 }
 
 }  // namespace
 
 EthAddr::EthAddr(Mox::String8 const& text) {
-  std::string_view const chars = text.view();
-  bool good = chars.size() == octets_.size() * octetWidth - 1;
-  for (std::size_t i = 0; good && i < octets_.size(); ++i) {
-    good = readOctet(chars.substr(i * octetWidth, 2), octets_[i]) &&
-           (i == 0 || chars[i * octetWidth - 1] == ':');
-  }
-  if (good) return;
+  if (readOctets(text.view(), octets_)) return;
   Mox::throwRangeException(
       Mox::format("expected a MAC address such as '00:1c:73:0a:0b:0c', found %s",
                   Mox::valueToStrep(text).charPtr()));
@@ -41,15 +65,8 @@ Mox::MoxType const* EthAddr::_fwkType() {
 }
 
 EthAddr::Text EthAddr::text() const noexcept {
-  static constexpr char digits[] = "0123456789abcdef";
   Text text;
-  char* at = text.data();
-  for (std::uint8_t const octet : octets_) {
-    *at++ = digits[octet / 16];
-    *at++ = digits[octet % 16];
-    *at++ = ':';
-  }
-  text.back() = '\0';
+  *writeOctets(text.data(), octets_) = '\0';
   return text;
 }
 
@@ -57,12 +74,24 @@ Mox::String8 EthAddr::stringValue() const {
   return text().data();
 }
 
+void appendStrep(Mox::StrepBuffer& text, EthAddr const& value) {
+  char* out = text.room(textBytes + 2);
+  *out++ = '\'';
+  out = writeOctets(out, value.octets());
+  *out++ = '\'';
+  text.endIs(out);
+}
+
 Mox::String8 valueToStrep(EthAddr const& value) {
-  return Mox::valueToStrep(value.stringValue());
+  Mox::StrepBuffer text;
+  appendStrep(text, value);
+  return text.string();
 }
 
 EthAddr sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,
                         EthAddr*) {
+  EthAddr::Octets octets{};
+  if (tookPrinted(it, end, octets)) return EthAddr(octets);
   Mox::String8::IteratorConst const start = it;
   Mox::String8 const text = Mox::sequenceToValue(it, end, static_cast<Mox::String8*>(nullptr));
   try {

@@ -7,6 +7,10 @@
 #include "platform/mox/MoxType.h"
 #include "platform/mox/String8.h"
 
+namespace Mox {
+class StrepBuffer;
+}
+
 namespace Pelk {
 
 /// MAC address of 6 octets; all zero by default.
@@ -37,6 +41,7 @@ class MOX_API EthAddr {
 
 /// The text form in apostrophes.
 MOX_API Mox::String8 valueToStrep(EthAddr const& value);
+MOX_API void appendStrep(Mox::StrepBuffer& text, EthAddr const& value);
 MOX_API EthAddr sequenceToValue(Mox::String8::IteratorConst& it,
                                 Mox::String8::IteratorConst const& end, EthAddr*);
 MOX_API std::ostream& operator<<(std::ostream& out, EthAddr const& value);

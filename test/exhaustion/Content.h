@@ -4,7 +4,7 @@
 
 #include "model/KestSliceDmaConfig.h"
 #include "model/KestSliceDmaStatus.h"
-#include "model/detail/RecordText.h"
+#include "platform/mox/GenericValue.h"
 
 namespace Hardware::Kest::Slice {
 
@@ -15,11 +15,7 @@ std::string contentOf(Entity const& entity) {
   entity.forEachCollection([&](auto const& collection) {
     for (auto it = collection.iteratorConst(); it; ++it) {
       text.append(collection.name).append(" ").append(it.key().view()).append(" ");
-      if constexpr (std::is_same_v<decltype(it.value()), std::uint16_t const&>) {
-        text.append(std::to_string(it.value()));
-      } else {
-        text.append(detail::fieldToStrep(it.value()).view());
-      }
+      text.append(Mox::genericStrep(it.value()).view());
       text.append("\n");
     }
   });

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "platform/mox/Strep.h"
+#include "platform/mox/StrepBuffer.h"
 #include "test/support/Refusal.h"
 
 namespace Pelk {
@@ -58,6 +59,42 @@ TEST(EthAddrTest, TextFormIsInApostrophesAndReadsBack) {
     EthAddr::Octets octets;
     for (std::uint8_t& octet : octets) octet = static_cast<std::uint8_t>(random());
     EXPECT_EQ(Mox::strepToValue<EthAddr>(valueToStrep(EthAddr(octets))), EthAddr(octets));
+  }
+}
+
+TEST(EthAddrTest, IsReadFromAStringHoweverThatIsWritten) {
+  String8 const printed("'00:1c:73:0a:0b:fc'...");
+  String8::IteratorConst it = printed.begin();
+  EXPECT_EQ(sequenceToValue(it, printed.end(), static_cast<EthAddr*>(nullptr)), sample);
+  EXPECT_EQ(it.pos(), 19U);
+  EXPECT_EQ(Mox::strepToValue<EthAddr>(R"('00:1c:73:0a:0b:f\x63')"), sample);
+  EXPECT_EQ(Mox::strepToValue<EthAddr>(R"('\x300:1c:73:0a:0b:fc')"), sample);
+}
+
+TEST(EthAddrTest, AppendsItsTextForm) {
+  Mox::StrepBuffer text;
+  text.append("at ");
+  appendStrep(text, sample);
+  EXPECT_EQ(text.view(), "at '00:1c:73:0a:0b:fc'");
+}
+
+TEST(EthAddrTest, RefusesAnyOtherString) {
+  struct {
+    char const* text;
+    char const* found;
+  } const all[] = {
+      {"'00:1c:73:0a:0b:fc", nullptr},
+      {"'00:1c:73:0a:0b:fg'", "'00:1c:73:0a:0b:fg'"},
+      {"'00:1c:73:0a:0b'fc'", "'00:1c:73:0a:0b'"},
+      {"'00:1c:73:0a:0b:fc0'", "'00:1c:73:0a:0b:fc0'"},
+      {"'00:1c:73:0a-0b:fc'", "'00:1c:73:0a-0b:fc'"},
+  };
+  for (auto const& one : all) {
+    std::string const expected =
+        one.found == nullptr
+            ? "expected the string's closing apostrophe, found the end of the text"
+            : std::string("expected a MAC address such as '00:1c:73:0a:0b:0c', found ") + one.found;
+    EXPECT_EQ(refusal([&] { Mox::strepToValue<EthAddr>(one.text); }), expected);
   }
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/mox/StrepBuffer.h"
 #include "test/support/Refusal.h"
 
 namespace Mox {
@@ -83,6 +84,28 @@ TEST(StrepTest, WritesStringsWithWhatIsNotPlainEscaped) {
   for (auto const& row : table) EXPECT_EQ(valueToStrep(String8(row.value)), row.text);
 }
 
+TEST(StrepTest, WritesStringsOfAnyLength) {
+  std::string value;
+  std::string text;
+  for (std::size_t length = 0; length < 1200; ++length) {
+    ASSERT_EQ(valueToStrep(String8(value)), "'" + text + "'") << length;
+    bool const special = length % 97 == 0;
+    value += special ? '\x01' : 'a';
+    text += special ? "\\x01" : "a";
+  }
+}
+
+TEST(StrepTest, AppendsEachFormToATextThatIsThere) {
+  StrepBuffer text;
+  text.append("values: ");
+  appendStrep(text, String8("it's"));
+  appendStrep(text, 0ULL);
+  appendStrep(text, std::numeric_limits<unsigned long long>::max());
+  appendStrep(text, true);
+  appendStrep(text, false);
+  EXPECT_EQ(text.view(), R"(values: 'it\'s'018446744073709551615TrueFalse)");
+}
+
 TEST(StrepTest, ReadsStrings) {
   Good<String8> const table[] = {
       {"''", "", 2},
@@ -90,6 +113,7 @@ TEST(StrepTest, ReadsStrings) {
       {" \t\r\n'et3'  ", "et3", 9},
       {"'a b'c", "a b", 5},
       {R"('\\\'\n\t\r')", "\\'\n\t\r", 12},
+      {R"('a\'bc\\d'e)", "a'bc\\d", 10},
       {R"('\x41\x7f\xFf')", "A\x7f\xff", 14},
       {R"('\x00')", String8("\0"sv), 6},
       {"'line\nbreak\0'"sv, String8("line\nbreak\0"sv), 13},
