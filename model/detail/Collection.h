@@ -33,7 +33,7 @@ class Entry : public Mox::HashMapEntry {
 template <class Description, IsRecord Value>
 class Entry<Description, Value> : public Mox::PtrInterface {
  public:
-  Entry(Mox::String8 const& /*key*/, Value const& value) : value_(value) {}
+  Entry(Mox::String8 const& /*key*/, Value value) : value_(std::move(value)) {}
 
   Mox::String8 const& key() const noexcept { return Description::keyOf(value_); }
   Value const& value() const noexcept { return value_; }

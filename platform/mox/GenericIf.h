@@ -94,7 +94,8 @@ class MOX_API GenericIf {
   GenericIf& operator=(GenericIf const&) = delete;
   virtual ~GenericIf() = default;
 
-  // Adapters come from `AdapterMemory`.
+  // Adapters come from `AdapterMemory`, which wants to know a block's size back.
+  // NOLINTNEXTLINE(misc-new-delete-overloads): the sized one is its match
   static void* operator new(std::size_t bytes) { return AdapterMemory::taken(bytes); }
   static void operator delete(void* memory, std::size_t bytes) noexcept {
     AdapterMemory::givenBack(memory, bytes);

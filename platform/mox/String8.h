@@ -123,7 +123,7 @@ class MOX_API String8 {
     return word(a + last) == word(b + last);
   }
   static std::uint64_t word(char const* chars) noexcept {
-    std::uint64_t value;
+    std::uint64_t value = 0;
     std::memcpy(&value, chars, sizeof value);
     return value;
   }
