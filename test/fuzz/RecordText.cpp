@@ -43,10 +43,11 @@ T parsed(String8::IteratorConst& it, String8::IteratorConst const& end) {
   }
 }
 
-/// What stands at the start of a text as it is printed is recognised in one piece. A blank in
-/// front, which says nothing, prevents that.
+/// What stands at the start of a record's text as it is printed is recognised in one piece. A blank
+/// in front, which says nothing, prevents that.
 template <class T>
 void requireBehindABlankToo(String8 const& text, T const* value, std::size_t pos) {
+  if constexpr (std::is_enum_v<T>) return;  // read in one way alone
   String8 const moved(" " + std::string(text.view()));
   String8::IteratorConst it = moved.begin();
   try {

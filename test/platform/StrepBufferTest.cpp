@@ -33,8 +33,8 @@ TEST(StrepBufferTest, HasTheRoomThatIsAskedFor) {
     StrepBuffer text;
     std::string expected;
     for (int piece = 0; piece < 4; ++piece) {
-      std::size_t const room = random() % (2 * StrepBuffer::shortBytes);
-      std::size_t const used = random() % (room + 1);
+      auto const room = static_cast<std::size_t>(random() % (2 * StrepBuffer::shortBytes));
+      auto const used = static_cast<std::size_t>(random() % (room + 1));
       char* const out = text.room(room);
       std::memset(out, 'x', room);
       std::memset(out, 'a' + piece, used);
