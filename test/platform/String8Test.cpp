@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -73,6 +74,11 @@ TEST(String8Test, HashIsOfTheBytesAloneAndTheSameOnEveryMachine) {
 TEST(String8Test, EqualHashesDoNotMakeEqualStrings) {
   ASSERT_EQ(String8("bunaba").hash(), String8("lesuso").hash());
   EXPECT_FALSE(String8("bunaba") == String8("lesuso"));
+}
+
+TEST(String8Test, RefusesMoreBytesThanItCanCount) {
+  std::string_view const tooMany("", 0xFFFFFFFFU);  // refused before any is read
+  EXPECT_THROW(String8{tooMany}, std::length_error);
 }
 
 TEST(String8Test, EqualityLooksAtEveryByte) {
