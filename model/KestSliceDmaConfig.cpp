@@ -20,10 +20,10 @@ Mox::String8 KestSliceDmaConfig::attributeString(Mox::AttributeId id) const {
 
 void KestSliceDmaConfig::sliceIdIs(Mox::String8 sliceId) {
   if (sliceId == sliceId_) return;
-  detail::ObserverList::Delivery delivery(observers());
+  observers().makeRoomToTell();
   sliceId_ = std::move(sliceId);
   changeCountInc();
-  deliver(delivery, sliceIdAttributeId, [](NotifieeConst& observer) { observer.onSliceId(); });
+  deliver(sliceIdAttributeId, [](NotifieeConst& observer) { observer.onSliceId(); });
 }
 
 KestSliceDmaConfig::NotifieeConst::~NotifieeConst() = default;

@@ -188,8 +188,7 @@ class KEST_SLICE_DMA_API SliceEntity : public Traits::Base {
   /// Called by the framework when only observers still hold the entity.
   void zeroReferencesIs(bool zero) override {
     if (!zero) return;
-    detail::ObserverList::Delivery delivery(observers_);
-    deliver(delivery, Mox::Entity::zeroReferencesAttributeId,
+    deliver(Mox::Entity::zeroReferencesAttributeId,
             [](auto& observer) { observer.onZeroReferences(); });
   }
 
@@ -201,9 +200,8 @@ class KEST_SLICE_DMA_API SliceEntity : public Traits::Base {
 
   /// Tells each observer of a change of `attribute`; see `ObserverList`.
   template <class Tell>
-  static void deliver(detail::ObserverList::Delivery& delivery, Mox::AttributeId attribute,
-                      Tell const& tell) {
-    delivery.run(attribute, [&](detail::ListedNotifiee& observer) {
+  void deliver(Mox::AttributeId attribute, Tell const& tell) const {
+    observers_.tell(attribute, [&](detail::ListedNotifiee& observer) {
       tell(static_cast<typename Entity::NotifieeConst&>(observer));
     });
   }

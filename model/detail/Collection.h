@@ -107,18 +107,18 @@ class Collection {
   void valueIs(Mox::String8 const& key, Value const& value) {
     Entry* const entry = entries_.find(key);
     if (entry != nullptr && entry->value() == value) return;
-    ObserverList::Delivery delivery(owner_.observers());
+    owner_.observers().makeRoomToTell();
     if (entry == nullptr) {
       newEntry(key, value);
     } else {
       entry->valueIs(value);
     }
-    changed(key, delivery);
+    changed(key);
   }
 
   /// Returns the removed value; a default value when there is nothing to remove.
-  Value del(Mox::String8 const& key) { return del(iteratorConst(key)); }
-  Value del(IteratorConst it) { return remove(it) ? it.value() : Value(); }
+  Value del(Mox::String8 const& key) { return valueOf(remove(key)); }
+  Value del(IteratorConst const& it) { return valueOf(remove(it)); }
 
   /// Deletes entry by entry, each counted and announced before the next one goes. Ends even if
   /// observers insert: what they insert behind the walk's place goes too. Without memory it ends
@@ -128,10 +128,7 @@ class Collection {
   }
 
   /// Announces the key, changing and counting nothing.
-  void notify(Mox::String8 const& key) const {
-    ObserverList::Delivery delivery(owner_.observers());
-    announce(key, delivery);
-  }
+  void notify(Mox::String8 const& key) const { announce(key); }
 
   IteratorConst iteratorConst() const { return IteratorConst(entries_.iteratorConst()); }
   /// Starts at `key`; designates nothing when the key is absent.
@@ -140,25 +137,29 @@ class Collection {
   }
 
  private:
-  /// Whether there was an entry to remove.
-  bool remove(IteratorConst const& it) {
-    if (!entries_.has(it)) return false;
-    ObserverList::Delivery delivery(owner_.observers());
-    entries_.remove(it);
-    changed(it.key(), delivery);
-    return true;
+  /// `Which` is a key or an iterator. Returns what was removed; null when there is nothing.
+  template <class Which>
+  Mox::Ptr<Entry> remove(Which const& which) {
+    owner_.observers().makeRoomToTell();
+    Mox::Ptr<Entry> entry = entries_.remove(which);
+    if (entry) changed(entry->key());
+    return entry;
   }
 
-  void changed(Mox::String8 const& key, ObserverList::Delivery& delivery) {
+  static Value valueOf(Mox::Ptr<Entry> const& entry) { return entry ? entry->value() : Value(); }
+
+  void changed(Mox::String8 const& key) {
     owner_.changeCountInc();
-    announce(key, delivery);
+    announce(key);
   }
 
-  void announce(Mox::String8 const& key, ObserverList::Delivery& delivery) const {
-    if (owner_.observers().count() == 0) return;
-    // Observers may do away with whatever the key came from.
-    owner_.deliver(delivery, attributeId,
-                   [told = key](auto& observer) { Description::tell(observer, told); });
+  void announce(Mox::String8 const& key) const {
+    std::size_t const observers = owner_.observers().count();
+    if (observers == 0) return;
+    Mox::String8::Copies keys(key, observers);
+    owner_.deliver(attributeId, [&](auto& observer) {
+      Description::tell(observer, [&] { return keys.next(); });
+    });
   }
 
   Owner& owner_;

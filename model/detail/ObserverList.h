@@ -39,8 +39,6 @@ class ListedNotifiee : public Mox::Entity::NotifieeConst {
 /// whatever is left of the memory; one inside another takes room of its own.
 class ObserverList {
  public:
-  class Delivery;
-
   ObserverList() = default;
   ObserverList(ObserverList const&) = delete;
   ObserverList& operator=(ObserverList const&) = delete;
@@ -51,13 +49,12 @@ class ObserverList {
 
   /// Lets the next `append` find memory.
   void makeRoom() {
-    std::size_t const count = observers_.size();
-    if (count < observers_.capacity() && count < room_.capacity()) return;
-    std::size_t const places = std::max<std::size_t>(4, 2 * count);
-    Observers room;
-    room.reserve(places);
-    observers_.reserve(places);
-    room_.swap(room);
+    Observers roomier;
+    if (count() == observers_.capacity()) roomier.reserve(more(count()));
+    makeRoomToTell(count() + 1);  // what may fail is done
+    if (roomier.capacity() == 0) return;
+    roomier.assign(observers_.begin(), observers_.end());
+    observers_.swap(roomier);
   }
 
   /// At the tail. The observer must not be on a list.
@@ -80,55 +77,53 @@ class ObserverList {
     observers_.clear();
   }
 
+  /// Lets the next `tell` find memory: before a change, so that when there is none nothing has
+  /// changed yet, and what has changed is announced.
+  void makeRoomToTell() const { makeRoomToTell(count()); }
+
+  /// Calls `tellOne(observer)` for each observer, which reacts to a change of `attribute`.
+  template <class TellOne>
+  void tell(Mox::AttributeId attribute, TellOne const& tellOne) const {
+    makeRoomToTell();
+    std::size_t const first = told_;
+    std::size_t const end = takeSnapshot();
+    unsigned const depth = Mox::ExpectationScope::depth();
+    for (std::size_t i = first; i < end; ++i) {
+      ListedNotifiee& observer = *toTell_[i];
+      bool const released = i > first && observer.references() == 1;
+      if (!released) contain(observer, attribute, depth, tellOne);
+      observer.referenceDel();
+    }
+    told_ = first;
+  }
+
  private:
   using Observers = std::vector<ListedNotifiee*>;
 
-  Observers observers_;
-  std::uint32_t version_ = 0;
-  Observers mutable room_;  // empty; for all observers, unless a delivery has taken it
-};
+  static std::size_t more(std::size_t places) { return std::max<std::size_t>(4, 2 * places); }
 
-/// Tells the observers of one change. It is made before the change, and takes its room then: when
-/// there is none nothing has changed yet, and what has changed is announced.
-class ObserverList::Delivery {
- public:
-  explicit Delivery(ObserverList const& list) : list_(list) {
-    if (list.count() == 0) return;
-    if (list.room_.capacity() >= list.count()) {
-      observers_.swap(list.room_);
-    } else {
-      observers_.reserve(list.count());
-    }
-  }
-  Delivery(Delivery const&) = delete;
-  Delivery& operator=(Delivery const&) = delete;
-  ~Delivery() {
-    observers_.clear();
-    if (list_.room_.capacity() < observers_.capacity()) observers_.swap(list_.room_);
+  void makeRoomToTell(std::size_t observers) const {
+    std::size_t const places = told_ + observers;
+    if (places > toTell_.size()) toTell_.resize(more(places));
   }
 
-  /// Calls `tell(observer)` for each observer, which reacts to a change of `attribute`. Once.
-  template <class Tell>
-  void run(Mox::AttributeId attribute, Tell const& tell) {
-    observers_ = list_.observers_;
-    for (ListedNotifiee const* const observer : observers_) observer->referenceNew();
-    unsigned const depth = Mox::ExpectationScope::depth();
-    bool first = true;
+  /// Returns where it ends. Each observer has a reference then.
+  std::size_t takeSnapshot() const noexcept {
+    ListedNotifiee** place = toTell_.data() + told_;
     for (ListedNotifiee* const observer : observers_) {
-      bool const released = !first && observer->references() == 1;
-      if (!released) tellOne(*observer, attribute, depth, tell);
-      observer->referenceDel();
-      first = false;
+      observer->referenceNew();
+      *place++ = observer;
     }
+    told_ += count();
+    return told_;
   }
 
- private:
-  template <class Tell>
-  static void tellOne(ListedNotifiee& observer, Mox::AttributeId attribute, unsigned depth,
-                      Tell const& tell) {
+  template <class TellOne>
+  static void contain(ListedNotifiee& observer, Mox::AttributeId attribute, unsigned depth,
+                      TellOne const& tellOne) {
     try {
       Mox::ExpectationScope const scope(depth);
-      tell(observer);
+      tellOne(observer);
     } catch (...) {
       report(observer, attribute);
     }
@@ -141,8 +136,11 @@ class ObserverList::Delivery {
     }
   }
 
-  ObserverList const& list_;
-  Observers observers_;  // while they are told each has a reference
+  Observers observers_;
+  std::uint32_t version_ = 0;
+  // Places for snapshots. The first `told_` are those of deliveries under way, the innermost last.
+  Observers mutable toTell_;
+  std::size_t mutable told_ = 0;
 };
 
 }  // namespace Hardware::Kest::Slice::detail

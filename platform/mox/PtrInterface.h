@@ -29,7 +29,7 @@ class ReferenceCount {
   Count value() const noexcept { return count_.load(std::memory_order_relaxed); }
 
   MOX_INLINE void add(Count more) noexcept {
-    if (ThreadSafePtr::on.load(std::memory_order_relaxed)) {
+    if (ThreadSafePtr::on.load(std::memory_order_relaxed)) [[unlikely]] {
       count_.fetch_add(more, std::memory_order_relaxed);
     } else {
       count_.store(value() + more, std::memory_order_relaxed);
@@ -40,7 +40,7 @@ class ReferenceCount {
   template <class Next>
   MOX_INLINE Count become(Next next) noexcept {
     Count count = value();
-    if (ThreadSafePtr::on.load(std::memory_order_relaxed)) {
+    if (ThreadSafePtr::on.load(std::memory_order_relaxed)) [[unlikely]] {
       while (!count_.compare_exchange_weak(count, next(count), std::memory_order_acq_rel,
                                            std::memory_order_relaxed)) {
       }
@@ -102,7 +102,8 @@ class MOX_API PtrInterface {
   MOX_INLINE void referenceNew() const noexcept { counts_.add(outside); }
   MOX_INLINE void referenceDel() const noexcept {
     Counts const left = counts_.become(lessOutside);
-    if (all(left) == ofObservers(left)) outsideIsGone(left);
+    if (!isHeldOutside(left)) [[unlikely]]
+      outsideIsGone(left);
   }
   void notifierReferenceNew() const noexcept;
   void notifierReferenceDel() const noexcept;
@@ -129,6 +130,9 @@ class MOX_API PtrInterface {
     return static_cast<std::uint32_t>(counts & ((Counts{1} << countBits) - 1));
   }
   static std::uint32_t ofObservers(Counts counts) noexcept { return all(counts >> countBits); }
+  static bool isHeldOutside(Counts counts) noexcept {
+    return all(counts ^ (counts >> countBits)) != 0;
+  }
 
   enum Flag : Counts {
     notificationActive = Counts{1} << 2 * countBits,
@@ -145,8 +149,9 @@ class MOX_API PtrInterface {
   /// takes its place and keeps the object until it is told: others may let go meanwhile.
   static Counts lessOutside(Counts counts) noexcept {
     Counts const others = counts - outside;
-    bool const onlyObservers = all(others) != 0 && all(others) == ofObservers(others);
-    return onlyObservers ? others + observers : others;
+    if (isHeldOutside(others)) [[likely]]
+      return others;
+    return all(others) == 0 ? others : others + observers;
   }
   void outsideIsGone(Counts left) const noexcept;
   void tellZeroReferences() const noexcept;

@@ -52,6 +52,8 @@ class MOX_API String8 {
     char const* at_;
   };
 
+  class Copies;
+
   String8() noexcept = default;
   String8(char const* chars) : String8(std::string_view(chars)) {}
   explicit String8(std::string_view chars);
@@ -65,7 +67,7 @@ class MOX_API String8 {
     return *this;
   }
   MOX_INLINE ~String8() {
-    if (rep_ != nullptr && rep_->references.sub(1) == 0) freeRep(rep_);
+    if (rep_ != nullptr) letGo(rep_, 1);
   }
 
   /// NUL-terminated characters; valid as long as a string shares them.
@@ -128,12 +130,42 @@ class MOX_API String8 {
     return value;
   }
 
+  explicit String8(Rep* rep) noexcept : rep_(rep) {}
+
   static void freeRep(Rep* rep) noexcept;
   MOX_INLINE void take() const noexcept {
     if (rep_ != nullptr) rep_->references.add(1);
   }
+  MOX_INLINE static void letGo(Rep* rep, std::uint32_t references) noexcept {
+    if (rep->references.sub(references) == 0) freeRep(rep);
+  }
 
   Rep* rep_ = nullptr;
+};
+
+/// Copies of one string, counted all at once: for a loop that passes a copy to each of many, which
+/// would else wait for one count after the other.
+class String8::Copies {
+ public:
+  Copies(String8 const& original, std::size_t count) noexcept
+      : rep_(original.rep_), left_(rep_ == nullptr ? 0 : static_cast<std::uint32_t>(count)) {
+    if (left_ > 0) rep_->references.add(left_);
+  }
+  Copies(Copies const&) = delete;
+  Copies& operator=(Copies const&) = delete;
+  ~Copies() {
+    if (left_ > 0) letGo(rep_, left_);
+  }
+
+  /// One more copy; at most as many as were counted.
+  MOX_INLINE String8 next() noexcept {
+    if (rep_ != nullptr) --left_;
+    return String8(rep_);
+  }
+
+ private:
+  Rep* rep_;
+  std::uint32_t left_;
 };
 
 using String = String8;

@@ -23,6 +23,22 @@ TEST(String8Test, CopiesShareTheCharacters) {
   EXPECT_EQ(original, "other");
 }
 
+TEST(String8Test, CopiesCountedAtOnceLiveOnByThemselves) {
+  String8 original("Ethernet3/1");
+  String8 first;
+  String8 second;
+  {
+    String8::Copies copies(original, 3);
+    original = String8("other");
+    first = copies.next();
+    EXPECT_EQ(first, "Ethernet3/1");
+    second = copies.next();
+    first = String8();
+  }
+  EXPECT_EQ(second, "Ethernet3/1");
+  EXPECT_EQ(String8::Copies(String8(), 2).next(), String8());
+}
+
 TEST(String8Test, KeepsItsOwnCharacters) {
   std::string source = "before";
   String8 const text(source);
