@@ -24,6 +24,7 @@ using std::chrono::seconds;
 using std::chrono::steady_clock;
 
 constexpr int signalledExit = 128;
+constexpr char const* cannotStart = "the agent cannot be started: fork";
 
 [[noreturn]] void fail(char const* what) {
   throw std::system_error(errno, std::generic_category(), what);
@@ -67,17 +68,21 @@ int Supervisor::run() {
   for (pid_t const supervisor = getpid();;) {
     steady_clock::time_point const start = steady_clock::now();
     pid_t const child = fork();
-    if (child < 0) fail("the agent cannot be started: fork");
     if (child == 0) return runAsChild(supervisor);
-
-    int const status = statusAtEnd(child);
-    if (WIFEXITED(status)) return WEXITSTATUS(status);
-    lastEnd_ = described(WTERMSIG(status));
-    std::string const told =
-        "the agent (pid " + std::to_string(child) + ") was ended by " + lastEnd_;
-    if (endSignal_ != 0) {
-      say(told);
-      return signalledExit + WTERMSIG(status);
+    std::string told;
+    if (child < 0) {
+      // At the start somebody sees the error. Later nobody may, and what is short may come back.
+      if (lastEnd_.empty()) fail(cannotStart);
+      told = std::string(cannotStart) + ": " + std::strerror(errno);
+    } else {
+      int const status = statusAtEnd(child);
+      if (WIFEXITED(status)) return WEXITSTATUS(status);
+      lastEnd_ = described(WTERMSIG(status));
+      told = "the agent (pid " + std::to_string(child) + ") was ended by " + lastEnd_;
+      if (endSignal_ != 0) {
+        say(told);
+        return signalledExit + WTERMSIG(status);
+      }
     }
     seconds const delay = delay_.after(steady_clock::now() - start);
     say(told + "; starting it again" +

@@ -377,8 +377,12 @@ int sigtimedwait(sigset_t const* signals, siginfo_t* info, timespec const* timeo
   }
   bool const isInterrupted = interruptionsLeft > 0;
   if (isInterrupted) --interruptionsLeft;
+  timespec const atOnce{};
+  int const result = call("sigtimedwait", &sigtimedwait, signals, info, &atOnce);
+  if (result >= 0 || errno != EAGAIN) return result;
   std::int64_t const wait = std::int64_t{timeout->tv_sec} * 1000000000 + timeout->tv_nsec;
   Exhaustion::virtualNanoseconds += isInterrupted ? wait / 2 : wait;
+  if (Exhaustion::virtualWait() > Exhaustion::longestVirtualWait) return SIGTERM;
   errno = isInterrupted ? EINTR : EAGAIN;
   return -1;
 }

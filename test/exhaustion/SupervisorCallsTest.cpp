@@ -77,6 +77,7 @@ Outcome outcomeOf(std::function<int()> const& work) {
 constexpr int outOfWays = 100;
 constexpr int outOfCalls = 101;
 constexpr int refused = 2;
+constexpr int terminated = 128 + SIGTERM;
 
 /// As the agent's `main` does it. Returns in the children too, which end with the result.
 int supervised(Supervisor& supervisor) {
@@ -88,7 +89,17 @@ int supervised(Supervisor& supervisor) {
   }
 }
 
+/// What is shown when an agent could be started once, but not again until the SIGTERM.
+void expectTriedOn(std::string const& shown) {
+  std::string const tried = "kest-slice-agent: the agent cannot be started: fork: ";
+  EXPECT_EQ(shown.rfind("first\n", 0), 0U) << shown;
+  EXPECT_NE(shown.find(tried), std::string::npos) << shown;
+  std::string const last = "; starting it again in 30 s\n";
+  EXPECT_EQ(shown.rfind(last), shown.size() - last.size()) << shown;
+}
+
 TEST(SupervisorCalls, ItGoesOnOrEndsWithTheSystemsReason) {
+  unsigned triedOn = 0;
   for (Lasting const lasting : {Lasting::once, Lasting::forGood}) {
     bool hasCall = true;
     for (std::size_t at = 1; hasCall; ++at) {
@@ -97,6 +108,7 @@ TEST(SupervisorCalls, ItGoesOnOrEndsWithTheSystemsReason) {
         Outcome const found = outcomeOf([&] {
           pid_t const process = getpid();
           Supervisor supervisor(&abortsOnce);
+          Exhaustion::waitsAreVirtual(0);
           Exhaustion::FailingCall const failing(at, way, lasting);
           int const code = supervised(supervisor);
           if (getpid() != process || code != 7 || failing.hasCome()) return code;
@@ -107,6 +119,9 @@ TEST(SupervisorCalls, ItGoesOnOrEndsWithTheSystemsReason) {
         ASSERT_EQ(found.shown.find("(hangs)"), std::string::npos) << found.shown;
         if (found.exitCode == refused) {
           EXPECT_NE(found.shown.find("error: "), std::string::npos) << found.shown;
+        } else if (found.exitCode == terminated) {
+          expectTriedOn(found.shown);
+          ++triedOn;
         } else {
           EXPECT_EQ(found.exitCode, 7) << found.shown;
           EXPECT_NE(found.shown.find("again\n"), std::string::npos) << found.shown;
@@ -114,6 +129,7 @@ TEST(SupervisorCalls, ItGoesOnOrEndsWithTheSystemsReason) {
       }
     }
   }
+  EXPECT_EQ(triedOn, 2U) << "processes or memory that are short for good";
 }
 
 /// A signal that nobody waits for ends a wait early; the time that is left is waited for.
