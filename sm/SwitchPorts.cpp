@@ -80,7 +80,7 @@ void KestSliceDmaSm::createInterface(Mox::String const& ifName,
   KestSliceDmaStatus::SwitchPort outcome;
   outcome.ifNameIs(ifName);
   outcome.createdIs(result == 0);
-  status_->switchPortIs(outcome);
+  status_->switchPortIs(std::move(outcome));
 }
 
 void KestSliceDmaSm::handleNativeVlan(Mox::String ifName) {

@@ -61,7 +61,10 @@ class HashMap {
 
   std::size_t count() const noexcept { return table_.count(); }
 
-  Entry* find(String8 const& key) const noexcept { return entryAt(slotOf(key)); }
+  Entry* find(String8 const& key) const noexcept {
+    std::size_t const slot = slotOf(key);
+    return slot == none ? nullptr : entryIn(slot);
+  }
 
   /// An entry that has its key already leaves the map. Without memory the map is as it was.
   void insert(Ptr<Entry> const& entry) {
@@ -86,8 +89,12 @@ class HashMap {
  private:
   static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
+  /// The slot must exist.
+  Entry* entryIn(std::size_t slot) const noexcept {
+    return static_cast<Entry*>(table_.object(slot));
+  }
   Entry* entryAt(std::size_t slot) const noexcept {
-    return slot < table_.slots() ? static_cast<Entry*>(table_.object(slot)) : nullptr;
+    return slot < table_.slots() ? entryIn(slot) : nullptr;
   }
   IteratorConst at(std::size_t slot) const noexcept { return {this, slot, entryAt(slot)}; }
   Ptr<Entry> take(std::size_t slot) noexcept {
@@ -97,14 +104,14 @@ class HashMap {
   }
 
   bool isKeyAt(std::size_t slot, String8 const& key) const noexcept {
-    return slot < table_.slots() && table_.hash(slot) == key.hash() && entryAt(slot)->key() == key;
+    return slot < table_.slots() && table_.hash(slot) == key.hash() && entryIn(slot)->key() == key;
   }
   /// Of the entry with that key, or `none`.
   std::size_t slotOf(String8 const& key) const noexcept {
     if (table_.count() == 0) return none;
     std::uint32_t const hash = key.hash();
     for (std::size_t slot = table_.lowerBound(hash); table_.hash(slot) == hash; ++slot) {
-      if (entryAt(slot)->key() == key) return slot;
+      if (entryIn(slot)->key() == key) return slot;
     }
     return none;
   }
@@ -112,7 +119,7 @@ class HashMap {
   std::size_t slotFor(String8 const& key) const noexcept {
     if (table_.slots() == 0) return 0;
     std::size_t slot = table_.lowerBound(key.hash());
-    while (table_.hash(slot) == key.hash() && entryAt(slot)->key() < key) ++slot;
+    while (table_.hash(slot) == key.hash() && entryIn(slot)->key() < key) ++slot;
     return slot;
   }
   /// Of the iterator's entry, or `none` when that is not in the map.

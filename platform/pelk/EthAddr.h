@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <iosfwd>
 
@@ -31,11 +32,18 @@ class MOX_API EthAddr {
   /// The same, NUL-terminated, for whoever needs its characters for a moment: takes no memory.
   Text text() const noexcept;
 
-  friend constexpr bool operator==(EthAddr const&, EthAddr const&) = default;
+  /// By pairs of octets: records are compared with every write, and six bytes would take a call.
+  friend constexpr bool operator==(EthAddr const& a, EthAddr const& b) noexcept {
+    auto const x = std::bit_cast<Pairs>(a.octets_);
+    auto const y = std::bit_cast<Pairs>(b.octets_);
+    return ((x[0] ^ y[0]) | (x[1] ^ y[1]) | (x[2] ^ y[2])) == 0;
+  }
 
   static Mox::MoxType const* _fwkType();
 
  private:
+  using Pairs = std::array<std::uint16_t, 3>;
+
   Octets octets_{};
 };
 
