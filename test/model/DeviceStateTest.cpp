@@ -66,7 +66,10 @@ TEST(DeviceState, NamesAreComparedWholeAndByCase) {
 
 TEST(DeviceState, AReadNameThatIsNoneIsRefusedAsAWhole) {
   Mox::String8 const text("  'deviceStateSideways'");
-  EXPECT_EQ(refusal([&] { Mox::strepToValue<DeviceState>(text); }), "DeviceState");
+  Mox::String8::IteratorConst it = text.begin();
+  EXPECT_EQ(refusal([&] { sequenceToValue(it, text.end(), static_cast<DeviceState*>(nullptr)); }),
+            "DeviceState");
+  EXPECT_EQ(it.pos(), 2U);
 }
 
 TEST(DeviceState, ReadingInASequenceStopsBehindTheValue) {

@@ -89,6 +89,21 @@ TYPED_TEST(RecordForm, OfFieldsThatComeTwiceMakesNoDifference) {
   }
 }
 
+/// The text of a record that has nothing set, with `from` replaced.
+template <class Record>
+std::string withReplaced(std::string const& from, std::string const& to) {
+  std::string text(valueToStrep(Record()).view());
+  return text.replace(text.find(from), from.size(), to);
+}
+
+TEST(RecordFields, AreRefusedBehindTheBlanksInFrontOfThem) {
+  std::string const blanks = "\t \t";
+  expectTheSameBehindABlank<ConfigSwitchPort>(
+      withReplaced<ConfigSwitchPort>("'00:00:00:00:00:00'", blanks + "'00:00'"));
+  expectTheSameBehindABlank<ConfigDevice>(
+      withReplaced<ConfigDevice>("'fapTypeUnknown'", blanks + "'fapTypeNone'"));
+}
+
 TEST(RecordFields, FieldsMayBeLeftOutAnywhere) {
   ConfigSwitchPort port;
   port.ifNameIs("et3");

@@ -115,13 +115,13 @@ TYPED_TEST(EnumTest, RefusesNumbersAndNamesThatNoEnumeratorHas) {
   }
 }
 
-TYPED_TEST(EnumTest, ARefusedTextIsLeftAtItsStart) {
-  String8 const text("x'noSuchName'");
+TYPED_TEST(EnumTest, ARefusedTextIsLeftAtItsStartBehindBlanks) {
+  String8 const text("x \t'noSuchName'");
   String8::IteratorConst it = text.begin();
   ++it;
   EXPECT_EQ(refusal([&] { sequenceToValue(it, text.end(), static_cast<TypeParam*>(nullptr)); }),
             Expected<TypeParam>::choices() + ", found 'noSuchName'");
-  EXPECT_EQ(it.pos(), 1U);
+  EXPECT_EQ(it.pos(), 3U);
 }
 
 }  // namespace

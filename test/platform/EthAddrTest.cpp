@@ -98,13 +98,13 @@ TEST(EthAddrTest, RefusesAnyOtherString) {
   }
 }
 
-TEST(EthAddrTest, ARefusedTextIsLeftAtItsStart) {
-  String8 const text("x'00:1c'");
+TEST(EthAddrTest, ARefusedTextIsLeftAtItsStartBehindBlanks) {
+  String8 const text("x \t'00:1c'");
   String8::IteratorConst it = text.begin();
   ++it;
   EXPECT_EQ(refusal([&] { sequenceToValue(it, text.end(), static_cast<EthAddr*>(nullptr)); }),
             "expected a MAC address such as '00:1c:73:0a:0b:0c', found '00:1c'");
-  EXPECT_EQ(it.pos(), 1U);
+  EXPECT_EQ(it.pos(), 3U);
 }
 
 }  // namespace
