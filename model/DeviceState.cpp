@@ -35,15 +35,8 @@ Mox::String8 valueToStrep(DeviceState const& value) {
 
 DeviceState sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,
                             DeviceState*) {
-  Mox::needString(it, end, " ");
-  Mox::String8::IteratorConst const start = it;
-  Mox::String8 const name = Mox::sequenceToValue(it, end, static_cast<Mox::String8*>(nullptr));
-  try {
-    return DeviceStateInstance(name);
-  } catch (Mox::RangeException const&) {
-    it = start;  // the value as a whole is refused, not the blanks before it or what follows
-    throw;
-  }
+  return Mox::readConverted(it, end,
+                            [](Mox::String8 const& name) { return DeviceStateInstance(name); });
 }
 
 std::ostream& operator<<(std::ostream& out, DeviceState const& value) {

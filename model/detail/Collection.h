@@ -117,8 +117,8 @@ class Collection {
   }
 
   /// Returns the removed value; a default value when there is nothing to remove.
-  Value del(Mox::String8 const& key) { return valueOf(remove(key)); }
-  Value del(IteratorConst const& it) { return valueOf(remove(it)); }
+  Value del(Mox::String8 const& key) { return del(iteratorConst(key)); }
+  Value del(IteratorConst it) { return remove(it) ? it.value() : Value(); }
 
   /// Deletes entry by entry, each counted and announced before the next one goes. Ends even if
   /// observers insert: what they insert behind the walk's place goes too. Without memory it ends
@@ -137,16 +137,14 @@ class Collection {
   }
 
  private:
-  /// `Which` is a key or an iterator. Returns what was removed; null when there is nothing.
-  template <class Which>
-  Mox::Ptr<Entry> remove(Which const& which) {
+  /// Whether there was an entry to remove. `it` must outlive the announcement.
+  bool remove(IteratorConst const& it) {
+    if (!entries_.has(it)) return false;
     owner_.observers().makeRoomToTell();
-    Mox::Ptr<Entry> entry = entries_.remove(which);
-    if (entry) changed(entry->key());
-    return entry;
+    entries_.remove(it);
+    changed(it.key());
+    return true;
   }
-
-  static Value valueOf(Mox::Ptr<Entry> const& entry) { return entry ? entry->value() : Value(); }
 
   void changed(Mox::String8 const& key) {
     owner_.changeCountInc();

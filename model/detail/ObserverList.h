@@ -81,7 +81,8 @@ class ObserverList {
   /// changed yet, and what has changed is announced.
   void makeRoomToTell() const { makeRoomToTell(count()); }
 
-  /// Calls `tellOne(observer)` for each observer, which reacts to a change of `attribute`.
+  /// Calls `tellOne(observer)` for each observer, which reacts to a change of `attribute`. What is
+  /// announced without a change finds its memory here.
   template <class TellOne>
   void tell(Mox::AttributeId attribute, TellOne const& tellOne) const {
     makeRoomToTell();

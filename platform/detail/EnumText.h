@@ -37,15 +37,7 @@ struct EnumText {
   }
 
   Enum read(String8::IteratorConst& it, String8::IteratorConst const& end) const {
-    needString(it, end, " ");  // blanks are not part of what is refused
-    String8::IteratorConst const start = it;
-    String8 const name = sequenceToValue(it, end, static_cast<String8*>(nullptr));
-    try {
-      return instance(name);
-    } catch (RangeException const&) {
-      it = start;
-      throw;
-    }
+    return readConverted(it, end, [this](String8 const& name) { return instance(name); });
   }
 
   std::vector<String8> enumerators() const { return {names, names + count}; }

@@ -76,15 +76,20 @@ class HashMap {
       table_.insert(slot, key.hash(), *entry);
     }
   }
-  /// Removes the entry under `key` and returns it; null when there is none.
-  Ptr<Entry> remove(String8 const& key) noexcept { return take(slotOf(key)); }
-  /// The same with the entry that `it` designates, if that is still in the map.
-  Ptr<Entry> remove(IteratorConst const& it) noexcept { return take(slotOf(it)); }
+  /// Removes the entry that `it` designates, if that is still in the map; says whether it was.
+  bool remove(IteratorConst const& it) noexcept {
+    std::size_t const slot = slotOf(it);
+    if (slot == none) return false;
+    table_.remove(slot);
+    return true;
+  }
   void clear() noexcept { table_.clear(); }
 
   IteratorConst iteratorConst() const noexcept { return at(table_.occupiedFrom(0)); }
   /// Starts at `key`; designates nothing when the key is absent.
   IteratorConst iteratorConst(String8 const& key) const noexcept { return at(slotOf(key)); }
+  /// Whether the entry that `it` designates is in the map.
+  bool has(IteratorConst const& it) const noexcept { return slotOf(it) != none; }
 
  private:
   static constexpr std::size_t none = static_cast<std::size_t>(-1);
@@ -97,11 +102,6 @@ class HashMap {
     return slot < table_.slots() ? entryIn(slot) : nullptr;
   }
   IteratorConst at(std::size_t slot) const noexcept { return {this, slot, entryAt(slot)}; }
-  Ptr<Entry> take(std::size_t slot) noexcept {
-    Ptr<Entry> entry = entryAt(slot);
-    if (entry) table_.remove(slot);
-    return entry;
-  }
 
   bool isKeyAt(std::size_t slot, String8 const& key) const noexcept {
     return slot < table_.slots() && table_.hash(slot) == key.hash() && entryIn(slot)->key() == key;

@@ -59,6 +59,22 @@ MOX_API double sequenceToValue(String8::IteratorConst& it, String8::IteratorCons
                                double*);
 MOX_API bool sequenceToValue(String8::IteratorConst& it, String8::IteratorConst const& end, bool*);
 
+/// Reads a string and returns `convert(string)`. One that `convert` refuses is refused as a whole:
+/// `it` then stands in front of it, behind the blanks.
+template <class Convert>
+auto readConverted(String8::IteratorConst& it, String8::IteratorConst const& end,
+                   Convert const& convert) {
+  needString(it, end, " ");
+  String8::IteratorConst const start = it;
+  String8 const text = sequenceToValue(it, end, static_cast<String8*>(nullptr));
+  try {
+    return convert(text);
+  } catch (RangeException const&) {
+    it = start;
+    throw;
+  }
+}
+
 namespace detail {
 
 /// Reads a reference; refuses one that leads nowhere or to an entity of another type.

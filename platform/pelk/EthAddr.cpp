@@ -92,15 +92,7 @@ EthAddr sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorC
                         EthAddr*) {
   EthAddr::Octets octets{};
   if (tookPrinted(it, end, octets)) return EthAddr(octets);
-  Mox::needString(it, end, " ");  // blanks are not part of what is refused
-  Mox::String8::IteratorConst const start = it;
-  Mox::String8 const text = Mox::sequenceToValue(it, end, static_cast<Mox::String8*>(nullptr));
-  try {
-    return EthAddr(text);
-  } catch (Mox::RangeException const&) {
-    it = start;
-    throw;
-  }
+  return Mox::readConverted(it, end, [](Mox::String8 const& text) { return EthAddr(text); });
 }
 
 std::ostream& operator<<(std::ostream& out, EthAddr const& value) {

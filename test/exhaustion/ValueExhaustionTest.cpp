@@ -50,8 +50,7 @@ void refusesWhole(Mox::String8 const& text) {
 
 template <class Record>
 class RecordExhaustion : public testing::Test {};
-using Records = testing::Types<ConfigSwitchPort, ConfigDevice, StatusSwitchPort, StatusDevice>;
-TYPED_TEST_SUITE(RecordExhaustion, Records);
+TYPED_TEST_SUITE(RecordExhaustion, AllRecords);
 
 TYPED_TEST(RecordExhaustion, IsPrintedAndReadWhollyOrNotAtAll) {
   Random random(seed);

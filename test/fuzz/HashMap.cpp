@@ -101,8 +101,7 @@ class Run {
 
   void remove(String8 const& key) {
     bool const isThere = model_.erase(placeOf(key)) > 0;
-    bool const isRemoved = static_cast<bool>(map_.remove(key));
-    Fuzz::require(isRemoved == isThere, "a key is found", key.view());
+    Fuzz::require(map_.remove(map_.iteratorConst(key)) == isThere, "a key is found", key.view());
   }
 
   void removeAtWalker() {
@@ -110,8 +109,8 @@ class Run {
     Walker const& walker = walkers_[input_.byte() % walkers_.size()];
     auto const found = model_.find(walker.place);
     bool const isThere = found != model_.end() && found->second == walker.id;
-    bool const isRemoved = static_cast<bool>(map_.remove(walker.it));
-    Fuzz::require(isRemoved == isThere, "an entry is removed where it is");
+    Fuzz::require(map_.has(walker.it) == isThere, "an iterator knows whether its entry has left");
+    Fuzz::require(map_.remove(walker.it) == isThere, "an entry is removed where it is");
     if (isThere) model_.erase(found);
   }
 

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <optional>
+#include <vector>
 
+#include "test/model/Recorder.h"
 #include "test/model/TypedSuites.h"
 #include "test/support/Allocation.h"
 
@@ -65,6 +68,25 @@ TYPED_TEST(Allocations, AreNotMadeByAChangeThatChangesNothing) {
             }),
             0U);
   EXPECT_EQ(this->entity->changeCount(), 0U);
+}
+
+/// A delivery inside another takes room of its own: where nothing changes there is none.
+TYPED_TEST(Allocations, AreNotMadeByAChangeThatChangesNothingInsideADelivery) {
+  Events events;
+  std::optional<std::size_t> made;
+  std::vector<Mox::Ptr<Recorder<typename TypeParam::Entity>>> observers;
+  for (char const* name : {"first", "second", "third"}) {
+    observers.push_back(observe(this->entity, name, events));
+  }
+  observers.front()->reaction = [&] {
+    made = allocationsOf([&] {
+      TypeParam::is(*this->entity, this->key, this->value);
+      TypeParam::del(*this->entity, this->absent);
+      TypeParam::del(*this->entity, typename TypeParam::Iterator());
+    });
+  };
+  TypeParam::notify(*this->entity, this->key);
+  EXPECT_EQ(made, 0U);
 }
 
 TYPED_TEST(Allocations, AreNotMadeByAnUpdateInPlace) {

@@ -209,7 +209,6 @@ CuttableText cuttable(StatusDevice const& device) {
 
 template <class Record>
 class CutRecord : public testing::Test {};
-using AllRecords = testing::Types<ConfigSwitchPort, ConfigDevice, StatusSwitchPort, StatusDevice>;
 TYPED_TEST_SUITE(CutRecord, AllRecords);
 
 TYPED_TEST(CutRecord, IsRefusedWithTheMessageOfTheCut) {

@@ -65,7 +65,6 @@ std::string fieldsIn(std::string const& text) {
 
 template <class Record>
 class RecordForm : public testing::Test {};
-using AllRecords = testing::Types<ConfigSwitchPort, ConfigDevice, StatusSwitchPort, StatusDevice>;
 TYPED_TEST_SUITE(RecordForm, AllRecords);
 
 TYPED_TEST(RecordForm, OfASpoiltTextMakesNoDifference) {

@@ -290,7 +290,6 @@ TEST(RecordRefusal, OfTheNumberOfFapsComesAfterTheTextIsRead) {
 
 template <class Record>
 class Leftover : public testing::Test {};
-using AllRecords = testing::Types<ConfigSwitchPort, ConfigDevice, StatusSwitchPort, StatusDevice>;
 TYPED_TEST_SUITE(Leftover, AllRecords);
 
 TYPED_TEST(Leftover, IsRefusedWithTheColumnOfItsFirstCharacter) {

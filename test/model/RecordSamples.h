@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <random>
 #include <string>
@@ -11,6 +13,9 @@
 #include "platform/mox/Dir.h"
 
 namespace Hardware::Kest::Slice {
+
+/// For suites that are typed by record.
+using AllRecords = testing::Types<ConfigSwitchPort, ConfigDevice, StatusSwitchPort, StatusDevice>;
 
 using Random = std::mt19937_64;
 using Handle = Mox::Ptr<Fru::PciHam const>;

@@ -187,7 +187,6 @@ TEST(RecordHandle, EachCopyOfADeviceHoldsOneReference) {
 
 template <class Record>
 class AnyRecord : public testing::Test {};
-using AllRecords = testing::Types<ConfigSwitchPort, ConfigDevice, StatusSwitchPort, StatusDevice>;
 TYPED_TEST_SUITE(AnyRecord, AllRecords);
 
 TYPED_TEST(AnyRecord, ReadsBackFromItsText) {

@@ -88,7 +88,7 @@ class RandomRun {
 
   void remove(String8 const& key) {
     bool const isThere = model_.erase(placeOf(key)) > 0;
-    ASSERT_EQ(static_cast<bool>(map_.remove(key)), isThere) << key;
+    ASSERT_EQ(map_.remove(map_.iteratorConst(key)), isThere) << key;
   }
 
   void removeAtWalker() {
@@ -96,7 +96,8 @@ class RandomRun {
     Walker const& walker = walkers_[below(walkers_.size())];
     auto const found = model_.find(walker.place);
     bool const isThere = found != model_.end() && found->second == walker.id;
-    ASSERT_EQ(static_cast<bool>(map_.remove(walker.it)), isThere) << walker.place.second;
+    ASSERT_EQ(map_.has(walker.it), isThere) << walker.place.second;
+    ASSERT_EQ(map_.remove(walker.it), isThere) << walker.place.second;
     if (isThere) model_.erase(found);
   }
 
