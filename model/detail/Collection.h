@@ -105,11 +105,12 @@ class Collection {
 
   /// Inserts, or updates the entry in place.
   void valueIs(Mox::String8 const& key, Value const& value) {
-    Entry* const entry = entries_.find(key);
+    auto const place = entries_.place(key);
+    Entry* const entry = place.entry();
     if (entry != nullptr && entry->value() == value) return;
     owner_.observers().makeRoomToTell();
     if (entry == nullptr) {
-      newEntry(key, value);
+      entries_.insert(place, Mox::Ptr<Entry>(new Entry(key, value)));
     } else {
       entry->valueIs(value);
     }
@@ -117,14 +118,14 @@ class Collection {
   }
 
   /// Returns the removed value; a default value when there is nothing to remove.
-  Value del(Mox::String8 const& key) { return del(iteratorConst(key)); }
-  Value del(IteratorConst it) { return remove(it) ? it.value() : Value(); }
+  Value del(Mox::String8 const& key) { return del(entries_.place(key)); }
+  Value del(IteratorConst const& it) { return del(entries_.place(it)); }
 
   /// Deletes entry by entry, each counted and announced before the next one goes. Ends even if
   /// observers insert: what they insert behind the walk's place goes too. Without memory it ends
   /// between two entries.
   void delAll() {
-    for (IteratorConst it = iteratorConst(); it; ++it) remove(it);
+    for (IteratorConst it = iteratorConst(); it; ++it) remove(entries_.place(it));
   }
 
   /// Announces the key, changing and counting nothing.
@@ -137,13 +138,21 @@ class Collection {
   }
 
  private:
-  /// Whether there was an entry to remove. `it` must outlive the announcement.
-  bool remove(IteratorConst const& it) {
-    if (!entries_.has(it)) return false;
+  using Place = typename Mox::HashMap<Entry>::Place;
+
+  Value del(Place const& place) {
+    Mox::Ptr<Entry> const removed = remove(place);
+    return removed ? removed->value() : Value();
+  }
+
+  /// Returns what was removed, if there was anything.
+  Mox::Ptr<Entry> remove(Place const& place) {
+    Mox::Ptr<Entry> removed(place.entry());
+    if (!removed) return removed;
     owner_.observers().makeRoomToTell();
-    entries_.remove(it);
-    changed(it.key());
-    return true;
+    entries_.remove(place);
+    changed(removed->key());
+    return removed;
   }
 
   void changed(Mox::String8 const& key) {

@@ -67,10 +67,12 @@ void Dir::entityIs(Ptr<Entity> const& entity) {
 }
 
 Ptr<Entity> Dir::entityDel(Name const& name) {
-  auto const member = members_.iteratorConst(name.string());
-  if (!members_.remove(member)) return nullptr;
-  member->entity()->parent_ = nullptr;
-  return member->entity();
+  auto const place = members_.place(name.string());
+  if (place.entry() == nullptr) return nullptr;
+  Ptr<Entity> gone = place.entry()->entity();
+  members_.remove(place);
+  gone->parent_ = nullptr;
+  return gone;
 }
 
 Ptr<Entity> Dir::entity(Name const& name) const {

@@ -59,41 +59,64 @@ class HashMap {
     Ptr<Entry> entry_;
   };
 
+  /// Where a key stands in the map or would be inserted; until the map changes.
+  class Place {
+   public:
+    /// The entry that has the key; null when there is none.
+    Entry* entry() const noexcept { return entry_; }
+
+   private:
+    friend class HashMap;
+    Place(std::size_t slot, Entry* entry) noexcept : slot_(slot), entry_(entry) {}
+
+    std::size_t slot_;
+    Entry* entry_;
+  };
+
   std::size_t count() const noexcept { return table_.count(); }
 
-  Entry* find(String8 const& key) const noexcept {
-    std::size_t const slot = slotOf(key);
-    return slot == none ? nullptr : entryIn(slot);
+  Place place(String8 const& key) const noexcept {
+    if (table_.slots() == 0) return {0, nullptr};
+    std::uint32_t const hash = key.hash();
+    std::size_t const slot = table_.lowerBound(hash);
+    if (table_.hash(slot) != hash) return {slot, nullptr};
+    Entry* const entry = entryIn(slot);
+    if (entry->key() == key) [[likely]]
+      return {slot, entry};
+    return placeAmongOthers(slot, key);
   }
+  /// That of the entry that `it` designates; one without an entry when that has left the map.
+  Place place(IteratorConst const& it) const noexcept {
+    if (!it) return {0, nullptr};
+    Entry* const entry = it.entry_.ptr();
+    if (entryAt(it.slot_) == entry) return {it.slot_, entry};
+    Place const now = place(it.key());
+    return {now.slot_, now.entry_ == entry ? entry : nullptr};
+  }
+  Entry* find(String8 const& key) const noexcept { return place(key).entry(); }
 
-  /// An entry that has its key already leaves the map. Without memory the map is as it was.
-  void insert(Ptr<Entry> const& entry) {
-    String8 const& key = entry->key();
-    std::size_t const slot = slotFor(key);
-    if (isKeyAt(slot, key)) {
-      table_.replace(slot, *entry);
+  /// `at` is the place of the entry's key; an entry that stands there leaves the map. Without
+  /// memory the map is as it was.
+  void insert(Place const& at, Ptr<Entry> const& entry) {
+    if (at.entry_ != nullptr) {
+      table_.replace(at.slot_, *entry);
     } else {
-      table_.insert(slot, key.hash(), *entry);
+      table_.insert(at.slot_, entry->key().hash(), *entry);
     }
   }
-  /// Removes the entry that `it` designates, if that is still in the map; says whether it was.
-  bool remove(IteratorConst const& it) noexcept {
-    std::size_t const slot = slotOf(it);
-    if (slot == none) return false;
-    table_.remove(slot);
-    return true;
-  }
+  void insert(Ptr<Entry> const& entry) { insert(place(entry->key()), entry); }
+  /// There must be an entry at that place.
+  void remove(Place const& at) noexcept { table_.remove(at.slot_); }
   void clear() noexcept { table_.clear(); }
 
   IteratorConst iteratorConst() const noexcept { return at(table_.occupiedFrom(0)); }
   /// Starts at `key`; designates nothing when the key is absent.
-  IteratorConst iteratorConst(String8 const& key) const noexcept { return at(slotOf(key)); }
-  /// Whether the entry that `it` designates is in the map.
-  bool has(IteratorConst const& it) const noexcept { return slotOf(it) != none; }
+  IteratorConst iteratorConst(String8 const& key) const noexcept {
+    Place const start = place(key);
+    return {this, start.slot_, start.entry_};
+  }
 
  private:
-  static constexpr std::size_t none = static_cast<std::size_t>(-1);
-
   /// The slot must exist.
   Entry* entryIn(std::size_t slot) const noexcept {
     return static_cast<Entry*>(table_.object(slot));
@@ -102,39 +125,19 @@ class HashMap {
     return slot < table_.slots() ? entryIn(slot) : nullptr;
   }
   IteratorConst at(std::size_t slot) const noexcept { return {this, slot, entryAt(slot)}; }
-
-  bool isKeyAt(std::size_t slot, String8 const& key) const noexcept {
-    return slot < table_.slots() && table_.hash(slot) == key.hash() && entryIn(slot)->key() == key;
-  }
-  /// Of the entry with that key, or `none`.
-  std::size_t slotOf(String8 const& key) const noexcept {
-    if (table_.count() == 0) return none;
+  /// That of a key whose hash others have too, from `slot` on.
+  [[gnu::noinline]] Place placeAmongOthers(std::size_t slot, String8 const& key) const noexcept {
     std::uint32_t const hash = key.hash();
-    for (std::size_t slot = table_.lowerBound(hash); table_.hash(slot) == hash; ++slot) {
-      if (entryIn(slot)->key() == key) return slot;
-    }
-    return none;
-  }
-  /// Of the first entry that is not before `key` in the map's order, or where it would be inserted.
-  std::size_t slotFor(String8 const& key) const noexcept {
-    if (table_.slots() == 0) return 0;
-    std::size_t slot = table_.lowerBound(key.hash());
-    while (table_.hash(slot) == key.hash() && entryIn(slot)->key() < key) ++slot;
-    return slot;
-  }
-  /// Of the iterator's entry, or `none` when that is not in the map.
-  std::size_t slotOf(IteratorConst const& it) const noexcept {
-    if (!it) return none;
-    if (entryAt(it.slot_) == it.entry_.ptr()) return it.slot_;
-    std::size_t const slot = slotOf(it.key());
-    return entryAt(slot) == it.entry_.ptr() ? slot : none;
+    while (table_.hash(slot) == hash && entryIn(slot)->key() < key) ++slot;
+    bool const isThere = table_.hash(slot) == hash && entryIn(slot)->key() == key;
+    return {slot, isThere ? entryIn(slot) : nullptr};
   }
   /// Of the first entry behind the iterator's in the map's order, whether or not that is still in
   /// it.
   std::size_t slotBehind(IteratorConst const& it) const noexcept {
     if (entryAt(it.slot_) == it.entry_.ptr()) return table_.occupiedFrom(it.slot_ + 1);
-    std::size_t const slot = slotFor(it.key());
-    return table_.occupiedFrom(isKeyAt(slot, it.key()) ? slot + 1 : slot);
+    Place const left = place(it.key());
+    return table_.occupiedFrom(left.entry_ == nullptr ? left.slot_ : left.slot_ + 1);
   }
 
   HashTable table_;

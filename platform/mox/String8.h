@@ -119,7 +119,7 @@ class MOX_API String8 {
   static bool sameBytes(char const* a, char const* b, std::size_t bytes) noexcept {
     if (bytes >= sizeof(std::uint64_t)) return sameWords<std::uint64_t>(a, b, bytes);
     if (bytes >= sizeof(std::uint32_t)) return sameWords<std::uint32_t>(a, b, bytes);
-    return std::memcmp(a, b, bytes) == 0;
+    return bytes == 0 || sameWords<char>(a, b, bytes);
   }
   template <class Word>
   static bool sameWords(char const* a, char const* b, std::size_t bytes) noexcept {

@@ -140,14 +140,14 @@ TEST_F(HashMapTest, IteratorStartsAtAKeyAndWalksToTheEnd) {
 TEST_F(HashMapTest, AnIteratorKeepsItsEntryWhichIsNoLongerTheMaps) {
   insert("et1");
   auto it = map.iteratorConst();
-  EXPECT_TRUE(map.has(it));
-  map.remove(map.iteratorConst("et1"));
+  EXPECT_EQ(map.place(it).entry(), map.find("et1"));
+  map.remove(map.place("et1"));
   EXPECT_THAT(events, IsEmpty());
   EXPECT_EQ(it->name(), "et1");
-  EXPECT_FALSE(map.has(it));
+  EXPECT_EQ(map.place(it).entry(), nullptr);
   ++it;
   EXPECT_FALSE(it);
-  EXPECT_FALSE(map.has(it));
+  EXPECT_EQ(map.place(it).entry(), nullptr);
   EXPECT_THAT(events, ElementsAre("et1 gone"));
 }
 
@@ -155,9 +155,9 @@ TEST_F(HashMapTest, AnIteratorPassesAKeyThatCameBackUnderAnotherEntry) {
   for (char const* key : {"et1", "et2", "et3"}) insert(key);
   std::vector<std::string> const all = walk();
   auto it = map.iteratorConst();
-  map.remove(map.iteratorConst(all[0].c_str()));
+  map.remove(map.place(all[0].c_str()));
   insert(all[0].c_str(), "again");
-  EXPECT_FALSE(map.has(it));
+  EXPECT_EQ(map.place(it).entry(), nullptr);
   ++it;
   EXPECT_EQ(it->name(), all[1]);
 }
@@ -175,12 +175,12 @@ TEST_F(HashMapTest, AnIteratorFindsItsPlaceAgainWhenTheMapGrows) {
 
 TEST_F(HashMapTest, AnEntryThatLeftMayJoinAnotherMap) {
   Ptr<NamedEntry> const entry = insert("et1");
-  map.remove(map.iteratorConst(entry->key()));
+  map.remove(map.place(entry->key()));
   HashMap<NamedEntry> other;
   other.insert(entry);
   EXPECT_EQ(other.find("et1"), entry.ptr());
   EXPECT_EQ(map.find("et1"), nullptr);
-  EXPECT_FALSE(map.has(other.iteratorConst()));
+  EXPECT_EQ(map.place(other.iteratorConst()).entry(), nullptr);
 }
 
 }  // namespace
