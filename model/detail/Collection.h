@@ -6,6 +6,7 @@
 #include "model/detail/ObserverList.h"
 #include "platform/mox/HashMap.h"
 #include "platform/mox/Ptr.h"
+#include "platform/mox/SmallMemory.h"
 #include "platform/mox/String8.h"
 
 namespace Hardware::Kest::Slice::detail {
@@ -31,7 +32,7 @@ class Entry : public Mox::HashMapEntry {
 
 /// That of a record, which is its own key's place.
 template <class Description, IsRecord Value>
-class Entry<Description, Value> : public Mox::PtrInterface {
+class Entry<Description, Value> : public Mox::PtrInterface, public Mox::InSmallMemory {
  public:
   Entry(Mox::String8 const& /*key*/, Value value) : value_(std::move(value)) {}
 

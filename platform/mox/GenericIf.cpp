@@ -28,8 +28,6 @@ Attribute const* registered(MoxType const* type, AttributeId id) {
 
 GenericAccessException::~GenericAccessException() = default;
 
-void* AdapterMemory::spare_ = nullptr;
-
 AttributeIterator::~AttributeIterator() = default;
 
 void const* GenericIf::voidPtr() const {

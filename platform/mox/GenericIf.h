@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/mox/AdapterMemory.h"
 #include "platform/mox/MoxType.h"
 #include "platform/mox/PtrInterface.h"
+#include "platform/mox/SmallMemory.h"
 #include "platform/mox/String8.h"
 
 namespace Mox {
@@ -87,19 +87,12 @@ class MOX_API AttributeIterator {
 
 /// Adapter: generic access to one value, of which it holds a copy, or to one object, to which it
 /// holds a reference. Through an adapter with the const flag nothing can be changed.
-class MOX_API GenericIf {
+class MOX_API GenericIf : public InSmallMemory {
  public:
   class List_;
 
   GenericIf& operator=(GenericIf const&) = delete;
   virtual ~GenericIf() = default;
-
-  // Adapters come from `AdapterMemory`, which wants to know a block's size back.
-  // NOLINTNEXTLINE(misc-new-delete-overloads): the sized one is its match
-  static void* operator new(std::size_t bytes) { return AdapterMemory::taken(bytes); }
-  static void operator delete(void* memory, std::size_t bytes) noexcept {
-    AdapterMemory::givenBack(memory, bytes);
-  }
 
   /// Of the value, or of the object or reference.
   MoxType const* type() const noexcept { return type_; }

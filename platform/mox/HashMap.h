@@ -5,12 +5,13 @@
 
 #include "platform/mox/HashTable.h"
 #include "platform/mox/Ptr.h"
+#include "platform/mox/SmallMemory.h"
 #include "platform/mox/String8.h"
 
 namespace Mox {
 
 /// Base of what a `HashMap` can hold: a counted object under an immutable key.
-class MOX_API HashMapEntry : public PtrInterface {
+class MOX_API HashMapEntry : public PtrInterface, public InSmallMemory {
  public:
   String8 const& key() const noexcept { return key_; }
   ~HashMapEntry() override;
@@ -125,7 +126,7 @@ class HashMap {
     return slot < table_.slots() ? entryIn(slot) : nullptr;
   }
   IteratorConst at(std::size_t slot) const noexcept { return {this, slot, entryAt(slot)}; }
-  /// That of a key whose hash others have too, from `slot` on.
+  /// That of a key whose hash others have too, from `slot` on. Rare, so not where it is called.
   [[gnu::noinline]] Place placeAmongOthers(std::size_t slot, String8 const& key) const noexcept {
     std::uint32_t const hash = key.hash();
     while (table_.hash(slot) == hash && entryIn(slot)->key() < key) ++slot;

@@ -1,22 +1,19 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
-
-#include "platform/mox/GenericValue.h"
 
 /// Memory that runs out on demand. The program's allocation functions, which the libraries use too,
 /// are replaced by ones that count and can fail.
 namespace Exhaustion {
 
-/// Allocations that have not been freed.
+/// Allocations that have not been freed; what is kept for the next objects is freed first.
 std::size_t liveAllocations() noexcept;
 
 /// How long memory is short.
 enum class Lasting { once, forGood };
 
 /// As long as this lives the allocation of that number fails, from 1, and with `forGood` all behind
-/// it. One at a time.
+/// it; no memory is kept from before. One at a time.
 class Shortage {
  public:
   Shortage(std::size_t at, Lasting lasting);
@@ -26,10 +23,6 @@ class Shortage {
 
   /// Whether an allocation has failed.
   bool hasCome() const noexcept;
-
- private:
-  // Has the block that is kept for adapters, so that the first of them takes memory too.
-  std::unique_ptr<Mox::GenericIf> adapter_ = Mox::genericOf(true);
 };
 
 /// As long as this lives there is memory after all, for what belongs to the test.

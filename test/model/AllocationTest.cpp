@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/mox/SmallMemory.h"
 #include "test/model/Recorder.h"
 #include "test/model/TypedSuites.h"
 #include "test/support/Allocation.h"
@@ -30,6 +31,7 @@ namespace {
 
 template <class Work>
 std::size_t allocationsOf(Work const& work) {
+  Mox::SmallMemory::clear();
   std::size_t const before = allocations;
   work();
   return allocations - before;

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "platform/mox/SmallMemory.h"
 #include "test/support/Allocation.h"
 
 namespace Simulation {
@@ -9,6 +10,7 @@ namespace Simulation {
 static std::size_t live = 0;
 
 std::size_t liveAllocations() {
+  Mox::SmallMemory::clear();
   return live;
 }
 
