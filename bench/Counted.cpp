@@ -1,6 +1,7 @@
 #include <valgrind/callgrind.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -13,8 +14,6 @@
 namespace Kest::Bench {
 
 namespace {
-
-constexpr std::uint64_t operationsAtLeast = 1000;
 
 struct Benchmark {
   std::string name;
@@ -53,8 +52,8 @@ class CountedRun : public Run {
   char const* failure_ = nullptr;
 };
 
-/// Prints how many operations were counted.
-int count(Benchmark const& benchmark) {
+/// Counts at least so many operations, and prints how many they were.
+int count(Benchmark const& benchmark, std::uint64_t operationsAtLeast) {
   CountedRun first(1, benchmark.measured);  // tells how many operations an iteration does
   benchmark.work(first);
   std::uint64_t const iterations =
@@ -87,16 +86,22 @@ void measure(std::string const& row, std::string const& variant, char const* who
 
 int main(int argc, char** argv) {
   using namespace Kest::Bench;
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: %s --list | ROW/VARIANT/WHO\n", argv[0]);
+  if (argc < 2 || argc > 3) {
+    std::fprintf(stderr, "usage: %s --list | ROW/VARIANT/WHO [OPERATIONS]\n", argv[0]);
     return 2;
   }
   measureOurs();
+#ifdef KEST_BENCH_PEERS
+  measurePeers();
+  measureLimits();
+#endif
   std::string_view const wanted = argv[1];
   bool const list = wanted == "--list";
   for (Benchmark const& benchmark : benchmarks()) {
     if (list) std::printf("%s\n", benchmark.name.c_str());
-    if (benchmark.name == wanted) return count(benchmark);
+    if (benchmark.name == wanted) {
+      return count(benchmark, argc == 3 ? std::strtoul(argv[2], nullptr, 10) : 1000);
+    }
   }
   if (!list) std::fprintf(stderr, "%s: there is no %s\n", argv[0], argv[1]);
   return list ? 0 : 2;

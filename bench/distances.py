@@ -1,66 +1,45 @@
-"""What lies between the library and a rival, counted instead of timed: instructions, and lines of memory
-that were in none of a simulated processor's caches. The same in every run."""
+"""What lies between the library and its rivals, counted instead of timed: instructions, and lines of
+memory that a simulated processor had to fetch."""
 
 import os
 import re
-import subprocess
-import sys
-import tempfile
 from concurrent.futures import ThreadPoolExecutor
-from itertools import zip_longest
 
+import callgrind
 import present
 from table import LINES
 
 ROWS = "abcdefjl"
-OPERATIONS = 100_000  # of a row: each key at least once, so that what is far away has to be fetched
-# Sizes of the processor's that the table was made on.
+OPERATIONS = "100000"  # each key at least once, so that what is far away has to be fetched
+# As large as those of the processor that the table is from.
 CACHES = ["--cache-sim=yes", "--I1=32768,8,64", "--D1=49152,12,64", "--LL=2097152,16,64"]
-HEADS = ["", "operation", "who", "instructions", "lines from behind the first cache", "from behind the second"]
+HEADS = ["", "operation", "beside", "instructions", "lines not in the first cache", "nor in the second"]
 
 
-def counted(build, name):
-    """Instructions, first-level misses and second-level misses of an operation."""
-    with tempfile.NamedTemporaryFile("r", encoding="utf-8") as report:
-        run = subprocess.run(
-            ["valgrind", "--tool=callgrind", "--vgdb=no", "--instr-atstart=no", "--collect-atstart=no",
-             *CACHES, f"--callgrind-out-file={report.name}", build / "bin/kest_bench_counted", name,
-             str(OPERATIONS)],
-            stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, check=False)
-        if run.returncode != 0:
-            sys.exit(f"{name}: {run.stderr}")
-        text = report.read()
-    events = re.search(r"^events: (.*)$", text, re.MULTILINE).group(1).split()
-    sums = re.search(r"^totals: (.*)$", text, re.MULTILINE).group(1).split()
-    of = dict(zip_longest(events, map(int, sums), fillvalue=0))  # zeros at the end are left out
-    done = int(run.stdout)
-    return (of["Ir"] / done, (of["D1mr"] + of["D1mw"]) / done, (of["DLmr"] + of["DLmw"]) / done)
+def names(line):
+    prefix = f"{line.row}/{line.variant}/"
+    return prefix + "ours", prefix + line.against
 
 
-def name_of(line, who):
-    return f"limit/{line.limit}/limit" if who == "limit" else f"{line.row}/{line.variant}/{who}"
-
-
-def compared():
-    """The lines of the table whose two sides can both be counted."""
-    return [line for line in LINES
-            if line.row in ROWS and line.against and line.variant != "further"]
-
-
-def rows(build):
-    names = {name_of(line, who) for line in compared() for who in ("ours", line.against)}
-    with ThreadPoolExecutor(os.cpu_count()) as pool:
-        of = dict(zip(names, pool.map(lambda name: counted(build, name), names)))
-    for line in compared():
-        for who in ("ours", line.against):
-            instructions, near, far = of[name_of(line, who)]
-            first = who == "ours"
-            yield [line.row if first else "", line.operation if first else "", who,
-                   f"{instructions:.0f}", f"{near:.1f}", f"{far:.1f}"]
+def count(build, name):
+    of = callgrind.counted(build, re.sub(r"\W", "-", name) + ".distance", "kest_bench_counted",
+                           [name, OPERATIONS], *CACHES)
+    return of["Ir"], of["D1mr"] + of["D1mw"], of["DLmr"] + of["DLmw"]
 
 
 def show(build, markdown):
-    table = [HEADS, *rows(build)]
-    present.print_rows(table)
+    # What each further observer costs is the difference of two others.
+    lines = [line for line in LINES
+             if line.row in ROWS and line.against and line.variant != "further"]
+    wanted = {name for line in lines for name in names(line)}
+    with ThreadPoolExecutor(os.cpu_count()) as pool:
+        of = dict(zip(wanted, pool.map(lambda name: count(build, name), wanted)))
+    rows = [HEADS]
+    for line in lines:
+        ours, theirs = (of[name] for name in names(line))
+        rows.append([line.row, line.operation, line.against]
+                    + [f"{our:.{digits}f} : {their:.{digits}f}"
+                       for our, their, digits in zip(ours, theirs, (0, 1, 1))])
+    present.print_rows(rows)
     if markdown:
-        present.write_rows("./scripts/bench distances --markdown", table)
+        present.write_rows("./scripts/bench distances --markdown", rows)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Counts the instructions of the library's operations with callgrind, one by one, and compares them
+"""Counts the instructions of the library's operations, one by one, and compares them
 with those in bench/instructions.txt. scripts/instructions builds what it needs and runs it."""
 
 import argparse
@@ -10,6 +10,8 @@ import sys
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
+import callgrind
+
 ROOT = Path(__file__).resolve().parent.parent
 KEPT = ROOT / "bench/instructions.txt"
 BUILD = ROOT / "build/release"
@@ -18,34 +20,17 @@ ALLOWANCE = 0.03
 MADE_WITH = ("g++-12", "libc6", "valgrind")  # whose versions change the figures
 UPDATE = "scripts/instructions --update"
 
-# Nothing of the surroundings: they lie on the stack, and their length would shift it. The C library
-# takes the variants of its functions that every processor has.
-ENVIRONMENT = {"GLIBC_TUNABLES": "glibc.cpu.hwcaps=-AVX,-AVX2,-BMI1,-BMI2,-ERMS,-FSRM,-LZCNT,-MOVBE,"
-                                 "-POPCNT,-SSE4_1,-SSE4_2,-SSSE3,-XSAVE"}
-
-
-def run(*command):
-    """The program is named from the build folder, whose own name does not count so."""
-    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
-                          cwd=BUILD, env=ENVIRONMENT, check=False)
-    if done.returncode != 0:
-        sys.exit(f"{' '.join(command)}\n{done.stderr}")
-    return done.stdout
-
 
 def operations():
-    """All but those of 100,000 keys, which take as many instructions as with 1,000."""
-    listed = run("bin/kest_instructions", "--list").splitlines()
+    """All but those of 100,000 keys, which take about as many instructions as with 1,000."""
+    listed = callgrind.run(BUILD, "bin/kest_instructions", "--list").splitlines()
     return [name.removesuffix("/ours") for name in listed if "@100000" not in name]
 
 
 def count(operation):
     report = REPORTS / re.sub(r"\W", "-", operation)
-    done = int(run("/usr/bin/valgrind", "--tool=callgrind", "--vgdb=no", "--instr-atstart=no",
-                   "--collect-atstart=no", f"--callgrind-out-file={report.relative_to(BUILD)}",
-                   "bin/kest_instructions", f"{operation}/ours"))
-    totals = re.search(r"^totals: (\d+)$", report.read_text(encoding="utf-8"), re.MULTILINE)
-    return int(totals.group(1)) / done
+    return callgrind.counted(BUILD, report.relative_to(BUILD), "kest_instructions",
+                             [f"{operation}/ours"])["Ir"]
 
 
 def count_all():

@@ -1,9 +1,9 @@
-"""The table as text, and as Markdown in doc/performance.md."""
+"""Tables as text, and as Markdown in doc/performance.md."""
 
 from pathlib import Path
 
 DOCUMENT = Path(__file__).resolve().parent.parent / "doc/performance.md"
-FROM, TO = "<!-- table: ./scripts/bench --markdown -->\n", "<!-- end of table -->\n"
+END = "<!-- end of table -->\n"
 HEADS = ["", "operation", "ours", "+-", "peers", "limit", "ratio", "target", ""]
 
 
@@ -33,22 +33,29 @@ def summary(results, machine):
             f"load {machine['load']:.1f} on {machine['processors']} processors at the start")
 
 
-def print_table(results, machine):
-    rows = [HEADS] + [cells(result) for result in results]
-    widths = [max(len(row[column]) for row in rows) for column in range(len(HEADS))]
+def print_rows(rows):
+    widths = [max(len(row[column]) for row in rows) for column in range(len(rows[0]))]
     for row in rows:
         print("  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip())
-    print("\n" + summary(results, machine))
 
 
-def write_document(results, machine):
-    """Replaces what stands between the two marks."""
+def write_rows(command, rows, *remarks):
+    """Replaces what stands between the mark of `command`, which makes it, and the next end."""
+    mark = f"<!-- table: {command} -->\n"
     text = DOCUMENT.read_text(encoding="utf-8")
-    before, found, rest = text.partition(FROM)
-    _, found_end, after = rest.partition(TO)
+    before, found, rest = text.partition(mark)
+    _, found_end, after = rest.partition(END)
     if not found or not found_end:
-        raise ValueError(f"{DOCUMENT} has no place for the table")
-    rows = [HEADS, ["---"] * len(HEADS)] + [cells(result) for result in results]
-    table = "".join(f"| {' | '.join(row)} |\n" for row in rows)
-    DOCUMENT.write_text(f"{before}{FROM}\n{table}\n{summary(results, machine)}, "
-                        f"{machine['date'][:10]}.\n\n{TO}{after}", encoding="utf-8")
+        raise ValueError(f"{DOCUMENT} has no place for the table of {command}")
+    heads, *others = rows
+    table = "".join(f"| {' | '.join(row)} |\n" for row in [heads, ["---"] * len(heads), *others])
+    text = "\n".join([table, *(remark + "\n" for remark in remarks), ""])
+    DOCUMENT.write_text(f"{before}{mark}\n{text}{END}{after}", encoding="utf-8")
+
+
+def show(results, machine, markdown):
+    rows = [HEADS] + [cells(result) for result in results]
+    print_rows(rows)
+    print("\n" + summary(results, machine))
+    if markdown:
+        write_rows("./scripts/bench --markdown", rows, f"{summary(results, machine)}, {machine['date'][:10]}.")

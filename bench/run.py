@@ -12,12 +12,15 @@ from collections import defaultdict
 from datetime import datetime, timezone
 from pathlib import Path
 
+import distances
 import growth
 import present
 from table import LINES
 
 ROWS = sorted({line.row for line in LINES})
 GROWTH = "growth"
+DISTANCES = "distances"
+CALL_BY_VALUE = "limit/virtual call, string by value/limit"
 ROOT = Path(__file__).resolve().parent.parent
 PAUSE_SECONDS = 0.1  # after each port that is created
 LOADS = 41
@@ -28,12 +31,13 @@ def arguments():
     parser = argparse.ArgumentParser(
         prog="scripts/bench",
         description="Measures the library beside what its users would otherwise build on.")
-    parser.add_argument("rows", nargs="*", metavar="ROW", help="rows of the table, a to m; or growth, which draws doc/growth.svg")
+    parser.add_argument("rows", nargs="*", metavar="ROW", help="rows of the table, a to m; or growth, which draws doc/growth.svg; or "
+                             "distances, which counts what lies between the library and its rivals")
     parser.add_argument("--filter", metavar="REGEX", default="",
                         help="only benchmarks whose name, ROW/VARIANT/WHO, matches")
     parser.add_argument("--json", metavar="FILE", type=Path, help="where the table is written")
     parser.add_argument("--markdown", action="store_true",
-                        help="writes the whole table into doc/performance.md too")
+                        help="writes the table into doc/performance.md too")
     parser.add_argument("--repetitions", metavar="N", type=int, default=7,
                         help="of which the medians are taken (7)")
     parser.add_argument("--seconds", metavar="S", type=float, default=0.1,
@@ -41,10 +45,10 @@ def arguments():
     parser.add_argument("--build", type=Path, default=ROOT / "build/bench", help=argparse.SUPPRESS)
     options = parser.parse_args()
     unknown = set(options.rows) - set(ROWS)
-    if unknown and options.rows != [GROWTH]:
+    if unknown and options.rows not in ([GROWTH], [DISTANCES]):
         parser.error(f"no such row: {' '.join(sorted(unknown))}")
-    if options.markdown and (options.rows or options.filter):
-        parser.error("--markdown is for the whole table")
+    if options.markdown and options.rows != [DISTANCES] and (options.rows or options.filter):
+        parser.error("--markdown is for a whole table")
     options.json = options.json or options.build / "results.json"
     return options
 
@@ -83,7 +87,8 @@ def output(*command):
 
 
 def limits_of(row):
-    return {f"limit/{line.limit}/limit" for line in LINES if line.row == row and line.limit}
+    limits = {f"limit/{line.limit}/limit" for line in LINES if line.row == row and line.limit}
+    return limits | {CALL_BY_VALUE} if row == "c" else limits
 
 
 def run_benchmarks(options, row, names):
@@ -144,6 +149,7 @@ def derive(samples):
             samples.of[f"c/further/{who}"] = [(samples.median(name) - few) / (64 - 8)]
     if "c/further/ours" in samples.of:
         samples.of["c/further/limit"] = samples.of["limit/virtual call/limit"]
+        samples.of["c/further/call with a key by value"] = samples.of[CALL_BY_VALUE]
 
 
 def measure_heap(options, samples):
@@ -208,6 +214,9 @@ def surroundings():
 def main():
     options = arguments()
     samples = Samples(options)
+    if options.rows == [DISTANCES]:
+        distances.show(options.build, options.markdown)
+        return
     if options.rows == [GROWTH]:
         measure_growth(options, samples)
         growth.draw({name: samples.median(name) for name in samples.of})
@@ -220,11 +229,9 @@ def main():
     results = [result for line in LINES if (result := judged(line, samples))]
     if not results:
         sys.exit("nothing was measured that the table judges")
-    present.print_table(results, machine)
+    present.show(results, machine, options.markdown)
     options.json.write_text(json.dumps({"machine": machine, "rows": results}, indent=1) + "\n",
                             encoding="utf-8")
-    if options.markdown:
-        present.write_document(results, machine)
 
 
 if __name__ == "__main__":
