@@ -9,8 +9,7 @@
 #include "bench/Run.h"
 #include "bench/rows/Rows.h"
 
-/// Has callgrind count the instructions of one operation: see bench/instructions.py, which runs
-/// this with --instr-atstart=no --collect-atstart=no.
+/// Has callgrind count the instructions of one operation: see bench/callgrind.py, which runs this.
 namespace Kest::Bench {
 
 namespace {

@@ -5,9 +5,9 @@
 #include <functional>
 #include <string>
 
-/// How an operation is measured, whatever it is measured in. The same work is built into two
-/// programs: kest_bench takes its time (Timed.cpp), kest_instructions counts its instructions
-/// (Counted.cpp).
+/// How an operation is measured, whatever it is measured in. The same work is built into programs
+/// that take its time (Timed.cpp: kest_bench) or have its instructions counted (Counted.cpp:
+/// kest_instructions, and kest_bench_counted with the rivals').
 namespace Kest::Bench {
 
 /// The compiler takes `value` for used.

@@ -31,8 +31,8 @@ class MOX_API SmallMemory {
     Kept& kept = keptOf(bytes);
     if (kept.first == nullptr) return ::operator new(roomOf(bytes));
     Block* const block = std::exchange(kept.first, kept.first->next);
-    __builtin_prefetch(kept.first);  // where the one after the next one is to be found
-    --kept.count;
+    if (--kept.count > 0)
+      __builtin_prefetch(kept.first);  // says which one comes after the next one
     return block;
   }
 
