@@ -27,13 +27,13 @@ class MOX_API SmallMemory {
 
   /// `std::bad_alloc` when there is none.
   static void* taken(std::size_t bytes) {
-    if (!isKept(bytes)) return ::operator new(bytes);
-    Kept& kept = keptOf(bytes);
-    if (kept.first == nullptr) return ::operator new(roomOf(bytes));
-    Block* const block = std::exchange(kept.first, kept.first->next);
-    if (--kept.count > 0)
-      __builtin_prefetch(kept.first);  // says which one comes after the next one
-    return block;
+    if (isKept(bytes) && keptOf(bytes).count > 0) {
+      Kept& kept = keptOf(bytes);
+      Block* const block = std::exchange(kept.first, kept.first->next);
+      if (--kept.count > 0) __builtin_prefetch(kept.first);  // says which one comes after it
+      return block;
+    }
+    return ::operator new(roomOf(bytes));
   }
 
   static void givenBack(void* memory, std::size_t bytes) noexcept {
@@ -68,13 +68,14 @@ class MOX_API SmallMemory {
     std::size_t count = 0;
   };
 
-  // Sizes are those of the C library's heap, 8, 24, 40 and so on, so that no block is larger for
+  // Sizes are those of the heap on 64 bits, 8, 24, 40 and so on, so that no block is larger for
   // being one that can be kept.
   static constexpr std::size_t sizeNumber(std::size_t bytes) {
     return (bytes + 7) / 16;
   }
+  /// Of every block, whether it can be kept now: it may go when it can.
   static constexpr std::size_t roomOf(std::size_t bytes) {
-    return 16 * sizeNumber(bytes) + 8;
+    return keeps ? 16 * sizeNumber(bytes) + 8 : bytes;
   }
   static Kept& keptOf(std::size_t bytes) noexcept {
     return kept_[sizeNumber(bytes)];

@@ -14,11 +14,13 @@
 namespace {
 
 std::size_t allocations = 0;
+std::size_t latestBytes = 0;
 
 }  // namespace
 
 void* Test::allocated(std::size_t bytes) noexcept {
   ++allocations;
+  latestBytes = bytes;
   return std::malloc(bytes);
 }
 
@@ -104,6 +106,21 @@ TYPED_TEST(Allocations, AreNotMadeByALookup) {
             }),
             0U);
   EXPECT_EQ(this->entity->lookupCount(), 2U);
+}
+
+/// A block that comes while nothing is kept may go when it is, and is then one of its size.
+TEST(SmallMemoryAllocations, HaveRoomForTheirWholeSizeWhileThreadsMayShareToo) {
+  using Mox::SmallMemory;
+  if (!SmallMemory::isKept(SmallMemory::mostBytes)) GTEST_SKIP() << "a build that keeps no memory";
+  Mox::PtrInterface::threadSafePtrIs(true);
+  void* const block = SmallMemory::taken(SmallMemory::mostBytes - 15);
+  std::size_t const room = latestBytes;
+  Mox::PtrInterface::threadSafePtrIs(false);
+  SmallMemory::clear();
+  SmallMemory::givenBack(block, SmallMemory::mostBytes - 15);
+  EXPECT_EQ(SmallMemory::taken(SmallMemory::mostBytes), block);
+  EXPECT_GE(room, SmallMemory::mostBytes);
+  SmallMemory::givenBack(block, SmallMemory::mostBytes);
 }
 
 TEST(SliceIdAllocations, AreNotMadeByAnyValueThatIsHeld) {
