@@ -99,9 +99,7 @@ class Collection {
 
   /// The bare insertion step: neither counts nor announces.
   Mox::Ptr<Entry> newEntry(Mox::String8 const& key, Value const& value) {
-    Mox::Ptr<Entry> entry(new Entry(key, value));
-    entries_.insert(entry);
-    return entry;
+    return newEntryAt(entries_.place(key), key, value);
   }
 
   /// Inserts, or updates the entry in place.
@@ -111,7 +109,7 @@ class Collection {
     if (entry != nullptr && entry->value() == value) return;
     owner_.observers().makeRoomToTell();
     if (entry == nullptr) {
-      entries_.insert(place, Mox::Ptr<Entry>(new Entry(key, value)));
+      newEntryAt(place, key, value);
     } else {
       entry->valueIs(value);
     }
@@ -140,6 +138,12 @@ class Collection {
 
  private:
   using Place = typename Mox::HashMap<Entry>::Place;
+
+  Mox::Ptr<Entry> newEntryAt(Place const& place, Mox::String8 const& key, Value const& value) {
+    Mox::Ptr<Entry> entry(new Entry(key, value));
+    entries_.insert(place, entry);
+    return entry;
+  }
 
   Value del(Place const& place) {
     Mox::Ptr<Entry> const removed = remove(place);
