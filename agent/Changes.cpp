@@ -11,9 +11,10 @@ namespace {
 
 using Hardware::Kest::Slice::detail::IsRecord;
 
-class Comparison {
+class ConfigComparison {
  public:
-  Comparison(Config const& running, Config const& wanted) : running_(running), wanted_(wanted) {}
+  ConfigComparison(Config const& running, Config const& wanted)
+      : running_(running), wanted_(wanted) {}
 
   Changes take() { return std::move(changes_); }
 
@@ -94,7 +95,7 @@ class Comparison {
 }  // namespace
 
 Changes changesBetween(Config const& running, Config const& wanted) {
-  Comparison comparison(running, wanted);
+  ConfigComparison comparison(running, wanted);
   comparison.compareSliceId();
   comparison.removals<Config::Devices>();
   comparison.removals<Config::DeviceStates>();

@@ -8,23 +8,23 @@ namespace Hardware::Kest::Sim {
 
 namespace {
 
-constexpr std::string_view names[] = {
+constexpr std::string_view operationNames[] = {
     "kestDmaIfadd",        "kestDmaIfdel",       "kestDmaNativeVlan",
     "kestDmaDeviceRename", "kestDmaDeviceParam", "kestDmaDeviceDown",
     "kestDmaDeviceUp",     "kestDmaIsDeviceUp",  "kestDmaDump",
 };
-static_assert(std::size(names) == static_cast<std::size_t>(Operation::dump) + 1);
+static_assert(std::size(operationNames) == static_cast<std::size_t>(Operation::dump) + 1);
 
 }  // namespace
 
 std::optional<Operation> operationNamed(std::string_view name) {
-  auto const* const at = std::find(std::begin(names), std::end(names), name);
-  if (at == std::end(names)) return std::nullopt;
-  return static_cast<Operation>(at - std::begin(names));
+  auto const* const at = std::find(std::begin(operationNames), std::end(operationNames), name);
+  if (at == std::end(operationNames)) return std::nullopt;
+  return static_cast<Operation>(at - std::begin(operationNames));
 }
 
 std::ostream& operator<<(std::ostream& out, Operation operation) {
-  return out << names[static_cast<std::size_t>(operation)];
+  return out << operationNames[static_cast<std::size_t>(operation)];
 }
 
 }  // namespace Hardware::Kest::Sim
