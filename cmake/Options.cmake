@@ -56,7 +56,6 @@ set(KEST_NOT_OPTIMISED -O0 -U_FORTIFY_SOURCE)
 
 if(KEST_COVERAGE)
   add_compile_options(-O0 -fprofile-arcs -ftest-coverage)  # as --coverage, which cannot be undone
-  add_compile_options(-fprofile-update=atomic)  # threads count too
   add_link_options(--coverage)
 endif()
 
