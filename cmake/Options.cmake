@@ -33,6 +33,8 @@ endif()
 
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options(-fpch-preprocess)  # lets ccache work beside precompiled headers
+  # It looks for unused memory less often: a tenth of the time of sources, a quarter of that of tests.
+  add_compile_options(--param=ggc-min-expand=1000)
 endif()
 
 if(KEST_32BIT)
