@@ -19,6 +19,10 @@ struct Row {
   std::unique_ptr<TestedCollection> (*make)();
 };
 
+void PrintTo(Row const& row, std::ostream* out) {
+  *out << row.name;
+}
+
 template <class... C>
 std::vector<Row> rowsOf(testing::Types<C...>) {
   return {{CollectionNames::GetName<C>(0), []() -> std::unique_ptr<TestedCollection> {
