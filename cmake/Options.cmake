@@ -29,9 +29,6 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 takes std::string's own copying for overlapping (its bug 105651).
   add_compile_options(-Wno-restrict)
-endif()
-
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options(-fpch-preprocess)  # lets ccache work beside precompiled headers
   # It looks for unused memory less often: a tenth of the time of sources, a quarter of that of tests.
   add_compile_options(--param=ggc-min-expand=1000)

@@ -64,7 +64,7 @@ class TestedCollection {
 
   /// Registers an observer; it does what the result is set to when it is told.
   virtual std::function<void()>& observe(std::string const& name) = 0;
-  virtual void removeObservers() = 0;
+  virtual void unregisterObservers() = 0;
 
   std::vector<std::string> keys() const {
     std::vector<std::string> found;
@@ -122,7 +122,9 @@ class TestedCollectionOf final : public TestedCollection {
   std::function<void()>& observe(std::string const& name) override {
     return observers_.emplace_back(Slice::observe(entity_, name, events))->reaction;
   }
-  void removeObservers() override { observers_.clear(); }
+  void unregisterObservers() override {
+    for (auto const& observer : observers_) observer->isRegisteredNotifieeIs(false);
+  }
 
  private:
   using Entity = typename C::Entity;
