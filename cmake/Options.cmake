@@ -50,6 +50,9 @@ endif()
 if(CMAKE_BUILD_TYPE MATCHES "^Rel" AND NOT KEST_SANITIZE)
   add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)  # works only where it is optimised
 endif()
+# For folders whose instructions count: g++ otherwise inlines less where sources are joined, which costs
+# operations 10 to 27 % more of them.
+set(KEST_INLINED_AS_ALONE $<$<CXX_COMPILER_ID:GNU>:--param=large-unit-insns=200000>)
 # For sources that are compiled quickly instead of well.
 set(KEST_NOT_OPTIMISED -O0 -U_FORTIFY_SOURCE)
 
