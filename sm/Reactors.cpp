@@ -49,6 +49,7 @@ KestSliceDmaSm::MoxStateTimer::~MoxStateTimer() {
 void KestSliceDmaSm::MoxStateTimer::notifierIs(Mox::Ptr<Mox::PtrInterface const> const& clock) {
   auto const next = Mox::ptrCast<Mox::Clock const>(clock);
   if (next == notifier()) return;
+  if (next) next->makeRoom();  // or, without memory, it would poll once and never again
   isRegisteredNotifieeIs(false);
   Mox::Clock::NotifieeConst::notifierIs(next);
   if (next && !moxMarkedForDeletion()) kestSliceDmaSm()->handleTimerExpired();

@@ -77,6 +77,7 @@ void Clock::NotifieeConst::notifierIs(Ptr<PtrInterface const> const& notifier) {
   Ptr<Clock const> const next = ptrCast<Clock const>(notifier);
   if (next.ptr() == clock()) return;
   bool const registered = registered_;
+  if (registered && next) next->makeRoom();
   isRegisteredNotifieeIs(false);
   Mox::Entity::NotifieeConst::notifierIs(next);
   isRegisteredNotifieeIs(registered);

@@ -26,6 +26,9 @@ class MOX_API Clock : public Entity {
   /// The earliest wake-up that an observer waits for; `never` when there is none.
   Seconds timeMin() const noexcept;
 
+  /// Lets the next observer that registers find memory.
+  void makeRoom() const { observers_.reserve(observers_.size() + 1); }
+
   /// Wakes every observer whose time has come, by wake-up time, then in order of registration, each
   /// at most once. An observer's `timeMin` goes back to `never` just before its `onTime()`. One
   /// that is gone, has left or was moved to a later time meanwhile is not woken. An exception that
@@ -46,7 +49,7 @@ class MOX_API Clock::NotifieeConst : public Mox::Entity::NotifieeConst {
   void isRegisteredNotifieeIs(bool registered) const override;
   String8 name() const override;
   /// Accepts any framework object; one that is no clock counts as none. A registered observer moves
-  /// from the old clock to the new one.
+  /// from the old clock to the new one; without memory it stays with the old one.
   void notifierIs(Ptr<PtrInterface const> const& notifier) override;
 
   /// The clock's time has reached `timeMin()`.

@@ -70,6 +70,24 @@ TEST(LoopExhaustion, NothingThatWasReadyIsLostOrRunTwice) {
                     });
 }
 
+struct TwoClocks {
+  Ptr<Clock> first{new Clock("first")};
+  Ptr<Clock> second{new Clock("second")};
+  Ptr<DueOnce> due{new DueOnce(first)};
+};
+
+TEST(LoopExhaustion, AnObserverMovesToAnotherClockOrIsStillWokenByItsOwn) {
+  atEveryAllocation(
+      [] { return TwoClocks(); }, [](TwoClocks& scene) { scene.due->notifierIs(scene.second); },
+      [](TwoClocks& scene, End end) {
+        EXPECT_EQ(scene.due->notifier(), end == End::done ? scene.second : scene.first);
+        scene.first->dispatch();
+        EXPECT_EQ(scene.due->woken, end == End::done ? 0U : 1U);
+        scene.second->dispatch();
+        EXPECT_EQ(scene.due->woken, 1U);
+      });
+}
+
 bool isBlocked(int signal) {
   sigset_t blocked;
   sigemptyset(&blocked);

@@ -101,5 +101,19 @@ TEST(MachineExhaustion, ItIsBoundAnewOrAsBefore) {
       });
 }
 
+struct PollingScene : MachineScene {
+  PollingScene() { sm->modeIs(SmMode::smModePolling_); }
+  Mox::Ptr<Mox::Clock> next{new Mox::Clock("next")};
+};
+
+TEST(MachineExhaustion, ItsPollGoesOnByTheNewClockOrByTheOld) {
+  atEveryAllocation([] { return PollingScene(); },
+                    [](PollingScene& scene) { scene.sm->stateTimerIs(scene.next); },
+                    [](PollingScene& scene, End end) {
+                      EXPECT_EQ(scene.timerState(),
+                                end == End::done ? " timer on next, set" : " timer on clock, set");
+                    });
+}
+
 }  // namespace
 }  // namespace Hardware::Kest::Slice

@@ -44,9 +44,17 @@ struct MachineScene {
   /// What the machine has made, and what it is bound to.
   std::string state() const {
     return contentOf(*status) + "mode " + std::to_string(static_cast<int>(sm->mode())) +
-           (sm->config() ? " config" : "") + (sm->stateTimer() ? " timer" : "") +
+           (sm->config() ? " config" : "") + timerState() +
            (sm->hasNotificationActive() ? " active" : "") +
            (sm->moxMarkedForDeletion() ? " zombie" : "");
+  }
+
+  /// The clock that the timer is bound to, and whether that will wake it.
+  std::string timerState() const {
+    Mox::Ptr<Mox::Clock const> const bound = sm->stateTimer();
+    if (!bound) return "";
+    return std::string(" timer on ").append(bound->fullName().view()) +
+           (bound->timeMin() == Mox::Clock::never ? "" : ", set");
   }
 
   Mox::String8 key{"Ethernet et3/1, a name that takes memory"};
