@@ -38,10 +38,10 @@ def arguments():
     parser.add_argument("--json", metavar="FILE", type=Path, help="where the table is written")
     parser.add_argument("--markdown", action="store_true",
                         help="writes the table into doc/performance.md too")
-    parser.add_argument("--repetitions", metavar="N", type=int, default=7,
-                        help="of which the medians are taken (7)")
-    parser.add_argument("--seconds", metavar="S", type=float, default=0.1,
-                        help="that a repetition takes at least (0.1)")
+    parser.add_argument("--repetitions", metavar="N", type=int,
+                        help="of which the medians are taken (31; for growth 7)")
+    parser.add_argument("--seconds", metavar="S", type=float, default=0.02,
+                        help="that a repetition takes at least (0.02)")
     parser.add_argument("--build", type=Path, default=ROOT / "build/bench", help=argparse.SUPPRESS)
     options = parser.parse_args()
     unknown = set(options.rows) - set(ROWS)
@@ -49,6 +49,9 @@ def arguments():
         parser.error(f"no such row: {' '.join(sorted(unknown))}")
     if options.markdown and options.rows != [DISTANCES] and (options.rows or options.filter):
         parser.error("--markdown is for a whole table")
+    # Memory that others use too is slower in one second than in the next, so there are many short
+    # repetitions; to set up a million keys for each would take too long.
+    options.repetitions = options.repetitions or (7 if options.rows == [GROWTH] else 31)
     options.json = options.json or options.build / "results.json"
     return options
 
@@ -124,12 +127,23 @@ def measurable(options, row):
     return [name for name in listed if name.startswith(f"{row}/")]
 
 
+def compared(names):
+    """Groups of what is compared with each other, by a name of the group: measured within seconds, as
+    a machine that others use too has another speed a minute later."""
+    groups = defaultdict(list)
+    for name in names:
+        row, variant = name.split("/")[:2]
+        together = row == "c"  # what a further observer costs is a difference of two variants
+        groups[row if together else re.sub(r"\W", "-", f"{row}-{variant}")].append(name)
+    return groups
+
+
 def measure_times(options, samples):
     for row in ROWS:
         names = [name for name in measurable(options, row)
                  if samples.wanted(name.removesuffix("/manual_time"))]
-        if names:
-            measure(options, samples, row, names + sorted(limits_of(row)))
+        for group, members in compared(names).items():
+            measure(options, samples, group, members + sorted(limits_of(row)))
 
 
 def measure_growth(options, samples):

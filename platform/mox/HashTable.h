@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <memory>
 
 #include "platform/mox/PtrInterface.h"
 
@@ -10,8 +10,8 @@ namespace Mox {
 
 /// Counted objects in the order of 32-bit hashes: an open table, on which `HashMap` is built.
 ///
-/// A slot is a hash and an object, kept in two arrays: looking for a hash reads the dense one
-/// alone.
+/// A slot is a hash and an object side by side, packed: what finds a hash mostly has its object in
+/// the same line of memory.
 ///
 /// Invariants.
 ///  1. Objects stand in the order of their hashes. Among equal hashes the order is the user's.
@@ -30,20 +30,20 @@ class MOX_API HashTable {
   ~HashTable() { clear(); }
 
   std::size_t count() const noexcept { return count_; }
-  std::size_t slots() const noexcept { return objects_.size(); }
-  std::uint32_t hash(std::size_t slot) const noexcept { return hashes_[slot]; }
-  PtrInterface* object(std::size_t slot) const noexcept { return objects_[slot]; }
+  std::size_t slots() const noexcept { return size_; }
+  std::uint32_t hash(std::size_t slot) const noexcept { return slots_[slot].hash; }
+  PtrInterface* object(std::size_t slot) const noexcept { return slots_[slot].object; }
 
   /// Where the objects with that hash start; where one would stand if there are none. There must be
   /// slots.
   std::size_t lowerBound(std::uint32_t hash) const noexcept {
     std::size_t slot = home(hash);
-    while (hashes_[slot] < hash) ++slot;
+    while (slots_[slot].hash < hash) ++slot;
     return slot;
   }
   /// The first slot from `slot` on that has an object; `slots()` when there is none.
   std::size_t occupiedFrom(std::size_t slot) const noexcept {
-    while (slot < objects_.size() && objects_[slot] == nullptr) ++slot;
+    while (slot < size_ && slots_[slot].object == nullptr) ++slot;
     return slot;
   }
 
@@ -57,12 +57,17 @@ class MOX_API HashTable {
   void clear() noexcept;
 
  private:
+  struct [[gnu::packed]] Slot {
+    std::uint32_t hash = emptySlot;
+    PtrInterface* object = nullptr;
+  };
+
   std::size_t home(std::uint32_t hash) const noexcept { return hash >> shift_; }
   std::size_t emptyFrom(std::size_t slot) const noexcept;
   void rebuild(unsigned shift);
 
-  std::vector<std::uint32_t> hashes_;
-  std::vector<PtrInterface*> objects_;
+  std::unique_ptr<Slot[]> slots_;
+  std::size_t size_ = 0;
   unsigned shift_ = 0;    // makes a home of a hash
   std::size_t most_ = 0;  // objects before there must be more homes
   std::size_t count_ = 0;
