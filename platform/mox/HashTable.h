@@ -10,8 +10,8 @@ namespace Mox {
 
 /// Counted objects in the order of 32-bit hashes: an open table, on which `HashMap` is built.
 ///
-/// A slot is a hash and an object side by side, packed: what finds a hash mostly has its object in
-/// the same line of memory.
+/// A slot is a hash and an object side by side: what finds a hash mostly has its object in the same
+/// line of memory. It is packed into 12 bytes (8 on 32 bits); 16 would cost each entry 5 more.
 ///
 /// Invariants.
 ///  1. Objects stand in the order of their hashes. Among equal hashes the order is the user's.
