@@ -14,6 +14,10 @@ class ControlError : public std::runtime_error {
   ControlError(Wire::ErrorKind kind, std::string const& message, std::string suggestion = {})
       : std::runtime_error(message), kind_(kind), suggestion_(std::move(suggestion)) {}
 
+  /// The refusal that the exception being handled is to a client: for use in a catch block. What is
+  /// no refusal, as a lack of memory, is thrown on.
+  static ControlError ofException();
+
   Wire::ErrorKind kind() const noexcept { return kind_; }
   /// The name that was probably meant; empty when none is near.
   std::string const& suggestion() const noexcept { return suggestion_; }

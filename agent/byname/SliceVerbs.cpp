@@ -18,7 +18,7 @@ Json appliedJson(Applied const& applied) {
 
 }  // namespace
 
-std::optional<Json> Verbs::apply(Request const& request, Later later) {
+Answer Verbs::apply(Request const& request, Later later) {
   request.checkMembers({"file", "content"});
   std::string const file = request.string("file");
   checkIdle();
@@ -27,7 +27,7 @@ std::optional<Json> Verbs::apply(Request const& request, Later later) {
   served_.apply(file, std::move(wanted), [later = std::move(later)](Applied const& applied) {
     later(appliedJson(applied));
   });
-  return std::nullopt;
+  return std::monostate();
 }
 
 Json Verbs::diff(Request const& request) {

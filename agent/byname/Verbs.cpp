@@ -6,13 +6,9 @@
 #include <variant>
 #include <vector>
 
-#include "agent/DriverLibrary.h"
 #include "agent/Text.h"
 #include "agent/byname/ControlError.h"
-#include "agent/slice/FileError.h"
 #include "agent/wire/NearMatch.h"
-#include "platform/mox/GenericIf.h"
-#include "platform/mox/RangeException.h"
 #include "platform/mox/Trace.h"
 
 namespace Kest::Agent {
@@ -22,11 +18,11 @@ using Wire::ErrorKind;
 /// One verb. It changes something always, or only when the request has one of some members.
 struct Verbs::Verb {
   using Now = Json (Verbs::*)(Request const&);
-  using AndLater = std::optional<Json> (Verbs::*)(Request const&, Later);
+  using Longer = Answer (Verbs::*)(Request const&, Later);
 
   char const* name;
   bool (*changes)(Request const& request);
-  std::variant<Now, AndLater> carryOut;
+  std::variant<Now, Longer> carryOut;
 };
 
 std::span<Verbs::Verb const> Verbs::all() {
@@ -60,45 +56,7 @@ std::span<Verbs::Verb const> Verbs::all() {
   return verbs;
 }
 
-namespace {
-
-/// The kind of error that a refusal of generic access is to a client.
-ErrorKind kindOf(Mox::GenericAccessException const& refused) {
-  using Kind = Mox::GenericAccessException::Kind;
-  switch (refused.kind()) {
-    case Kind::noSuchAttribute:
-      return ErrorKind::path;
-    case Kind::type:
-    case Kind::unknownArg:
-      return ErrorKind::value;
-    case Kind::constInstance:
-    case Kind::badIndex:
-    case Kind::opNotSupported:
-    case Kind::notBound:
-      break;
-  }
-  return ErrorKind::refused;
-}
-
-/// Lets only `ControlError`s out.
-template <class Work>
-auto translated(Work work) {
-  try {
-    return work();
-  } catch (Mox::GenericAccessException const& refused) {
-    throw ControlError(kindOf(refused), refused.what());
-  } catch (Mox::RangeException const& refused) {
-    throw ControlError(ErrorKind::value, refused.what());
-  } catch (FileError const& refused) {
-    throw ControlError(ErrorKind::file, refused.what());
-  } catch (DriverError const& refused) {
-    throw ControlError(ErrorKind::refused, refused.what());
-  }
-}
-
-}  // namespace
-
-std::optional<Json> Verbs::carryOut(Json const& json, bool mayChange, Later later) {
+Answer Verbs::carryOut(Json const& json, bool mayChange, Later later) {
   Request const request(json);
   std::string const name = request.string("verb");
   auto const verb = std::find_if(all().begin(), all().end(),
@@ -114,12 +72,14 @@ std::optional<Json> Verbs::carryOut(Json const& json, bool mayChange, Later late
     throw ControlError(ErrorKind::denied,
                        "'" + name + "' changes the agent: only root and the agent's user may");
   }
-  return translated([&]() -> std::optional<Json> {
+  try {
     if (auto const* const now = std::get_if<Verb::Now>(&verb->carryOut)) {
       return (this->**now)(request);
     }
-    return (this->*std::get<Verb::AndLater>(verb->carryOut))(request, std::move(later));
-  });
+    return (this->*std::get<Verb::Longer>(verb->carryOut))(request, std::move(later));
+  } catch (std::exception const&) {
+    throw ControlError::ofException();
+  }
 }
 
 void Verbs::checkIdle() const {

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <functional>
-#include <optional>
 #include <span>
 
+#include "agent/byname/Answer.h"
 #include "agent/byname/Request.h"
 #include "agent/byname/Served.h"
 #include "agent/json/GenericJson.h"
@@ -14,16 +13,13 @@ namespace Kest::Agent {
 /// connection.
 class Verbs {
  public:
-  using Later = std::function<void(Json result)>;
-
   explicit Verbs(Served const& served) : served_(served) {}
 
   /// Carries a request, an object, out.
   /// @param mayChange whether the client may change anything
-  /// @param later called with the result when it comes later
-  /// @return the result, or nothing when it comes later
+  /// @param later for a result that comes later
   /// @throw ControlError what the request is refused with
-  std::optional<Json> carryOut(Json const& json, bool mayChange, Later later);
+  Answer carryOut(Json const& json, bool mayChange, Later later);
 
  private:
   struct Verb;
@@ -40,7 +36,7 @@ class Verbs {
   Json mode(Request const& request);
   Json verify(Request const& request);
   Json show(Request const& request);
-  std::optional<Json> apply(Request const& request, Later later);
+  Answer apply(Request const& request, Later later);
   Json diff(Request const& request);
   Json dump(Request const& request);
   Json trace(Request const& request);

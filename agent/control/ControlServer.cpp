@@ -83,8 +83,8 @@ void ControlServer::serve(Connection& connection, Json const& request) {
   auto later = [weak = connection.weak_from_this()](Json result) {
     if (auto const there = weak.lock()) there->reply(std::move(result));
   };
-  std::optional<Json> result = verbs_.carryOut(request, connection.mayChange(), std::move(later));
-  if (result) connection.reply(std::move(*result));
+  Answer answer = verbs_.carryOut(request, connection.mayChange(), std::move(later));
+  if (auto* const result = std::get_if<Json>(&answer)) connection.reply(std::move(*result));
 }
 
 void ControlServer::publish(Json const& event) {

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
+#include <string_view>
 
 #include "agent/Changes.h"
 #include "agent/StatusReport.h"
@@ -48,16 +48,40 @@ class ServedAgent : public testing::Test {
   }
 
   /// The reply to a request, as the client gets it, but for `ok`.
-  std::string ask(std::string const& request, bool mayChange = true) {
-    Json reply;
+  /// @param following bytes that come after the request
+  std::string ask(std::string const& request, bool mayChange = true,
+                  std::string_view following = {}) {
+    std::string reply;
     try {
-      auto const later = [&](Json result) { reply = std::move(result); };
-      if (auto const now = verbs.carryOut(readRequest(request), mayChange, later)) reply = *now;
-    } catch (ControlError const& refused) {
+      auto const later = [&](Json const& result) { reply = textOf(result); };
+      std::string const now =
+          whole(verbs.carryOut(readRequest(request), mayChange, later), following);
+      if (!now.empty()) reply = now;
+    } catch (std::exception const&) {
+      ControlError const refused = ControlError::ofException();
       std::string text = std::string(Wire::name(refused.kind())) + ": " + refused.what();
       return refused.suggestion().empty() ? text : text + " [" + refused.suggestion() + "]";
     }
-    return reply.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return reply;
+  }
+
+  static std::string textOf(Json const& result) {
+    return result.dump(-1, ' ', false, Json::error_handler_t::replace);
+  }
+
+  /// The text of an answer, to its end; empty when it comes later.
+  static std::string whole(Answer answer, std::string_view following) {
+    if (auto const* const upload = std::get_if<std::unique_ptr<Upload>>(&answer)) {
+      (*upload)->take(following);
+      return whole((*upload)->end(), {});
+    }
+    if (auto const* const result = std::get_if<Json>(&answer)) return textOf(*result);
+    std::string text;
+    if (auto const* const result = std::get_if<std::unique_ptr<LongResult>>(&answer)) {
+      while ((*result)->goOn(text) == LongResult::Progress::more) {
+      }
+    }
+    return text;
   }
 
   Support::Journal journal;
