@@ -291,12 +291,14 @@ Ptr<Entity> detail::readReference(Iterator& it, Iterator const& end, MoxType con
 }
 
 void rethrowFromDeserializeAttr(RangeException const& exception, char const* attributeName) {
-  throw RangeException(format("%s: %s", attributeName, exception.text().charPtr()));
+  std::string text(attributeName);
+  throw RangeException(String8(text.append(": ").append(exception.text().view())));
 }
 
 void detail::throwJunk(Iterator const& at, String8 const& text) {
-  throwRangeException(format("junk at column %lld deserializing %s",
-                             static_cast<long long>(at.pos()), text.charPtr()));
+  // `%s` would end at a NUL.
+  std::string junk = "junk at column " + std::to_string(at.pos()) + " deserializing ";
+  throwRangeException(String8(junk.append(text.view())));
 }
 
 }  // namespace Mox

@@ -261,6 +261,8 @@ TEST(StrepTest, RefusesWhatIsLeftOfATextWithItsColumn) {
   EXPECT_EQ(refusal([] { strepToValue<unsigned int>("12x"); }),
             "junk at column 2 deserializing 12x");
   EXPECT_EQ(refusal([] { strepToValue<String8>("'a' "); }), "junk at column 3 deserializing 'a' ");
+  EXPECT_EQ(refusal([] { strepToValue<bool>(String8("True\0more\0"sv)); }),
+            "junk at column 4 deserializing True\0more\0"sv);
   EXPECT_EQ(refusal([] { strepToValue<NumberPair>("1,2,3"); }),
             "junk at column 3 deserializing 1,2,3");
   EXPECT_EQ(refusal([] { strepToValue<NumberPair>("1,x"); }),
