@@ -42,7 +42,9 @@ IntrospectionReactor& IntrospectionReactor::global() {
   return reactor;
 }
 
-IntrospectionReactor::IntrospectionReactor() : root_(nullptr, String8()) {}
+IntrospectionReactor::IntrospectionReactor() : root_(nullptr, String8()) {
+  root_.isNamespace_ = true;
+}
 
 IntrospectionReactor::~IntrospectionReactor() {
   for (MoxType const* type : types_) type->typeNodeIs(nullptr);
@@ -81,8 +83,12 @@ TypeNode& IntrospectionReactor::nodeOf(MoxType const& type) {
 TypeNode const& IntrospectionReactor::onNamespace(String8 const& fullName) {
   TypeNode& scope = scopeOf(fullName);
   String8 const name(lastName(fullName.view()));
-  if (TypeNode const* const there = scope.member(name)) return *there;
-  return *scope.members_.emplace_back(std::make_unique<TypeNode>(&scope, name));
+  TypeNode* node = scope.member(name);
+  if (node == nullptr) {
+    node = scope.members_.emplace_back(std::make_unique<TypeNode>(&scope, name)).get();
+  }
+  node->isNamespace_ = node->type_ == nullptr;
+  return *node;
 }
 
 void IntrospectionReactor::onType(MoxType const& type) {
@@ -146,7 +152,7 @@ void IntrospectionReactor::typeDel(MoxType const& type) noexcept {
   std::erase(types_, &type);
   type.typeNodeIs(nullptr);
   node->type_ = nullptr;
-  while (node->parent_ != nullptr && node->type_ == nullptr && node->members_.empty()) {
+  while (!node->isNamespace_ && node->type_ == nullptr && node->members_.empty()) {
     TypeNode* const scope = node->parent_;
     std::erase_if(scope->members_, [&](auto const& member) { return member.get() == node; });
     node = scope;

@@ -26,8 +26,8 @@ class MOX_API IntrospectionReactor {
 
   // Announcements.
 
-  /// A namespace, given with its scopes (`Hardware::Kest`), which are there already. One that is
-  /// there is announced again without effect.
+  /// A namespace, given with its scopes (`Hardware::Kest`), which are there already. Announced
+  /// again it is shared; it stays whoever withdraws types of it.
   TypeNode const& onNamespace(String8 const& fullName);
   /// A type, below the namespace or type that its full name gives. A type has one place in one
   /// registry; what it is made of may be registered elsewhere.
@@ -44,8 +44,8 @@ class MOX_API IntrospectionReactor {
   /// dropped first.
   void onRecordCollection(MoxType const& type, Attribute attribute, String8 const& keyName);
 
-  /// Withdraws a type and what is registered of it; the types nested in it must have gone. A
-  /// namespace that is left empty goes too.
+  /// Withdraws a type and what is registered of it. Its name is free again when the types nested
+  /// in it are gone too.
   void typeDel(MoxType const& type) noexcept;
 
   // What there is.

@@ -42,6 +42,7 @@ class MOX_API TypeNode {
 
   TypeNode* parent_;
   String8 name_;
+  bool isNamespace_ = false;
   std::vector<std::unique_ptr<TypeNode>> members_;
   MoxType const* type_ = nullptr;
   std::vector<Argument> constructor_;

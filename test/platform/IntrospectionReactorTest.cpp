@@ -259,17 +259,23 @@ TEST_F(IntrospectionReactorTest, WithdrawsATypeWithAllThatIsRegisteredOfIt) {
   EXPECT_EQ(Mox::typeText(box), "type Toy::Box entity\n") << "as new";
 }
 
-TEST_F(IntrospectionReactorTest, NamespacesThatAreLeftEmptyGoToo) {
+TEST_F(IntrospectionReactorTest, ANamespaceStaysForOthersWhenItsLastTypeGoes) {
   reactor.onNamespace("Toy::Deep");
-  reactor.onNamespace("Toy::Deep::Deeper");
-  MoxType const one("Toy::Deep::One");
-  MoxType const two("Toy::Deep::Deeper::Two");
-  reactor.onType(one);
-  reactor.onType(two);
-  reactor.typeDel(two);
-  EXPECT_EQ(one.typeNode()->parent()->members().size(), 1U);
-  reactor.typeDel(one);
-  EXPECT_THAT(reactor.root().members(), IsEmpty());
+  MoxType const lone("Toy::Deep::Lone");
+  reactor.onType(lone);
+  reactor.typeDel(lone);
+  Mox::TypeNode const* const deep = reactor.root().member("Toy")->member("Deep");
+  ASSERT_NE(deep, nullptr);
+  EXPECT_THAT(deep->members(), IsEmpty());
+}
+
+TEST_F(IntrospectionReactorTest, ATypeThatGoesBeforeWhatIsNestedInItGoesWithTheLastOfThat) {
+  announceBoxAndSpot();
+  reactor.typeDel(box);
+  EXPECT_EQ(refusal([&] { reactor.onType(box); }), "'Toy::Box' is registered already");
+  reactor.typeDel(spot);
+  reactor.onType(box);
+  EXPECT_EQ(Mox::registryText(reactor, "Toy"), "namespace Toy\n\ntype Toy::Box entity\n");
 }
 
 TEST_F(IntrospectionReactorTest, WithdrawsNothingForATypeThatItDoesNotHave) {
