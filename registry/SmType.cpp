@@ -16,7 +16,7 @@ KestSliceDmaSm::_Type::_Type() noexcept : MoxType(typeName, Kind::object) {}
 
 std::unique_ptr<Mox::GenericIf> KestSliceDmaSm::_Type::genericIf_(Mox::PtrInterface* object,
                                                                   bool isConst) const {
-  return std::make_unique<GenericIf_>(this, object, isConst);
+  return std::make_unique<GenericIf_>(object, isConst);
 }
 
 std::unique_ptr<Mox::GenericIf> KestSliceDmaSm::_Type::genericIfNew(
@@ -27,6 +27,9 @@ std::unique_ptr<Mox::GenericIf> KestSliceDmaSm::_Type::genericIfNew(
   if (!status) given.refuse(1);
   return genericIf_(kestSliceDmaSmFactory(config, status).ptr(), false);
 }
+
+KestSliceDmaSm::GenericIf_::GenericIf_(Mox::PtrInterface* object, bool isConst)
+    : GenericIfPtrInterface(_fwkType(), object, isConst) {}
 
 void KestSliceDmaSm::GenericIf_::attributeOp(Mox::AttributeOp const& op, Mox::GenericIf const* arg,
                                              std::unique_ptr<Mox::GenericIf>& result) {

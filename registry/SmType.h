@@ -10,7 +10,7 @@ namespace Hardware::Kest::Slice {
 /// would work on a configuration, status or timer that is not bound is refused.
 class KEST_SLICE_DMA_API KestSliceDmaSm::GenericIf_ final : public Mox::GenericIfPtrInterface {
  public:
-  using GenericIfPtrInterface::GenericIfPtrInterface;
+  GenericIf_(Mox::PtrInterface* object, bool isConst);
   void attributeOp(Mox::AttributeOp const& op, Mox::GenericIf const* arg,
                    std::unique_ptr<Mox::GenericIf>& result) override;
 };

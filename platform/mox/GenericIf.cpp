@@ -122,6 +122,11 @@ GenericIf::List_::List_(List_ const& other) : GenericIf(other) {
 
 GenericIf::List_::~List_() = default;
 
+void GenericIf::List_::add(std::unique_ptr<GenericIf> item) {
+  if (!item) throwTypeException("item");
+  items_.push_back(std::move(item));
+}
+
 MoxType const* GenericIf::List_::_fwkType() {
   static MoxType const type("List", MoxType::Kind::value);
   return &type;

@@ -148,10 +148,9 @@ class MOX_API GenericIf : public InSmallMemory {
   void checkModifiable(AttributeOp const& op) const {
     if (isConst_ && isModifying(op.code)) refuseModification();
   }
-
- private:
   [[noreturn]] static void refuseModification();
 
+ private:
   MoxType const* type_;
   bool isConst_;
 };
@@ -163,7 +162,8 @@ class MOX_API GenericIf::List_ : public GenericIf {
   List_(List_ const& other);
   ~List_() override;
 
-  void add(std::unique_ptr<GenericIf> item) { items_.push_back(std::move(item)); }
+  /// A type error when there is no item.
+  void add(std::unique_ptr<GenericIf> item);
   std::vector<std::unique_ptr<GenericIf>> const& items() const noexcept { return items_; }
 
   static MoxType const* _fwkType();

@@ -7,7 +7,18 @@
 
 namespace Mox {
 
+GenericIfPtrInterface::GenericIfPtrInterface(MoxType const* type, PtrInterface* object,
+                                             bool isConst)
+    : GenericIf(type, isConst), object_(object) {
+  if (object != nullptr && object->fwkType() != type) throwTypeException(type->fullName());
+}
+
 GenericIfPtrInterface::~GenericIfPtrInterface() = default;
+
+Ptr<PtrInterface> const& GenericIfPtrInterface::mutableObject() const {
+  if (isConst()) refuseModification();
+  return object_;
+}
 
 std::unique_ptr<GenericIf> GenericIfPtrInterface::clone() const {
   return type()->genericIf_(object_.ptr(), isConst());

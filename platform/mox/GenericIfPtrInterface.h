@@ -12,12 +12,14 @@ namespace Mox {
 /// same object.
 class MOX_API GenericIfPtrInterface : public GenericIf {
  public:
+  /// A type error when the object is not of `type`.
   /// @param type of the object, or of the reference when it is null
-  GenericIfPtrInterface(MoxType const* type, PtrInterface* object, bool isConst) noexcept
-      : GenericIf(type, isConst), object_(object) {}
+  GenericIfPtrInterface(MoxType const* type, PtrInterface* object, bool isConst);
   ~GenericIfPtrInterface() override;
 
-  Ptr<PtrInterface> const& object() const noexcept { return object_; }
+  Ptr<PtrInterface const> object() const noexcept { return object_; }
+  /// The same to change; refused on a const adapter.
+  Ptr<PtrInterface> const& mutableObject() const;
 
   std::unique_ptr<GenericIf> clone() const override;
   /// A reference's text form; `ObjectPtr('Type')` for an object that is no entity.
@@ -45,13 +47,19 @@ std::unique_ptr<GenericIf> genericOf(Ptr<T> const& reference) {
   return Object::_fwkType()->genericIf_(const_cast<Object*>(reference.ptr()), std::is_const_v<T>);
 }
 
-/// What an adapter refers to, if that is of `T`'s type; `isReference` tells a null reference from
-/// an adapter of something else.
+/// What an adapter refers to, if that is of `T`'s type, and `T` constant if the adapter is;
+/// `isReference` tells a null reference from an adapter of something else.
 template <class T>
 Ptr<T> genericRef(GenericIf const* generic, bool& isReference) {
-  isReference = generic != nullptr && generic->type() == TypeOf<std::remove_const_t<T>>::type();
+  isReference = generic != nullptr && generic->type() == TypeOf<std::remove_const_t<T>>::type() &&
+                (std::is_const_v<T> || !generic->isConst());
   if (!isReference) return nullptr;
-  return ptrCast<T>(static_cast<GenericIfPtrInterface const*>(generic)->object());
+  auto const* const reference = static_cast<GenericIfPtrInterface const*>(generic);
+  if constexpr (std::is_const_v<T>) {
+    return ptrCast<T>(reference->object());
+  } else {
+    return ptrCast<T>(reference->mutableObject());
+  }
 }
 
 }  // namespace Mox

@@ -54,7 +54,7 @@ class MOX_API MoxType {
   virtual std::unique_ptr<GenericIf> genericIf(GenericIf const* other, bool isConst) const;
   /// Reads a whole text; `RangeException` when it is no text of a value.
   virtual std::unique_ptr<GenericIf> genericIf(String8 const& text, bool isConst) const;
-  /// Holds a reference to `object`, which is of this type or null.
+  /// Holds a reference to `object`, which may be null; a type error when it is of another type.
   virtual std::unique_ptr<GenericIf> genericIf_(PtrInterface* object, bool isConst) const;
 
   /// Makes a new value or object from the constructor's arguments, a `GenericIf::List_` of them in

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <type_traits>
 #include <vector>
 
 #include "platform/mox/GenericIfPtrInterface.h"
@@ -43,7 +42,7 @@ class Arguments {
   Mox::Ptr<T> reference(std::size_t index) const {
     bool isReference = false;
     auto reference = Mox::genericRef<T>(item(index), isReference);
-    if (!isReference || (item(index)->isConst() && !std::is_const_v<T>)) refuse(index);
+    if (!isReference) refuse(index);
     return reference;
   }
 

@@ -14,7 +14,8 @@ namespace Hardware::Kest::Slice::detail {
 template <class Collection>
 class CollectionIterator final : public Mox::AttributeIterator {
  public:
-  CollectionIterator(Mox::Ptr<Mox::PtrInterface> entity, typename Collection::IteratorConst at)
+  CollectionIterator(Mox::Ptr<Mox::PtrInterface const> entity,
+                     typename Collection::IteratorConst at)
       : AttributeIterator(Collection::attributeId),
         entity_(std::move(entity)),
         at_(std::move(at)) {}
@@ -28,7 +29,7 @@ class CollectionIterator final : public Mox::AttributeIterator {
   std::unique_ptr<Mox::GenericIf> value() const override { return Mox::genericOf(at_.value()); }
 
  private:
-  Mox::Ptr<Mox::PtrInterface> entity_;
+  Mox::Ptr<Mox::PtrInterface const> entity_;
   typename Collection::IteratorConst at_;
 };
 
@@ -104,7 +105,8 @@ class CollectionOperation {
 template <class Entity>
 class EntityAdapter : public Mox::GenericIfEntity {
  public:
-  using GenericIfEntity::GenericIfEntity;
+  EntityAdapter(Mox::PtrInterface* object, bool isConst)
+      : GenericIfEntity(Entity::_fwkType(), object, isConst) {}
 
   void attributeOp(Mox::AttributeOp const& op, Mox::GenericIf const* arg,
                    std::unique_ptr<Mox::GenericIf>& result) override {
@@ -167,7 +169,7 @@ class EntityTypeObject : public Mox::EntityType {
 
   std::unique_ptr<Mox::GenericIf> genericIf_(Mox::PtrInterface* object,
                                              bool isConst) const override {
-    return std::make_unique<typename Entity::GenericIf_>(this, object, isConst);
+    return std::make_unique<typename Entity::GenericIf_>(object, isConst);
   }
 };
 

@@ -47,7 +47,7 @@ bool isState(DeviceState state) {
 /// What machines may come upon.
 struct World {
   explicit World(std::vector<Generic> const& all)
-      : machines(objectsOf<KestSliceDmaSm>(all)),
+      : machines(objectsOf<KestSliceDmaSm const>(all)),
         configs(objectsOf<KestSliceDmaConfig const>(all)),
         statuses(objectsOf<KestSliceDmaStatus const>(all)) {
     for (auto const& machine : machines) {
@@ -94,7 +94,7 @@ struct World {
     });
   }
 
-  std::vector<Mox::Ptr<KestSliceDmaSm>> machines;
+  std::vector<Mox::Ptr<KestSliceDmaSm const>> machines;
   std::vector<Mox::Ptr<KestSliceDmaConfig const>> configs;
   std::vector<Mox::Ptr<KestSliceDmaStatus const>> statuses;
 };

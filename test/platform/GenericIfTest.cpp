@@ -90,6 +90,33 @@ TEST(GenericReference, ToAConstantObjectIsConstant) {
   EXPECT_EQ(genericRefusal([&] { generic->voidPtrIs(Thing::_fwkType()); }), constInstance());
 }
 
+TEST(GenericReference, ToAConstantObjectYieldsNoOther) {
+  Ptr<Thing const> const thing(new Thing);
+  auto const generic = genericOf(thing);
+  auto const& adapter = static_cast<Mox::GenericIfPtrInterface const&>(*generic);
+  static_assert(std::is_same_v<decltype(adapter.object()), Ptr<Mox::PtrInterface const>>);
+  EXPECT_EQ(adapter.object(), thing);
+  EXPECT_EQ(genericRefusal([&] { adapter.mutableObject(); }), constInstance());
+  bool isReference = false;
+  EXPECT_EQ(genericRef<Thing const>(generic.get(), isReference), thing);
+  EXPECT_TRUE(isReference);
+  EXPECT_FALSE(genericRef<Thing>(generic.get(), isReference));
+  EXPECT_FALSE(isReference);
+}
+
+TEST(GenericReference, IsNotMadeOfAnObjectOfAnotherType) {
+  class Untyped : public Mox::PtrInterface {};
+  Ptr<Thing> const thing(new Thing);
+  Ptr<Untyped> const untyped(new Untyped);
+  for (bool const isConst : {false, true}) {
+    EXPECT_EQ(genericRefusal([&] { Box::_fwkType()->genericIf_(thing.ptr(), isConst); }),
+              wrongType("Toy::Box"));
+    EXPECT_EQ(genericRefusal([&] { Thing::_fwkType()->genericIf_(untyped.ptr(), isConst); }),
+              wrongType("Toy::Thing"));
+  }
+  EXPECT_EQ(thing->references(), 1U);
+}
+
 TEST(GenericReference, IsEqualByIdentity) {
   Ptr<Thing> const thing(new Thing);
   auto const generic = genericOf(thing);

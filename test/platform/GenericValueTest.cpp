@@ -292,6 +292,12 @@ TEST(GenericList, CopiesItsItems) {
   EXPECT_EQ(list.strRep(), "['it\\'s', True, False, ['it\\'s', True]]");
 }
 
+TEST(GenericList, TakesNoItemThatIsMissing) {
+  List list = listOfTwo();
+  EXPECT_EQ(genericRefusal([&] { list.add(nullptr); }), wrongType("item"));
+  EXPECT_EQ(list.clone()->strRep(), "['it\\'s', True]");
+}
+
 TEST(GenericList, IsToldFromOtherValues) {
   List const list = listOfTwo();
   EXPECT_EQ(&List::of(list), &list);

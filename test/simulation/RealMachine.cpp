@@ -18,7 +18,7 @@ std::string nameText(Mox::Ptr<Entity> const& entity) {
 /// The name of what a reference by name refers to.
 std::string nameText(Slice::Generic const& reference) {
   auto const& adapter = static_cast<Mox::GenericIfPtrInterface const&>(*reference);
-  return nameText(Mox::ptrCast<Mox::Entity>(adapter.object()));
+  return nameText(Mox::ptrCast<Mox::Entity const>(adapter.object()));
 }
 
 /// The member of that number, or null.
@@ -57,7 +57,7 @@ void RealWorld::newMachine(Event const& event) {
   }
   Slice::List const arguments = Slice::listOf(Mox::genericOf(config), Mox::genericOf(status));
   Slice::Generic const made = Sm::_fwkType()->genericIfNew(arguments);
-  sm_ = Mox::ptrCast<Sm>(static_cast<Mox::GenericIfPtrInterface const&>(*made).object());
+  sm_ = Mox::ptrCast<Sm>(static_cast<Mox::GenericIfPtrInterface const&>(*made).mutableObject());
 }
 
 void RealWorld::carryOutOnMachine(Event const& event) {
