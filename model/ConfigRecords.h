@@ -64,6 +64,7 @@ class KEST_SLICE_DMA_API ConfigSwitchPort {
   };
   explicit ConfigSwitchPort(Fields fields) : fields_(std::move(fields)) {}
   Fields const& fields() const { return fields_; }
+  Fields& fields() { return fields_; }
   static constexpr auto fieldTable() {
     return std::tuple{
         detail::field("ifName", &Fields::ifName),
@@ -147,6 +148,7 @@ class KEST_SLICE_DMA_API ConfigDevice {
   };
   explicit ConfigDevice(Fields fields) : fields_(std::move(fields)) {}
   Fields const& fields() const { return fields_; }
+  Fields& fields() { return fields_; }
   static constexpr auto fieldTable() {
     return std::tuple{
         detail::field("devName", &Fields::devName),

@@ -39,6 +39,7 @@ class KEST_SLICE_DMA_API StatusSwitchPort {
   };
   explicit StatusSwitchPort(Fields fields) : fields_(std::move(fields)) {}
   Fields const& fields() const { return fields_; }
+  Fields& fields() { return fields_; }
   static constexpr auto fieldTable() {
     return std::tuple{
         detail::field("ifName", &Fields::ifName),
@@ -83,6 +84,7 @@ class KEST_SLICE_DMA_API StatusDevice {
   };
   explicit StatusDevice(Fields fields) : fields_(std::move(fields)) {}
   Fields const& fields() const { return fields_; }
+  Fields& fields() { return fields_; }
   static constexpr auto fieldTable() {
     return std::tuple{
         detail::field("devName", &Fields::devName),

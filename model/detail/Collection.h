@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "model/detail/FieldTable.h"
 #include "model/detail/ObserverList.h"
 #include "platform/mox/HashMap.h"
 #include "platform/mox/Ptr.h"
@@ -38,8 +39,8 @@ class Entry<Description, Value> : public Mox::PtrInterface, public Mox::InSmallM
 
   Mox::String8 const& key() const noexcept { return Description::keyOf(value_); }
   Value const& value() const noexcept { return value_; }
-  /// The record must have the same key.
-  void valueIs(Value const& value) { value_ = value; }
+  /// The record must have the same key; the entry's stays the string that it was made with.
+  void valueIs(Value const& value) { copyAllButKey<Value>(value_.fields(), value.fields()); }
 
  private:
   Value value_;

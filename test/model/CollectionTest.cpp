@@ -100,6 +100,14 @@ TEST_P(AnyCollection, ADifferentValueIsUpdatedInTheSameEntry) {
   EXPECT_THAT(c.events, ElementsAre(event("a", "et2")));
 }
 
+TEST_P(AnyCollection, AnUpdateLeavesTheEntryTheKeyThatItWasMadeWith) {
+  auto const held = c.newEntry("et1", 1);
+  char const* const chars = held->keyChars();
+  c.is("et1", 2);
+  EXPECT_EQ(held->value(), c.value("et1", 2));
+  EXPECT_EQ(static_cast<void const*>(held->keyChars()), chars);
+}
+
 TEST_P(AnyCollection, ALookupReturnsACopy) {
   c.is("et1", 1);
   auto const before = c.heldLookup("et1");

@@ -18,6 +18,8 @@ class TestedCollection {
    public:
     virtual ~Held() = default;
     virtual std::string key() const = 0;
+    /// Its characters, which others may share.
+    virtual char const* keyChars() const = 0;
     virtual std::string value() const = 0;
     virtual unsigned references() const = 0;
   };
@@ -137,6 +139,7 @@ class TestedCollectionOf final : public TestedCollection {
   struct HeldOf final : Held {
     explicit HeldOf(Mox::Ptr<typename C::Entry> held) : entry(std::move(held)) {}
     std::string key() const override { return std::string(entry->key().view()); }
+    char const* keyChars() const override { return entry->key().charPtr(); }
     std::string value() const override { return text(entry->value()); }
     unsigned references() const override { return entry->references(); }
     Mox::Ptr<typename C::Entry> entry;
