@@ -290,6 +290,33 @@ TEST_P(AnyCollection, AnExceptionIsReportedWithTheAttributesNumber) {
   EXPECT_EQ(c.lookup("et1"), c.value("et1", 1));
 }
 
+TEST_P(AnyCollection, AnExceptionReachesNobodyWhoDeletesOrAnnounces) {
+  c.observe("b");
+  for (char const* key : {"et1", "et2", "et3", "et4"}) c.is(key, 1);
+  c.takeEvents();
+  std::uint64_t const changes = c.changeCount();
+  reactionOfA = [] { throw std::runtime_error("refused"); };
+  auto const toldOf = [this](std::string const& key) {
+    return ElementsAre(event("a", key), "a onNotificationException " + std::to_string(c.id()),
+                       event("b", key));
+  };
+  EXPECT_EQ(c.del("et1"), c.value("et1", 1));
+  EXPECT_THAT(c.takeEvents(), toldOf("et1"));
+  EXPECT_EQ(c.del(*c.walk("et2")), c.value("et2", 1));
+  EXPECT_THAT(c.takeEvents(), toldOf("et2"));
+  c.notify("et3");
+  EXPECT_THAT(c.takeEvents(), toldOf("et3"));
+  EXPECT_EQ(c.changeCount(), changes + 2);
+
+  std::string const last = c.keys().at(1);
+  c.delAll();
+  EXPECT_THAT(c.keys(), IsEmpty());
+  EXPECT_EQ(c.changeCount(), changes + 4);
+  Events const told = c.takeEvents();
+  ASSERT_EQ(told.size(), 6U);
+  EXPECT_THAT(Events(told.begin() + 3, told.end()), toldOf(last));
+}
+
 TEST_P(AnyCollection, EveryStringIsAKeyAndKeysAreComparedWhole) {
   std::vector<std::string> const keys{"", " ", "et1", "ET1", "et1/1", std::string("et1\0", 4)};
   for (unsigned n = 0; n < keys.size(); ++n) {
