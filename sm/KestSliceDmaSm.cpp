@@ -98,10 +98,11 @@ void KestSliceDmaSm::modeIs(SmMode mode) {
 
 void KestSliceDmaSm::handleMode() {
   detail::traceSignature(2, detail::handler::handleMode, detail::line::handleMode);
-  bool const simulated = std::getenv("SIMULATION_VMID") != nullptr;
-  if (!simulated && mode_ == SmMode::smModePolling_) {
-    stateTimer_->timeMinIs(Mox::now() + pollPeriodSeconds);
-  }
+  if (armsPoll(mode_)) stateTimer_->timeMinIs(Mox::now() + pollPeriodSeconds);
+}
+
+bool KestSliceDmaSm::armsPoll(SmMode mode) {
+  return mode == SmMode::smModePolling_ && std::getenv("SIMULATION_VMID") == nullptr;
 }
 
 void KestSliceDmaSm::handleInitialized() {

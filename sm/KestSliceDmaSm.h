@@ -95,9 +95,11 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
   void handleTimerExpired();
   /// Asserts that the status reflects the configuration completely.
   void doVerify();
-  /// Arms the poll when the mode is polling, except in a simulation (the environment has
-  /// "SIMULATION_VMID"). Once armed, the poll goes on whatever the mode.
+  /// Arms the poll if the mode asks for it. Once armed, the poll goes on whatever the mode.
   void handleMode();
+  /// Whether that mode asks for the poll: polling does, except in a simulation (the environment has
+  /// "SIMULATION_VMID").
+  static bool armsPoll(SmMode mode);
   /// Binds the timer to the agent's clock, unarmed.
   void handleInitialized();
 

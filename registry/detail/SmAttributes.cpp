@@ -28,6 +28,10 @@ void needTimer(Sm const& sm) {
   if (!sm.stateTimer()) GenericIf::throwNotBoundException(stateTimerName);
 }
 
+void needTimerToPoll(Sm const& sm) {
+  if (Sm::armsPoll(sm.mode())) needTimer(sm);
+}
+
 void needNothing(Sm const&) {}
 
 template <class T>
@@ -129,7 +133,7 @@ SmAttribute mode() {
               [](Sm& sm, GenericIf const* value) {
                 auto const* const mode = Mox::genericVal<SmMode>(value);
                 if (mode == nullptr) GenericIf::throwTypeException(modeName);
-                needTimer(sm);
+                if (*mode != sm.mode() && Sm::armsPoll(*mode)) needTimer(sm);
                 sm.modeIs(*mode);
               }};
 }
@@ -152,7 +156,7 @@ std::vector<SmAttribute> const& smAttributes() {
       pollPeriod(),
       call<&Sm::handleTimerExpired, needTimer>(handler::handleTimerExpired, 142),
       stateTimer(),
-      call<&Sm::handleMode, needTimer>(handler::handleMode, 144),
+      call<&Sm::handleMode, needTimerToPoll>(handler::handleMode, 144),
       mode(),
       call<&Sm::doVerify, needConfig>(handler::doVerify, 146),
       call<&Sm::handleInitialized>(handler::handleInitialized, 147),

@@ -269,16 +269,33 @@ TEST_F(SmAccessTest, WithoutATimerNothingPolls) {
   EXPECT_TRUE(equal(*remove(*machine, "stateTimer"), genericOf(clock).get()));
   EXPECT_EQ(sm->stateTimer(), nullptr);
   traceOn("0-9");
-  for (char const* name : {"handleTimerExpired", "handleMode"}) {
-    EXPECT_EQ(genericRefusal([&] { invoke(*machine, name); }), notBound("stateTimer"));
-  }
-  EXPECT_EQ(genericRefusal([&] { store(*machine, "mode", genericOf(SmMode::smModePolling_)); }),
+  EXPECT_EQ(genericRefusal([&] { invoke(*machine, "handleTimerExpired"); }),
             notBound("stateTimer"));
-  EXPECT_EQ(sm->mode(), SmMode::smModeInitial_);
   EXPECT_THAT(journal.taken(), IsEmpty());
   invoke(*machine, "handleInitialized");
   EXPECT_EQ(sm->stateTimer(), clock);
+  invoke(*machine, "handleTimerExpired");
+}
+
+TEST_F(SmAccessTest, WithoutATimerOnlyAModeThatPollsIsRefused) {
+  remove(*machine, "stateTimer");
+  for (SmMode const mode :
+       {SmMode::smModeInitial_, SmMode::smModeStandby_, SmMode::smModeStandby_}) {
+    store(*machine, "mode", genericOf(mode));
+    EXPECT_EQ(sm->mode(), mode);
+    invoke(*machine, "handleMode");
+  }
+  Generic const polling = genericOf(SmMode::smModePolling_);
+  EXPECT_EQ(genericRefusal([&] { store(*machine, "mode", polling); }), notBound("stateTimer"));
+  EXPECT_EQ(sm->mode(), SmMode::smModeStandby_);
+
+  setenv("SIMULATION_VMID", "", 1);
+  store(*machine, "mode", polling);
+  EXPECT_EQ(sm->mode(), SmMode::smModePolling_);
   invoke(*machine, "handleMode");
+  unsetenv("SIMULATION_VMID");
+  store(*machine, "mode", polling);  // the present value
+  EXPECT_EQ(genericRefusal([&] { invoke(*machine, "handleMode"); }), notBound("stateTimer"));
 }
 
 TEST_F(SmAccessTest, WithoutAConfigurationNothingIsHandled) {

@@ -162,7 +162,7 @@ void PlainWorld::handleMode() {
   trace(2, 57, "handleMode", "void Hardware::Kest::Slice::KestSliceDmaSm::handleMode()");
   if (state.machine.mode != 2) return;
   reach(state.simulated ? Probe::pollNotArmedInSimulation : Probe::pollArmed);
-  if (!state.simulated) state.timers[0].timeMin = now() + 2.0;
+  if (armsPoll(state.machine.mode)) state.timers[0].timeMin = now() + 2.0;
 }
 
 void PlainWorld::handleInitialized() {

@@ -168,7 +168,7 @@ void PlainWorld::carryOutOnMachine(Event const& event) {
     case Op::clockDel:
       return clockDel();
     case Op::mode:
-      if (!byName || needsTimer()) modeIs(event[0]);
+      if (event[0] == state.machine.mode || !armsPoll(event[0]) || needsTimer()) modeIs(event[0]);
       return;
     case Op::active:
       return activeIs(event.flag(0));
@@ -189,7 +189,7 @@ void PlainWorld::carryOutOnMachine(Event const& event) {
       if (needsTimer()) handleTimerExpired();
       return;
     default:
-      if (needsTimer()) handleMode();
+      if (!armsPoll(state.machine.mode) || needsTimer()) handleMode();
       return;
   }
 }

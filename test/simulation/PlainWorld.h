@@ -104,6 +104,7 @@ class PlainWorld {
   void zombieIs(bool on);
   void modeIs(int mode);
   void handleMode();
+  bool armsPoll(int mode) const { return mode == 2 && !state.simulated; }
   void handleInitialized();
   void reactorTold(unsigned observer, unsigned what, unsigned key);
   void reactorActiveIs(unsigned observer, bool on);

@@ -226,7 +226,6 @@ TEST_F(BadChange, NeedsTheTimer) {
     expectRefused({
         {R"({"verb":"mode","mode":"polling"})", unbound},
         {R"({"verb":"set","path":"sm/mode","value":"smModePolling"})", unbound},
-        {R"({"verb":"call","handler":"handleMode"})", unbound},
         {R"({"verb":"call","handler":"handleTimerExpired"})", unbound},
         {R"({"verb":"get","path":"sm/stateTimer/name"})",
          "path: sm/stateTimer leads no further: it refers to nothing"},
