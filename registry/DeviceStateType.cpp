@@ -1,21 +1,31 @@
 #include "registry/DeviceStateType.h"
 
-#include <vector>
-
 namespace Hardware::Kest::Slice {
 
-namespace {
-
-std::vector<Mox::String8> stateNames() {
-  std::vector<Mox::String8> all;
-  for (DeviceState const state : deviceStates) all.push_back(stringValue(state));
-  return all;
+std::unique_ptr<Mox::GenericIf> DeviceStateGenericIf_::genericIfListConstructor(
+    Mox::GenericIf const& list) const {
+  auto const& items = List_::of(list).items();
+  if (items.size() > 1) throwUnknownArgException("DeviceState");
+  DeviceState state{};
+  if (!items.empty()) {
+    auto const* const number = Mox::genericVal<std::uint32_t>(items.front().get());
+    if (number == nullptr) throwTypeException("value");
+    state = DeviceStateInstance(*number);
+  }
+  return Mox::genericOf(state, false);
 }
 
-}  // namespace
+DeviceState_Type::DeviceState_Type() noexcept
+    : ValueType("Hardware::Kest::Slice::DeviceState", Kind::enumeration) {}
 
-Mox::MoxType const* deviceStateType() {
-  static Mox::EnumType<DeviceState> const type("Hardware::Kest::Slice::DeviceState", stateNames());
+std::vector<Mox::String8> DeviceState_Type::enumerators() const {
+  std::vector<Mox::String8> names;
+  for (DeviceState const state : deviceStates) names.push_back(stringValue(state));
+  return names;
+}
+
+Mox::MoxType const* DeviceState_fwkType() {
+  static DeviceState_Type const type;
   return &type;
 }
 

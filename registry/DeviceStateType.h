@@ -4,14 +4,30 @@
 #include "model/Export.h"
 #include "platform/mox/GenericEnum.h"
 
+/// Type object and adapter of `DeviceState`. As an enumeration cannot nest them as the records do,
+/// they stand beside it, under its name.
 namespace Hardware::Kest::Slice {
 
-/// The type object of `DeviceState`, which as an enumeration cannot name it itself.
-KEST_SLICE_DMA_API Mox::MoxType const* deviceStateType();
+class KEST_SLICE_DMA_API DeviceStateGenericIf_ final : public Mox::GenericEnum<DeviceState> {
+ public:
+  using GenericEnum::GenericEnum;
+  /// From a list of the state's number, or of nothing.
+  std::unique_ptr<Mox::GenericIf> genericIfListConstructor(
+      Mox::GenericIf const& list) const override;
+};
+
+class KEST_SLICE_DMA_API DeviceState_Type final
+    : public Mox::ValueType<DeviceState, DeviceStateGenericIf_> {
+ public:
+  DeviceState_Type() noexcept;
+  std::vector<Mox::String8> enumerators() const override;
+};
+
+KEST_SLICE_DMA_API Mox::MoxType const* DeviceState_fwkType();
 
 }  // namespace Hardware::Kest::Slice
 
 template <>
 struct Mox::TypeOf<Hardware::Kest::Slice::DeviceState> {
-  static MoxType const* type() { return Hardware::Kest::Slice::deviceStateType(); }
+  static MoxType const* type() { return Hardware::Kest::Slice::DeviceState_fwkType(); }
 };

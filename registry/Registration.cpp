@@ -19,8 +19,8 @@ constexpr Mox::AttributeFlags configFlags =
     statusFlags | Mox::attributePersistent | Mox::attributeWritable;
 
 void registerDeviceState(IntrospectionReactor& reactor) {
-  reactor.onType(*deviceStateType());
-  reactor.onEnumerators(*deviceStateType());
+  reactor.onType(*DeviceState_fwkType());
+  reactor.onEnumerators(*DeviceState_fwkType());
 }
 
 /// The type and what it inherits; its own attributes follow when its records are registered.

@@ -257,6 +257,37 @@ TEST(DeviceStateAccess, HasItsEnumeratorsByNameAndNumber) {
             noSuchAttribute("Hardware::Kest::Slice::DeviceState", "deviceStateUp_"));
 }
 
+TEST(DeviceStateAccess, IsThatOfEveryValueType) {
+  Mox::MoxType const* const type = DeviceState_fwkType();
+  EXPECT_EQ(type, Mox::TypeOf<DeviceState>::type());
+  DeviceStateGenericIf_ up(DeviceState::deviceStateUp_, false);
+  Generic const copy = type->genericIf(&up, true);
+  up.valIs(DeviceState::deviceStateDown_);
+  EXPECT_EQ(up.val(), DeviceState::deviceStateDown_);
+  EXPECT_EQ(up.type(), type);
+  EXPECT_EQ(valueOf<DeviceState>(up.clone()), DeviceState::deviceStateDown_);
+  EXPECT_EQ(*static_cast<DeviceState*>(up.voidPtrIs(type)), DeviceState::deviceStateDown_);
+  EXPECT_EQ(valueOf<DeviceState>(copy), DeviceState::deviceStateUp_);
+  EXPECT_EQ(genericRefusal([&] { dynamic_cast<DeviceStateGenericIf_&>(*copy).valIs(up.val()); }),
+            constInstance());
+}
+
+TEST(DeviceStateAccess, IsMadeOfAListOfItsNumber) {
+  Generic const up = genericOf(DeviceState::deviceStateUp_);
+  for (std::uint32_t const state : {0U, 1U, 2U}) {
+    Generic const made = up->genericIfListConstructor(listOf(number(state)));
+    EXPECT_EQ(valueOf<DeviceState>(made), DeviceState(state));
+    EXPECT_FALSE(made->isConst());
+  }
+  EXPECT_EQ(valueOf<DeviceState>(DeviceState_fwkType()->genericIfNew(List())), DeviceState());
+  EXPECT_EQ(refusal([&] { up->genericIfListConstructor(listOf(number(3))); }), "DeviceState");
+  EXPECT_EQ(genericRefusal([&] { up->genericIfListConstructor(listOf(string("up"))); }),
+            wrongType("value"));
+  EXPECT_EQ(genericRefusal([&] { up->genericIfListConstructor(listOf(number(3), number(1))); }),
+            unknownArg("DeviceState"));
+  EXPECT_EQ(genericRefusal([&] { up->genericIfListConstructor(*up); }), wrongType("List"));
+}
+
 TEST(DeviceStateAccess, IsReadFromItsText) {
   Mox::MoxType const& type = *Mox::TypeOf<DeviceState>::type();
   EXPECT_EQ(valueOf<DeviceState>(type.genericIf(Mox::String8("'deviceStateUp'"), true)),
