@@ -106,6 +106,27 @@ TYPED_TEST(RecordAccessTest, IsNotMadeOfAPartOfTheWrongType) {
   }
 }
 
+TYPED_TEST(RecordAccessTest, IsClonedWithItsFlag) {
+  using Adapter = typename TypeParam::GenericIf_;
+  Generic const copy = this->generic->clone();
+  EXPECT_EQ(copy->type(), this->generic->type());
+  EXPECT_EQ(valueOf<TypeParam>(copy), this->sample);
+  EXPECT_FALSE(copy->isConst());
+  EXPECT_TRUE(this->constant->clone()->isConst());
+  dynamic_cast<Adapter&>(*copy).valIs(TypeParam());
+  EXPECT_EQ(valueOf<TypeParam>(this->generic), this->sample) << "a copy of its own";
+}
+
+TYPED_TEST(RecordAccessTest, IsReplacedAsAWholeUnlessConst) {
+  using Adapter = typename TypeParam::GenericIf_;
+  auto const other = randomRecord<TypeParam>(this->random);
+  dynamic_cast<Adapter&>(*this->generic).valIs(other);
+  EXPECT_EQ(valueOf<TypeParam>(this->generic), other);
+  EXPECT_EQ(genericRefusal([&] { dynamic_cast<Adapter&>(*this->constant).valIs(other); }),
+            constInstance());
+  EXPECT_EQ(valueOf<TypeParam>(this->constant), this->sample);
+}
+
 TYPED_TEST(RecordAccessTest, IsNotMadeOfTooManyPartsOrOfNoList) {
   List parts = partsOf(*this->generic, fieldsOf(*this->generic).size());
   parts.add(genericOf(true));
@@ -231,6 +252,18 @@ TEST(ConfigDeviceAccess, RefusesANumberOfFapsOutsideOneToThree) {
   EXPECT_EQ(made(0xffffffff), "Device::numFaps < 1 or > 3 not allowed");
   EXPECT_EQ(made(1), "");
   EXPECT_EQ(made(3), "");
+}
+
+TEST(ConfigDeviceAccess, RefusesANumberOfFapsOnlyWhenAllPartsFit) {
+  Generic const device = genericOf(ConfigDevice());
+  List parts = partsOf(*device, 3);
+  parts.add(number(0));
+  List wrong(parts);
+  wrong.add(string("no port"));
+  EXPECT_EQ(genericRefusal([&] { device->genericIfListConstructor(wrong); }),
+            wrongType("cpuTmSysPort"));
+  for (int port = 0; port < 8; ++port) parts.add(number(0));
+  EXPECT_EQ(genericRefusal([&] { device->genericIfListConstructor(parts); }), unknownArg("Device"));
 }
 
 TEST(ConfigDeviceAccess, TakesItsHandleByReference) {
