@@ -1,10 +1,16 @@
+#include "registry/Registration.h"
+
 #include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <type_traits>
-#include <vector>
 
 #include "platform/mox/IntrospectionReactor.h"
 #include "registry/SmType.h"
 #include "registry/detail/SmAttributes.h"
+#include "sm/detail/LogMessages.h"
 
 /// What the library registers when it is loaded, in order, and withdraws when it is unloaded.
 namespace Hardware::Kest::Slice {
@@ -80,7 +86,22 @@ void registerSm(IntrospectionReactor& reactor) {
   }
 }
 
-void moxInitKestSliceDmaSm(IntrospectionReactor& reactor) {
+/// The library's types, in order of announcement.
+auto libraryTypes() {
+  return std::array{DeviceState_fwkType(),
+                    KestSliceDmaConfig::_fwkType(),
+                    KestSliceDmaConfig::SwitchPort::_fwkType(),
+                    KestSliceDmaConfig::Device::_fwkType(),
+                    KestSliceDmaStatus::_fwkType(),
+                    KestSliceDmaStatus::SwitchPort::_fwkType(),
+                    KestSliceDmaStatus::Device::_fwkType(),
+                    KestSliceDmaSm::_fwkType()};
+}
+
+}  // namespace
+
+void moxInitKestSliceDmaSm() {
+  IntrospectionReactor& reactor = IntrospectionReactor::global();
   for (char const* scope : {"Hardware", "Hardware::Kest", "Hardware::Kest::Slice"}) {
     reactor.onNamespace(scope);
   }
@@ -100,19 +121,25 @@ void moxInitKestSliceDmaSm(IntrospectionReactor& reactor) {
   registerSm(reactor);
 }
 
-/// The types that this library has registered, in order.
-std::vector<MoxType const*> ownTypes(IntrospectionReactor const& reactor, std::size_t before) {
-  return {reactor.types().begin() + static_cast<std::ptrdiff_t>(before), reactor.types().end()};
+namespace {
+
+/// A process that has another copy of the library, or another type of one of its names, cannot use
+/// it.
+void initOrAbort() noexcept {
+  try {
+    moxInitKestSliceDmaSm();
+  } catch (std::exception const& exception) {
+    std::fprintf(stderr, "kest-slice-dma cannot register its types: %s\n", exception.what());
+    std::abort();
+  }
 }
 
-/// Lives as long as the library is loaded.
+/// The library's one static object: what loading the library does, and unloading undoes.
 class Registration {
  public:
-  Registration() {
-    IntrospectionReactor& reactor = IntrospectionReactor::global();
-    std::size_t const before = reactor.types().size();
-    moxInitKestSliceDmaSm(reactor);
-    types_ = ownTypes(reactor, before);
+  Registration() noexcept : types_(libraryTypes()) {
+    detail::deviceStateError();
+    initOrAbort();
   }
   /// The last first: what is nested goes before what it is in.
   ~Registration() {
@@ -123,7 +150,7 @@ class Registration {
   Registration& operator=(Registration const&) = delete;
 
  private:
-  std::vector<MoxType const*> types_;
+  decltype(libraryTypes()) types_;
 } const registration;
 
 }  // namespace

@@ -3,8 +3,8 @@
 #include <cstdlib>
 
 #include "driver/KestDma.h"
-#include "platform/mox/Log.h"
 #include "sm/KestSliceDmaSm.h"
+#include "sm/detail/LogMessages.h"
 #include "sm/detail/Points.h"
 
 namespace Hardware::Kest::Slice {
@@ -13,12 +13,6 @@ namespace {
 
 constexpr int noSuchDevice = 19;  // ENODEV
 constexpr int deviceGoneSignal = 7;
-
-Mox::LogHandle const deviceStateError(
-    "KEST_DMA_DEVICE_STATE_ERROR", 3, "%s expected state: %s, actual state: %s",
-    "Device up/down state changed unexpectedly. Forwarding agent restarted in order to recover "
-    "from this error.",
-    Mox::NoActionRequired, 0.0, 1.0, 0);
 
 char const* upOrDown(bool up) {
   return up ? "up" : "down";
@@ -34,7 +28,7 @@ void verify(bool holds, char const* expression, unsigned lineNumber) {
                detail::handler::handleTimerExpired.name, devName.charPtr(), upOrDown(expectedUp),
                upOrDown(up));
   kestDmaDump();
-  Mox::log(deviceStateError, devName, upOrDown(expectedUp), upOrDown(up));
+  Mox::log(detail::deviceStateError(), devName, upOrDown(expectedUp), upOrDown(up));
   std::abort();
 }
 

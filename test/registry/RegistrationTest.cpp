@@ -8,11 +8,15 @@
 #include "registry/DeviceStateType.h"
 #include "registry/EntityTypes.h"
 #include "registry/RecordTypes.h"
+#include "registry/Registration.h"
 #include "registry/SmType.h"
 #include "test/registry/RegistryText.h"
+#include "test/support/Refusal.h"
 
 namespace Hardware::Kest::Slice {
 namespace {
+
+using ::Test::refusal;
 
 /// The file but for its comment, which ends with the first empty line.
 std::string golden() {
@@ -44,6 +48,11 @@ TEST(Registration, FindsTheTypeObjectsByName) {
   EXPECT_EQ(registry.type("Hardware::Kest::Slice::KestSliceDmaStatus::Device"),
             KestSliceDmaStatus::Device::_fwkType());
   EXPECT_EQ(registry.type("Hardware::Kest::Slice::KestSliceDmaSm"), KestSliceDmaSm::_fwkType());
+}
+
+TEST(Registration, IsRefusedASecondTime) {
+  EXPECT_EQ(refusal([] { moxInitKestSliceDmaSm(); }),
+            "'Hardware::Kest::Slice::DeviceState' is registered already");
 }
 
 TEST(Registration, PutsRecordsBelowTheirEntity) {
