@@ -20,8 +20,25 @@ set_target_properties(kest-slice-agent PROPERTIES INSTALL_RPATH "$ORIGIN/../${KE
 install(TARGETS mox kest_slice_dma kest_driver_sim kest-slice-agent kestctl EXPORT kest-slice-dma
   RUNTIME DESTINATION bin
   LIBRARY DESTINATION ${KEST_LIB_DIR})
+# Of the details those that the other headers include; of the simulated driver what steers it.
 install(DIRECTORY platform model driver sm registry DESTINATION ${KEST_INCLUDE_DIR}
-  FILES_MATCHING PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.h" PATTERN detail EXCLUDE PATTERN sim EXCLUDE)
+foreach(header
+    driver/sim/Export.h
+    driver/sim/SimControl.h
+    model/detail/Collection.h
+    model/detail/EntityNotifiee.h
+    model/detail/FieldLead.h
+    model/detail/FieldTable.h
+    model/detail/ObserverList.h
+    model/detail/RecordText.h
+    model/detail/SliceCollections.h
+    registry/detail/EntityAdapter.h
+    registry/detail/RecordAdapter.h
+    sm/detail/Reactor.h)
+  get_filename_component(directory ${header} DIRECTORY)
+  install(FILES ${header} DESTINATION ${KEST_INCLUDE_DIR}/${directory})
+endforeach()
 install(FILES ctl/kestctl.bash DESTINATION share/bash-completion/completions RENAME kestctl)
 install(DIRECTORY examples/ DESTINATION share/kest-slice-dma/examples)
 # systemd looks here under the prefixes /usr and /usr/local, where it finds the agent too.

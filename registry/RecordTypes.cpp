@@ -2,13 +2,6 @@
 
 namespace Hardware::Kest::Slice {
 
-void detail::refuseField(char const* name, Mox::AttributeOp const& op) {
-  if (op.code != Mox::AttributeOpCode::read) {
-    Mox::GenericIf::throwOpNotSupportedException(name, op.code);
-  }
-  Mox::GenericIf::throwBadIndexAttrException(name);
-}
-
 namespace {
 
 template <class Type>

@@ -1,7 +1,7 @@
 #include "platform/mox/GenericIfEntity.h"
 
+#include "platform/detail/EntityAttributes.h"
 #include "platform/mox/Dir.h"
-#include "platform/mox/EntityAttributes.h"
 #include "platform/mox/GenericValue.h"
 
 namespace Mox {

@@ -1,12 +1,12 @@
 #include <memory>
 
 #include "platform/bridging/SwitchportMode.h"
+#include "platform/detail/EntityAttributes.h"
 #include "platform/fru/PciHam.h"
 #include "platform/hardware/kest/FapType.h"
 #include "platform/hardware/kest/SmMode.h"
 #include "platform/mox/Activity.h"
 #include "platform/mox/Dir.h"
-#include "platform/mox/EntityAttributes.h"
 #include "platform/mox/GenericEnum.h"
 #include "platform/mox/IntrospectionReactor.h"
 #include "platform/pelk/EthAddr.h"

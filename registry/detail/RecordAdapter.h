@@ -81,7 +81,12 @@ class FieldsById {
 };
 
 /// What a field refuses: every operation but a read, and an index.
-[[noreturn]] void refuseField(char const* name, Mox::AttributeOp const& op);
+[[noreturn]] inline void refuseField(char const* name, Mox::AttributeOp const& op) {
+  if (op.code != Mox::AttributeOpCode::read) {
+    Mox::GenericIf::throwOpNotSupportedException(name, op.code);
+  }
+  Mox::GenericIf::throwBadIndexAttrException(name);
+}
 
 /// Adapter of a record. Fields can be read; a record is replaced as a whole, through the collection
 /// that holds it.

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # embed.sh BUILD_DIR COMPILER: installs BUILD_DIR into a folder of its own, builds the example program
-# against that with CMake and with pkg-config's flags, and runs it and the installed agent there.
+# against that with CMake and with pkg-config's flags, and a program that uses all that the installed
+# headers offer, and runs them and the installed agent there.
 set -euo pipefail
 source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 build_dir=$1
@@ -30,8 +31,12 @@ prints_expected "$work/embed/embed"
 
 export PKG_CONFIG_PATH=$work/prefix/lib/pkgconfig
 read -ra flags < <(pkg-config --cflags --libs kest-slice-dma)
-"$compiler" "$source_dir/examples/embed/main.cpp" -o "$work/by-pkg-config" "${flags[@]}" \
-  "-Wl,-rpath,$work/prefix/lib" -lkest-dma-sim
+flags+=("-Wl,-rpath,$work/prefix/lib" -lkest-dma-sim)
+"$compiler" "$source_dir/examples/embed/main.cpp" -o "$work/by-pkg-config" "${flags[@]}"
 prints_expected "$work/by-pkg-config"
+
+"$source_dir/test/install/client.py" "$work/prefix/include/kest-slice-dma" >"$work/client.cpp"
+"$compiler" "$work/client.cpp" -o "$work/client" "${flags[@]}"
+"$work/client"
 
 "$work/prefix/bin/kest-slice-agent" --once "$source_dir/examples/small.slice" >/dev/null
