@@ -2,44 +2,67 @@
 
 #include <cerrno>
 #include <ostream>
+#include <utility>
 
+#include "driver/sim/Names.h"
 #include "platform/mox/Strep.h"
 
 namespace Hardware::Kest::Sim {
 
 using Mox::String8;
 
+Devices::Devices(std::map<String8, Device> devices) : devices_(std::move(devices)) {
+  for (auto const& [path, device] : all()) {
+    if (!device.name.empty()) paths_.emplace(device.name, path);
+  }
+}
+
 int Devices::rename(String8 const& devName, String8 const& pciPath) {
-  Device& device = devices_[pciPath];
-  if (devName.empty()) return EINVAL;
-  Device const* const holder = named(devName);
-  if (holder != nullptr && holder != &device) return EEXIST;
+  if (!isPciPath(pciPath.view())) return EINVAL;
+  Device const* const there = devices_.find(pciPath);
+  Device device = there == nullptr ? Device() : *there;
+  devices_.put(pciPath, device);
+  if (!isDeviceOrInterfaceName(devName.view())) return EINVAL;
+  if (device.name == devName) return 0;
+  if (!paths_.emplace(devName, pciPath).second) return EEXIST;
+  paths_.erase(device.name);
   device.name = devName;
+  devices_.put(pciPath, std::move(device));
   return 0;
+}
+
+template <class Change>
+int Devices::change(String8 const& devName, Change const& change) {
+  auto const at = paths_.find(devName);
+  if (at == paths_.end()) return ENODEV;
+  Device device = *devices_.find(at->second);
+  int const result = change(device);
+  if (result == 0) devices_.put(at->second, std::move(device));
+  return result;
 }
 
 int Devices::param(String8 const& devName, DeviceParam const& param) {
-  Device* const device = find(devName);
-  if (device == nullptr) return ENODEV;
-  if (device->up) return EBUSY;
-  if (param.numFaps < 1 || param.numFaps > maxFaps) return EINVAL;
-  device->param = param;
-  return 0;
+  return change(devName, [&](Device& device) {
+    if (device.up) return EBUSY;
+    if (param.numFaps < 1 || param.numFaps > maxFaps) return EINVAL;
+    device.param = param;
+    return 0;
+  });
 }
 
 int Devices::down(String8 const& devName) {
-  Device* const device = find(devName);
-  if (device == nullptr) return ENODEV;
-  device->up = false;
-  return 0;
+  return change(devName, [](Device& device) {
+    device.up = false;
+    return 0;
+  });
 }
 
 int Devices::up(String8 const& devName) {
-  Device* const device = find(devName);
-  if (device == nullptr) return ENODEV;
-  if (!device->param) return EINVAL;
-  device->up = true;
-  return 0;
+  return change(devName, [](Device& device) {
+    if (!device.param) return EINVAL;
+    device.up = true;
+    return 0;
+  });
 }
 
 int Devices::isUp(String8 const& devName, bool* up) const {
@@ -50,28 +73,21 @@ int Devices::isUp(String8 const& devName, bool* up) const {
 }
 
 int Devices::flip(String8 const& devName) {
-  Device* const device = find(devName);
-  if (device == nullptr) return ENODEV;
-  device->up = !device->up;
-  ++device->flips;
-  return 0;
+  return change(devName, [](Device& device) {
+    device.up = !device.up;
+    ++device.flips;
+    return 0;
+  });
 }
 
 Device const* Devices::named(String8 const& devName) const {
-  if (devName.empty()) return nullptr;  // a chip without a name is not reached by one
-  for (auto const& [path, device] : devices_) {
-    if (device.name == devName) return &device;
-  }
-  return nullptr;
+  auto const at = paths_.find(devName);
+  return at == paths_.end() ? nullptr : devices_.find(at->second);
 }
 
 String8 Devices::nameAt(String8 const& pciPath) const {
-  auto const at = devices_.find(pciPath);
-  return at == devices_.end() ? String8() : at->second.name;
-}
-
-Device* Devices::find(String8 const& devName) {
-  return const_cast<Device*>(named(devName));
+  Device const* const device = devices_.find(pciPath);
+  return device == nullptr ? String8() : device->name;
 }
 
 std::ostream& operator<<(std::ostream& out, DeviceParam const& param) {

@@ -3,8 +3,8 @@
 #include <iosfwd>
 #include <map>
 #include <optional>
-#include <utility>
 
+#include "driver/sim/Entries.h"
 #include "driver/sim/Export.h"
 #include "platform/hardware/kest/FapType.h"
 #include "platform/mox/String8.h"
@@ -41,19 +41,18 @@ KEST_SIM_API std::ostream& operator<<(std::ostream& out, Device const& device);
 
 /// The slice's chips. A chip is there from the first time that its PCI path is used and never
 /// leaves; its name is unique. Results are error numbers; an operation that fails changes nothing,
-/// but for a rename, which still makes the chip appear. An operation on a name that no chip has
-/// answers ENODEV.
+/// but for a rename, which still makes the chip appear where its path can be one. An operation on a
+/// name that no chip has answers ENODEV.
 class Devices {
  public:
   static constexpr unsigned maxFaps = 3;
 
   Devices() = default;
   /// As they were: `devices` is what `all()` once gave.
-  explicit Devices(std::map<Mox::String8, Device> devices) noexcept
-      : devices_(std::move(devices)) {}
+  KEST_SIM_API explicit Devices(std::map<Mox::String8, Device> devices);
 
-  /// Names the chip at `pciPath`, up or down. EINVAL: the name is empty. EEXIST: another chip has
-  /// that name.
+  /// Names the chip at `pciPath`, up or down. EINVAL: the name is empty or too long, or the path
+  /// too long or deep (`Names.h`). EEXIST: another chip has that name.
   int rename(Mox::String8 const& devName, Mox::String8 const& pciPath);
   /// Puts `param` in place of what was registered before. EBUSY: the chip is up. EINVAL: `numFaps`
   /// is not 1 to `maxFaps`.
@@ -70,14 +69,19 @@ class Devices {
   /// Empty when the chip has none, or there is no chip.
   Mox::String8 nameAt(Mox::String8 const& pciPath) const;
   /// By PCI path.
-  std::map<Mox::String8, Device> const& all() const noexcept { return devices_; }
+  std::map<Mox::String8, Device> const& all() const noexcept { return devices_.all(); }
+  /// See `Entries`.
+  Entries<Device>::Changed takeChanged() { return devices_.takeChanged(); }
 
   bool operator==(Devices const&) const = default;
 
  private:
-  Device* find(Mox::String8 const& devName);
+  /// Lets `change` work on a copy of the chip, which takes its place if the result is 0.
+  template <class Change>
+  int change(Mox::String8 const& devName, Change const& change);
 
-  std::map<Mox::String8, Device> devices_;
+  Entries<Device> devices_;
+  std::map<Mox::String8, Mox::String8> paths_;  ///< by the chips' names
 };
 
 }  // namespace Hardware::Kest::Sim

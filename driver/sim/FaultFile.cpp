@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "driver/sim/Devices.h"
+#include "driver/sim/Names.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Strep.h"
 
@@ -43,7 +44,11 @@ class LineReader {
 
   String8 name(char const* what = "a name in apostrophes") {
     if (atEnd() || *it_ != '\'') refuse(what);
-    return Mox::sequenceToValue(it_, end_, static_cast<String8*>(nullptr));
+    String8::IteratorConst const start = it_;
+    String8 name = Mox::sequenceToValue(it_, end_, static_cast<String8*>(nullptr));
+    if (name.bytes() <= longestName) return name;
+    it_ = start;
+    throwExpected(Mox::format("a name of at most %zu bytes", longestName), "a longer one");
   }
 
   unsigned number(char const* what, unsigned most = std::numeric_limits<unsigned>::max()) {

@@ -2,8 +2,10 @@
 
 #include <cerrno>
 #include <ostream>
+#include <utility>
 
 #include "driver/sim/Devices.h"
+#include "driver/sim/Names.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Strep.h"
 #include "platform/pelk/EthAddr.h"
@@ -31,33 +33,41 @@ bool hasFap(Device const& device, int fapNum) {
 }  // namespace
 
 int Interfaces::add(String8 const& ifName, InterfaceParam const& param, Devices const& devices) {
-  if (ifName.empty() || !isMacAddr(param.macAddr)) return EINVAL;
+  if (!isDeviceOrInterfaceName(ifName.view()) || !isMacAddr(param.macAddr)) return EINVAL;
   if (!param.devName.empty()) {
     Device const* const device = devices.named(param.devName);
     if (device == nullptr) return ENODEV;
     if (!hasFap(*device, param.fapNum)) return EINVAL;
   }
-  interfaces_[ifName].param = param;
+  Interface const* const there = interfaces_.find(ifName);
+  Interface interface = there == nullptr ? Interface() : *there;
+  interface.param = param;
+  interfaces_.put(ifName, std::move(interface));
   return 0;
 }
 
 int Interfaces::del(String8 const& ifName) {
-  return interfaces_.erase(ifName) == 0 ? ENODEV : 0;
+  return interfaces_.remove(ifName) ? 0 : ENODEV;
 }
 
 int Interfaces::nativeVlan(String8 const& ifName, bool mode, unsigned short vlanId) {
-  auto const at = interfaces_.find(ifName);
-  if (at == interfaces_.end()) return ENODEV;
+  Interface const* const there = interfaces_.find(ifName);
+  if (there == nullptr) return ENODEV;
   if (!Interface::isNativeVlan(vlanId)) return EINVAL;
-  at->second.nativeVlan = vlanId;
-  at->second.mode = mode && vlanId != Interface::noVlan;
+  Interface interface = *there;
+  interface.nativeVlan = vlanId;
+  interface.mode = mode && vlanId != Interface::noVlan;
+  interfaces_.put(ifName, std::move(interface));
   return 0;
 }
 
 void Interfaces::deviceRenamed(String8 const& from, String8 const& to) {
-  if (from.empty()) return;  // interfaces without a device stay so
-  for (auto& [name, interface] : interfaces_) {
-    if (interface.param.devName == from) interface.param.devName = to;
+  if (from.empty() || from == to) return;  // interfaces without a device stay so
+  for (auto const& [name, interface] : all()) {
+    if (interface.param.devName != from) continue;
+    Interface moved = interface;
+    moved.param.devName = to;
+    interfaces_.put(name, std::move(moved));  // in its place: the walk goes on
   }
 }
 

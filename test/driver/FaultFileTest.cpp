@@ -96,6 +96,15 @@ TEST(FaultFile, SaysWhereItIsWrongAndThenChangesNothing) {
   }
 }
 
+TEST(FaultFile, TakesNamesOfABoundedLength) {
+  SimDriver driver;
+  std::string const longest = "fail kestDmaIfdel '" + std::string(255, 'a') + "' 1 always\n";
+  EXPECT_EQ(refusal(driver, longest), "accepted");
+  EXPECT_EQ(driver.faultsText(), longest);
+  EXPECT_EQ(refusal(driver, "fail kestDmaIfdel '" + std::string(256, 'a') + "' 1 always"),
+            "my.faults:1:19: expected a name of at most 255 bytes, found a longer one");
+}
+
 TEST(FaultFile, ReadsTheExample) {
   SimDriver driver;
   driver.faultFileIs(KEST_FAULTS_EXAMPLE);

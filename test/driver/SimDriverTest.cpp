@@ -57,6 +57,26 @@ TEST(SimDriver, AnswersInterfaceOperationsAsTheSliceStands) {
               testing::ElementsAre(std::pair{Mox::String8("et1"), et1}, std::pair{"et9", et9}));
 }
 
+/// What a state file would be refused for does not come about.
+TEST(SimDriver, TakesNamesAndPathsOfABoundedLength) {
+  SimDriver driver;
+  std::string const longest(255, 'a');
+  std::string levels;
+  while (levels.size() < 64) levels += "/a";
+  auto const rename = [&](std::string const& name, std::string const& path) {
+    return driver.deviceRename(Mox::String8(name), pciHam(path.c_str()));
+  };
+  EXPECT_EQ(rename(longest, longest), 0);
+  EXPECT_EQ(rename("fap0", levels), 0);
+  EXPECT_EQ(driver.ifadd(Mox::String8(longest), portOn("fap0", 0)), 0);
+  std::string const before = driver.stateText();
+  EXPECT_EQ(rename("fap1", longest + "a"), 22);
+  EXPECT_EQ(rename("fap1", levels + "/a"), 22);
+  EXPECT_EQ(rename(longest + "a", levels), 22);
+  EXPECT_EQ(driver.ifadd(Mox::String8(longest + "a"), portOn("fap0", 0)), 22);
+  EXPECT_EQ(driver.stateText(), before);
+}
+
 TEST(SimDriver, KeepsTheNativeVlanWhenAnInterfaceIsAddedAgain) {
   SimDriver driver;
   driver.ifadd("et1", portOn("", 0));
