@@ -171,13 +171,17 @@ int SimDriver::deviceFlip(String8 const& devName) {
 
 void SimDriver::stateFileIs(std::string const& path) {
   StateFile file(path);
-  if (std::optional<SliceState> loaded = file.load()) state_ = *std::move(loaded);
+  if (std::optional<SliceState> loaded = file.load()) {
+    state_ = *std::move(loaded);
+  } else if (state_ != SliceState()) {
+    file.replace(state_);
+  }
   stateFile_ = std::move(file);
-  keepState();
 }
 
 void SimDriver::keepState() {
-  if (stateFile_) stateFile_->keep(state_);
+  Change const change{state_.interfaces.takeChanged(), state_.devices.takeChanged()};
+  if (stateFile_) stateFile_->keep(state_, change);
 }
 
 void SimDriver::reset() {

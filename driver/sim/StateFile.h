@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -7,8 +9,11 @@
 
 namespace Hardware::Kest::Sim {
 
-/// A file that holds a slice's state. It is replaced as a whole, and not synchronised to the disk:
-/// it is to outlive the process, not the machine. No other process may keep the same file.
+/// A file that holds a slice's state. What changes is added at its end, so that a change costs the
+/// same whatever the state's size; when the changes have grown as large as the document in front of
+/// them, the file is replaced by a document. A process that begins with a file replaces it at its
+/// first change. The file is not synchronised to the disk: it is to outlive the process, not the
+/// machine. No other process may keep the same file.
 class StateFile {
  public:
   /// @throw Mox::RangeException for an empty path
@@ -16,16 +21,22 @@ class StateFile {
 
   /// None when the file is missing or empty.
   /// @throw Mox::RangeException "PATH...: ..." as `readState` says, or when it cannot be read
-  std::optional<SliceState> load();
+  std::optional<SliceState> load() const;
 
-  /// Writes `state` if it is not what the file holds already. What cannot be written is reported on
-  /// standard error and tried again with the next call; further failures are reported only after
-  /// one that succeeded.
-  void keep(SliceState const& state);
+  /// `change` is what has made `state` of the state that this was called with before. What cannot
+  /// be written is reported on standard error and tried again with the next call, be its change
+  /// empty; further failures are reported only after one that succeeded.
+  void keep(SliceState const& state, Change const& change);
+  /// The file holds `state`, whatever it held before.
+  void replace(SliceState const& state);
 
  private:
+  bool append(Change const& change);
+
   std::string path_;
-  SliceState held_;  ///< a missing or empty file holds an empty slice
+  std::size_t documentBytes_ = 0;  ///< 0: this process has not written the file
+  std::size_t bytes_ = 0;          ///< of the file
+  std::uint32_t check_ = 0;        ///< of the file
   bool failing_ = false;
 };
 

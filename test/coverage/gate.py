@@ -18,7 +18,7 @@ WHOLE = re.compile(
     r"sm/"
     r"|platform/(mox/(Strep|String8|Trace)\.|pelk/|detail/EnumText)"
     r"|model/(DeviceState\.|detail/RecordText)"
-    r"|driver/sim/(FaultFile|StateText|JsonString)"
+    r"|driver/sim/(ChangeLine|FaultFile|JsonString|JsonTree|StateReader|StateText)"
     r"|agent/(slice/|control/RequestText|json/JsonText|byname/(Place|Request)\.)")
 
 LISTED = "test/coverage/compiler-branches"

@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "driver/sim/StateText.h"
+#include "platform/mox/RangeException.h"
 #include "test/crash/Hooks.h"
 
 namespace Kest::Crash {
@@ -42,6 +44,17 @@ std::optional<std::string> content(std::filesystem::path const& file) {
   return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
+std::optional<std::string> stateIn(std::filesystem::path const& file) {
+  namespace Sim = Hardware::Kest::Sim;
+  std::optional<std::string> const text = content(file);
+  if (!text) return std::nullopt;
+  try {
+    return Sim::stateText(Sim::readState(*text, file.filename().string()));
+  } catch (Mox::RangeException const& refused) {
+    return refused.what();
+  }
+}
+
 void contentIs(std::filesystem::path const& file, std::optional<std::string> const& text) {
   std::filesystem::remove(file);
   if (text) std::ofstream(file, std::ios::binary) << *text;
@@ -62,7 +75,7 @@ Outcome AgentRuns::run(unsigned killAt) const {
   checked(waitpid(pid, &status, 0), "waitpid");
   return {WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status),
           content(directory_ / "output").value_or(""), content(directory_ / "errors").value_or(""),
-          content(stateFile())};
+          stateIn(stateFile())};
 }
 
 /// In the new process.

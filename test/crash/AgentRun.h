@@ -9,6 +9,10 @@ namespace Kest::Crash {
 /// Whole content of a file; none when there is no such file.
 std::optional<std::string> content(std::filesystem::path const& file);
 
+/// The driver's state that a file holds, as a document, or why it holds none; none when there is no
+/// such file.
+std::optional<std::string> stateIn(std::filesystem::path const& file);
+
 /// Puts content into a file; none: there is no such file from now on.
 void contentIs(std::filesystem::path const& file, std::optional<std::string> const& text);
 
@@ -17,7 +21,7 @@ struct Outcome {
   int exitCode = 0;  ///< or minus the signal that ended it
   std::string output;
   std::string errors;
-  std::optional<std::string> stateFile;
+  std::optional<std::string> state;  ///< of the driver, as its file has it
 
   bool operator==(Outcome const&) const = default;
 };

@@ -65,7 +65,7 @@ class Crashes {
  public:
   Crashes(AgentRuns const& runs, std::string name, Sums& sums)
       : runs_(runs), name_(std::move(name)), sums_(sums), undisturbed_(run(0)) {
-    if (undisturbed_.exitCode != 0 || !undisturbed_.stateFile) {
+    if (undisturbed_.exitCode != 0 || !undisturbed_.state) {
       throw std::runtime_error("the agent does not bring " + name_ + " up:\n" +
                                undisturbed_.output + undisturbed_.errors);
     }
@@ -119,7 +119,7 @@ class Crashes {
     std::optional<std::string> const known = content(runs_.driverState());
     if (!known) return;
     if (nothing_.empty()) nothing_ = *known;  // before the first call
-    expectEqual("state file", content(runs_.stateFile()).value_or(nothing_), *known, where);
+    expectEqual("state file", stateIn(runs_.stateFile()).value_or(nothing_), *known, where);
   }
 
   void expectUndisturbed(Outcome const& found, std::string const& where) {
@@ -127,7 +127,7 @@ class Crashes {
                 where);
     expectEqual("output", found.output, undisturbed_.output, where);
     expectEqual("errors", found.errors, undisturbed_.errors, where);
-    expectEqual("state file", found.stateFile.value_or("none"), *undisturbed_.stateFile, where);
+    expectEqual("state file", found.state.value_or("none"), *undisturbed_.state, where);
     bool const isLeft = std::filesystem::exists(runs_.unfinishedStateFile());
     expectEqual("unfinished file", isLeft ? "there" : "gone", "gone", where);
   }

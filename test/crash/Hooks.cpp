@@ -1,9 +1,9 @@
 // A library that is preloaded into the agent and kills its process at a chosen moment of its driver
 // calls. It stands in front of the driver's operations and of the C library's functions with which
-// the simulated driver replaces its state file. The moments are counted through all calls:
+// the simulated driver writes its state file. The moments are counted through all calls:
 //
-//   a call begins; its state file is half written; is written, but not in its place yet; is in its
-//   place; the call ends.
+//   a call begins; half of what changes is written, or half of a new file; all of it is; the new
+//   file is in its place; the call ends.
 //
 // SIGKILL leaves the process no way to tidy up. What the kernel has been told is not lost, as it
 // would be if the machine went down: that is not what is tested.
@@ -38,7 +38,7 @@ Function* behind(Function* function) {
 
 void store(void* path, char const* text, unsigned bytes) {
   std::FILE* const file = std::fopen(static_cast<char const*>(path), "w");
-  if (file == nullptr || behind(&std::fwrite)(text, 1, bytes, file) != bytes) std::abort();
+  if (file == nullptr || std::fwrite(text, 1, bytes, file) != bytes) std::abort();
   if (std::fclose(file) != 0) std::abort();
 }
 
@@ -116,17 +116,18 @@ int kestDmaIsDeviceUp(Mox::String8 devName, bool* up) {
 #pragma GCC visibility push(default)
 extern "C" {
 
-size_t fwrite(void const* data, size_t size, size_t count, FILE* file) {
-  auto const write = behind(&fwrite);
-  if (!isInCall || size != 1) return write(data, size, count, file);
-  size_t const half = write(data, 1, count / 2, file);
-  fflush(file);
+/// The caller goes on where it was left.
+ssize_t write(int fd, void const* data, size_t bytes) {
+  static bool isHalfWritten = false;
+  auto const carryOut = behind(&write);
+  if (!isInCall) return carryOut(fd, data, bytes);
+  isHalfWritten = !isHalfWritten && bytes > 1;
+  ssize_t const written = carryOut(fd, data, isHalfWritten ? bytes / 2 : bytes);
   moment();
-  return half + write(static_cast<char const*>(data) + half, 1, count - half, file);
+  return written;
 }
 
 int rename(char const* from, char const* to) noexcept {
-  moment();
   int const result = behind(static_cast<int (*)(char const*, char const*)>(&rename))(from, to);
   moment();
   return result;

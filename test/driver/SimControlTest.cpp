@@ -118,13 +118,13 @@ TEST_F(SimControl, FlipsADeviceAndKeepsThat) {
   TempFolder const folder;
   EXPECT_THAT(stateFile(folder.file("state").c_str()), Pair(0, ""));
   std::string const before = simDriver().stateText();
-  EXPECT_EQ(contentOf(folder.file("state")), before);
+  EXPECT_EQ(stateIn(folder.file("state")), before);
   EXPECT_THAT(flip(std::string("fap0\0", 5)), Pair(-1, "there is no device 'fap0\\x00' to flip"));
   EXPECT_THAT(flip(""), Pair(-1, "there is no device '' to flip"));
   EXPECT_EQ(simDriver().stateText(), before);
   EXPECT_THAT(flip("fap0"), Pair(0, ""));
   EXPECT_TRUE(simDriver().device("fap0")->up);
-  EXPECT_EQ(contentOf(folder.file("state")), simDriver().stateText());
+  EXPECT_EQ(stateIn(folder.file("state")), simDriver().stateText());
   EXPECT_NE(simDriver().stateText(), before);
 }
 
@@ -133,7 +133,7 @@ TEST_F(SimControl, TakesTheStateFromAFileOrSaysWhatIsWrongWithIt) {
   std::string const path = folder.file("state");
   std::ofstream(path) << "{\"format\": 2}";
   EXPECT_THAT(stateFile(path.c_str()),
-              Pair(-1, path + ": /format: expected \"kest-dma-sim-state/1\", found 2"));
+              Pair(-1, path + ":1:2: /format: expected \"kest-dma-sim-state/1\", found 2"));
   EXPECT_THAT(stateFile(nullptr),
               Pair(-1, "expected the path of a state file, found an empty one"));
   EXPECT_NE(simDriver().device("fap0"), nullptr);

@@ -65,4 +65,10 @@ inline std::string contentOf(std::string const& path) {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
+/// The state that is in a file, as a document; empty when there is no such file.
+inline std::string stateIn(std::string const& path) {
+  std::string const text = contentOf(path);
+  return text.empty() ? "" : stateText(readState(text, path));
+}
+
 }  // namespace Hardware::Kest::Sim

@@ -3,11 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "driver/sim/SimDriver.h"
 #include "platform/mox/RangeException.h"
@@ -35,6 +39,15 @@ std::string loaded(std::string const& path) {
   return driver.stateText();
 }
 
+/// A document with so many interfaces, "et0", "et1", ...
+std::string portsText(int ports) {
+  SimDriver driver;
+  for (int port = 0; port < ports; ++port) {
+    driver.ifadd(Mox::String8("et" + std::to_string(port)), portOn("", 0));
+  }
+  return driver.stateText();
+}
+
 TEST(StateFile, HoldsEveryChangeOnceTheCallHasReturned) {
   TempFolder const folder;
   std::string const path = folder.file("state");
@@ -42,9 +55,10 @@ TEST(StateFile, HoldsEveryChangeOnceTheCallHasReturned) {
   driver.stateFileIs(path);
   EXPECT_FALSE(std::filesystem::exists(path));
 
+  std::string before;
   auto const expectWritten = [&](char const* what) {
-    EXPECT_EQ(contentOf(path), driver.stateText()) << what;
-    std::filesystem::remove(path);  // so that the next call has to write it again
+    EXPECT_EQ(stateIn(path), driver.stateText()) << what;
+    EXPECT_NE(driver.stateText(), std::exchange(before, driver.stateText())) << what;
   };
   driver.deviceRename("fap0", pciHam("a"));
   expectWritten("rename");
@@ -81,9 +95,15 @@ TEST(StateFile, IsNeverWrittenThroughALink) {
   SimDriver driver;
   driver.stateFileIs(path);
   driver.deviceRename("fap0", pciHam("a"));
-  EXPECT_EQ(contentOf(path), driver.stateText());
+  EXPECT_EQ(stateIn(path), driver.stateText());
+  std::filesystem::rename(path, folder.file("moved"));
+  std::filesystem::create_symlink(folder.file("moved"), path);
+  std::string const moved = contentOf(path);
+  driver.deviceFlip("fap0");
+  EXPECT_EQ(stateIn(path), driver.stateText());
   EXPECT_EQ(contentOf(others), "theirs");
-  EXPECT_EQ(folder.names(), (std::set<std::string>{"others", "state"}));
+  EXPECT_EQ(contentOf(folder.file("moved")), moved);
+  EXPECT_EQ(folder.names(), (std::set<std::string>{"moved", "others", "state"}));
 }
 
 TEST(StateFile, IsNotWrittenWhenNothingHasChanged) {
@@ -112,13 +132,13 @@ TEST(StateFile, IsNotWrittenWhenNothingHasChanged) {
 
 TEST(StateFile, IsReplacedAsAWhole) {
   TempFolder const folder;
+  std::string const before = portsText(1);
+  std::ofstream(folder.file("state")) << before;
+  std::ofstream(folder.file("state.tmp")) << "left by a process that was killed";
   SimDriver driver;
   driver.stateFileIs(folder.file("state"));
-  driver.ifadd("et1", portOn("", 0));
-  std::string const before = driver.stateText();
-  std::ofstream(folder.file("state.tmp")) << "left by a process that was killed";
   std::ifstream reader(folder.file("state"));
-  driver.ifdel("et1");
+  driver.ifdel("et0");
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), before);
   EXPECT_EQ(contentOf(folder.file("state")), driver.stateText());
   EXPECT_THAT(folder.names(), ElementsAre("state"));
@@ -141,15 +161,15 @@ TEST(StateFile, LeavesFaultsAndLogAndTakesThePlaceOfTheState) {
   EXPECT_EQ(second.log().total(), 1u);
 
   second.stateFileIs(folder.file("other"));
-  EXPECT_EQ(contentOf(folder.file("other")), second.stateText());
+  EXPECT_EQ(stateIn(folder.file("other")), second.stateText());
   std::string const left = contentOf(folder.file("state"));
   second.deviceFlip("fap0");
   EXPECT_EQ(contentOf(folder.file("state")), left);
-  EXPECT_EQ(contentOf(folder.file("other")), second.stateText());
+  EXPECT_EQ(stateIn(folder.file("other")), second.stateText());
   std::string const kept = second.stateText();
   second.reset();
   second.ifadd("et1", portOn("", 0));
-  EXPECT_EQ(contentOf(folder.file("other")), kept);
+  EXPECT_EQ(stateIn(folder.file("other")), kept);
 }
 
 TEST(StateFile, IsRefusedWholeAndThenLeftAlone) {
@@ -161,14 +181,14 @@ TEST(StateFile, IsRefusedWholeAndThenLeftAlone) {
   std::string const bad = folder.file("bad");
   std::string const text = "{\"format\": \"kest-dma-sim-state/1\",\n\"interfaces\": 1}";
   std::ofstream(bad) << text;
-  EXPECT_EQ(pathRefusal(driver, bad), bad + ": /interfaces: expected an object, found 1");
+  EXPECT_EQ(pathRefusal(driver, bad), bad + ":2:1: /interfaces: expected an object, found 1");
   EXPECT_EQ(pathRefusal(driver, folder.path()), folder.path() + ": cannot be read: Is a directory");
   EXPECT_EQ(pathRefusal(driver, bad + "/state"), bad + "/state: cannot be read: Not a directory");
   EXPECT_EQ(pathRefusal(driver, ""), "expected the path of a state file, found an empty one");
   EXPECT_EQ(driver.dumpText(), before);
   driver.deviceFlip("fap0");
   EXPECT_EQ(contentOf(bad), text);
-  EXPECT_EQ(contentOf(folder.file("good")), driver.stateText());
+  EXPECT_EQ(stateIn(folder.file("good")), driver.stateText());
 
   std::ofstream(bad, std::ios::trunc).close();
   EXPECT_EQ(pathRefusal(driver, bad), "accepted");  // an empty file is as good as none
@@ -207,6 +227,91 @@ TEST(StateFile, ReportsOnceThatItCannotBeWrittenAndTriesAgain) {
   EXPECT_EQ(driver.ifadd("et2", portOn("", 0)), 0);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   std::filesystem::remove_all(home);
+}
+
+ino_t fileNumber(std::string const& path) {
+  struct stat found {};
+  stat(path.c_str(), &found);
+  return found.st_ino;
+}
+
+TEST(StateFile, IsWrittenInProportionToWhatChanges) {
+  TempFolder const folder;
+  std::string const path = folder.file("state");
+  SimDriver driver;
+  driver.stateFileIs(path);
+  std::uintmax_t written = 0;
+  std::uintmax_t bytes = 0;
+  for (int port = 0; port < 1000; ++port) {
+    ino_t const before = fileNumber(path);
+    driver.ifadd(Mox::String8("et" + std::to_string(port)), portOn("", 0));
+    std::uintmax_t const now = std::filesystem::file_size(path);
+    written += fileNumber(path) == before ? now - bytes : now;
+    bytes = now;
+  }
+  EXPECT_EQ(stateIn(path), driver.stateText());
+  EXPECT_LT(written, 4 * driver.stateText().size());
+}
+
+TEST(StateFile, IsReplacedWhenItsChangesHaveGrownAsLargeAsItsDocument) {
+  TempFolder const folder;
+  std::string const path = folder.file("state");
+  SimDriver driver;
+  driver.stateFileIs(path);
+  driver.ifadd("et1", portOn("", 0));
+  for (unsigned short vlan = 1000; vlan < 1100; ++vlan) {
+    driver.nativeVlan("et1", true, vlan);
+    EXPECT_LE(std::filesystem::file_size(path), 2 * driver.stateText().size() + 4096);
+  }
+  EXPECT_EQ(stateIn(path), driver.stateText());
+}
+
+TEST(StateFile, IsTheStateBeforeOrAfterTheCallWhereverAWriterWasKilled) {
+  TempFolder const folder;
+  std::string const path = folder.file("state");
+  SimDriver driver;
+  driver.stateFileIs(path);
+  driver.ifadd("et1", portOn("", 0));
+  std::string const document = contentOf(path);
+  EXPECT_EQ(document, driver.stateText());
+  driver.deviceRename("fap0", pciHam("a"));
+  driver.ifadd("et1", portOn("fap0", 0));
+  std::string const before = driver.stateText();
+  std::size_t const bytesBefore = contentOf(path).size();
+  driver.deviceRename("fap1", pciHam("a"));  // changes the interface too
+  std::string const after = driver.stateText();
+  std::string const text = contentOf(path);
+  EXPECT_TRUE(text.starts_with(document));
+  EXPECT_GT(bytesBefore, document.size());
+
+  for (std::size_t bytes = bytesBefore; bytes <= text.size(); ++bytes) {
+    std::ofstream(path, std::ios::trunc) << text.substr(0, bytes);
+    SimDriver second;
+    second.stateFileIs(path);
+    EXPECT_EQ(second.stateText(), bytes < text.size() ? before : after) << bytes;
+    // It is killed too, while it replaces the file.
+    std::ofstream(path + ".tmp", std::ios::trunc) << second.stateText().substr(0, bytes / 2);
+    SimDriver third;
+    third.stateFileIs(path);
+    EXPECT_EQ(third.stateText(), second.stateText()) << bytes;
+    third.ifdel("et1");
+    EXPECT_EQ(contentOf(path), third.stateText()) << bytes;
+    EXPECT_THAT(folder.names(), ElementsAre("state"));
+  }
+}
+
+TEST(StateFile, IsWrittenWholeWhenSomebodyElseHasChangedOrRemovedIt) {
+  TempFolder const folder;
+  std::string const path = folder.file("state");
+  SimDriver driver;
+  driver.stateFileIs(path);
+  driver.deviceRename("fap0", pciHam("a"));
+  std::filesystem::remove(path);
+  driver.deviceFlip("fap0");
+  EXPECT_EQ(contentOf(path), driver.stateText());
+  std::ofstream(path, std::ios::app) << "theirs";
+  driver.deviceFlip("fap0");
+  EXPECT_EQ(contentOf(path), driver.stateText());
 }
 
 /// One operation at random, often one that changes something.

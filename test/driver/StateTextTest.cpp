@@ -2,122 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <random>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "platform/mox/RangeException.h"
-#include "test/driver/SimFixture.h"
+#include "test/driver/StateFixture.h"
 
 namespace Hardware::Kest::Sim {
 namespace {
 
 using namespace std::string_view_literals;
-
-/// A state with every kind of value in it.
-SliceState richState() {
-  std::map<Mox::String8, Interface> interfaces;
-  interfaces["et3/1"] = {{7, -1, 2, "fap0", 1, true, false, "00:1c:73:0a:0b:0c"}, 10, true};
-  interfaces[Mox::String8("\xff\"%\0\n"sv)] = {
-      {-2147483647 - 1, 2147483647, 0, "", 77, false, true, "FF:00:00:00:00:01"}, 4096, false};
-  std::map<Mox::String8, Device> devices;
-  devices["/pci/a"] = {"fap0", DeviceParam{1, FapType::fapTypeArad_, 1, 2, 3, 4, 5, 6, 7}, true, 3};
-  devices["/pci/b"] = {"\xc3\xa9 %", DeviceParam{3, static_cast<FapType>(-7), 4294967295u}, false,
-                       4294967295u};
-  devices[""] = {};
-  return {Interfaces(interfaces), Devices(devices)};
-}
-
-constexpr char const* richText = R"({
-  "format": "kest-dma-sim-state/1",
-  "interfaces": {
-    "et3/1": {
-      "destId": 7,
-      "shadowIntfId": -1,
-      "trafficClass": 2,
-      "devName": "fap0",
-      "fapNum": 1,
-      "ctrl": true,
-      "hwLag": false,
-      "macAddr": "00:1c:73:0a:0b:0c",
-      "nativeVlan": 10,
-      "mode": true
-    },
-    "%FF\"%25\u0000\n": {
-      "destId": -2147483648,
-      "shadowIntfId": 2147483647,
-      "trafficClass": 0,
-      "devName": "",
-      "fapNum": 77,
-      "ctrl": false,
-      "hwLag": true,
-      "macAddr": "FF:00:00:00:00:01",
-      "nativeVlan": 4096,
-      "mode": false
-    }
-  },
-  "devices": {
-    "": {
-      "name": "",
-      "param": null,
-      "up": false,
-      "flips": 0
-    },
-    "/pci/a": {
-      "name": "fap0",
-      "param": {
-        "numFaps": 1,
-        "fapType": "fapTypeArad",
-        "cpuTmSysPort": 1,
-        "cpuEthSysPort": 2,
-        "cpuRawSysPort": 3,
-        "sflowPort": 4,
-        "cpuAradSysPort": 5,
-        "cpuArad": 6,
-        "cpuAradBridge": 7
-      },
-      "up": true,
-      "flips": 3
-    },
-    "/pci/b": {
-      "name": "é %25",
-      "param": {
-        "numFaps": 3,
-        "fapType": -7,
-        "cpuTmSysPort": 4294967295,
-        "cpuEthSysPort": 0,
-        "cpuRawSysPort": 0,
-        "sflowPort": 0,
-        "cpuAradSysPort": 0,
-        "cpuArad": 0,
-        "cpuAradBridge": 0
-      },
-      "up": false,
-      "flips": 4294967295
-    }
-  }
-}
-)";
-
-/// What is wrong with `text`.
-std::string refusal(std::string_view text) {
-  try {
-    readState(text, "my.state");
-  } catch (Mox::RangeException const& exception) {
-    return std::string(exception.text().view());
-  }
-  return "accepted";
-}
-
-/// `richText` with the first `from` replaced.
-std::string changed(std::string_view from, std::string_view to) {
-  std::string text = richText;
-  std::size_t const at = text.find(from);
-  if (at == std::string::npos) throw std::logic_error("not in the text: " + std::string(from));
-  return text.replace(at, from.size(), to);
-}
 
 TEST(StateText, HoldsEveryFieldAndReadsBackToTheSame) {
   EXPECT_EQ(stateText(richState()), richText);
@@ -159,30 +54,31 @@ TEST(StateText, SaysWhereItIsNoJson) {
        "a literal"},
       {"{} {}", ":1:4: syntax error while parsing value - unexpected '{'; expected end of input"},
       {"{\n  \"format\" 1",
-       ":2:12: syntax error while parsing object separator - unexpected number "
+       ":2:12: /format: syntax error while parsing object separator - unexpected number "
        "literal; expected ':'"},
       {"{\"a\":\n\n tru}",
-       ":3:5: syntax error while parsing value - invalid literal; last read: "
+       ":3:5: /a: syntax error while parsing value - invalid literal; last read: "
        "'\"a\":<U+000A><U+000A> tru}'"},
       {"{\"a\": 01}",
        ":1:8: syntax error while parsing object - unexpected number literal; expected "
        "'}'"},
       {"{\"a\": \"\n\"}",
-       ":1:8: syntax error while parsing value - invalid string: control character U+000A (LF) "
+       ":1:8: /a: syntax error while parsing value - invalid string: control character U+000A (LF) "
        "must "
        "be escaped to \\u000A or \\n; last read: '\"<U+000A>'"},
       {"{\"a\": \"\xff\"}",
-       ":1:8: syntax error while parsing value - invalid string: ill-formed "
+       ":1:8: /a: syntax error while parsing value - invalid string: ill-formed "
        "UTF-8 byte; last read: '\"\xff'"},
       {"{\"a\": \"\\ud800\"}",
-       ":1:14: syntax error while parsing value - invalid string: surrogate U+D800..U+DBFF must be "
+       ":1:14: /a: syntax error while parsing value - invalid string: surrogate U+D800..U+DBFF "
+       "must be "
        "followed by U+DC00..U+DFFF; last read: '\"\\ud800\"'"},
-      {"{\"a\": {\"b/c\": 1e999}}", ": /a/b~1c: number overflow parsing '1e999'"},
-      {"{\"a\": {\"b\": {}, \"b\": {}}}", ": /a/b: expected a member once, found it twice"},
-      {"{\"a\": {\"b\": {}, \"c\": [[", ": /a/c: expected no array in a state, found one"},
-      {"[]", ": expected no array in a state, found one"},
-      {"7", ": expected an object, found 7"},
-      {"{}", ": /format: expected \"kest-dma-sim-state/1\", found nothing"},
+      {"{\"a\": {\"b/c\": 1e999}}", ":1:19: /a/b~1c: number overflow parsing '1e999'"},
+      {"{\"a\": {\"b\": {}, \"b\": {}}}", ":1:17: /a/b: expected a member once, found it twice"},
+      {"{\"a\": {\"b\": {}, \"c\": [[", ":1:22: /a/c: expected no array in a state, found one"},
+      {"[]", ":1:1: expected no array in a state, found one"},
+      {"7", ":1:1: expected an object, found 7"},
+      {"{}", ":1:1: /format: expected \"kest-dma-sim-state/1\", found nothing"},
   };
   for (auto const& row : table) EXPECT_EQ(refusal(row.text), std::string("my.state") + row.error);
 }
@@ -194,99 +90,145 @@ TEST(StateText, SaysWhatIsNoState) {
     char const* error;
   } const table[] = {
       {"state/1", "state/2",
-       "/format: expected \"kest-dma-sim-state/1\", found \"kest-dma-sim-state/2\""},
-      {"\"kest-dma-sim-state/1\"", "1", "/format: expected \"kest-dma-sim-state/1\", found 1"},
+       "2:3: /format: expected \"kest-dma-sim-state/1\", found \"kest-dma-sim-state/2\""},
+      {"\"kest-dma-sim-state/1\"", "1", "2:3: /format: expected \"kest-dma-sim-state/1\", found 1"},
       {"\"interfaces\": {", "\"interfaces\": null, \"other\": {",
-       "/interfaces: expected an object, found null"},
-      {"\"devices\"", "\"device\"", "/devices: expected an object, found nothing"},
+       "3:3: /interfaces: expected an object, found null"},
+      {"\"devices\"", "\"device\"", "1:1: /devices: expected an object, found nothing"},
       {"{\n  \"format\"", "{ \"faults\": \"\", \"format\"",
-       "/faults: expected format, interfaces or devices, found another member"},
+       "1:3: /faults: expected format, interfaces or devices, found another member"},
       {"\"et3/1\"", "\"et3~%\"",
-       "/interfaces/et3~0%: expected the string's form \"et3~%25\", found \"et3~%\""},
+       "4:5: /interfaces/et3~0%: expected the string's form \"et3~%25\", found \"et3~%\""},
       {"%FF", "%ff",
-       "/interfaces/%ff\\\"%25\\u0000\\n: expected the string's form \"%25ff\\\"%25\\u0000\\n\", "
+       "16:5: /interfaces/%ff\\\"%25\\u0000\\n: expected the string's form "
+       "\"%25ff\\\"%25\\u0000\\n\", "
        "found \"%ff\\\"%25\\u0000\\n\""},
       {"%FF", "%41",
-       "/interfaces/%41\\\"%25\\u0000\\n: expected the string's form \"A\\\"%25\\u0000\\n\", found "
+       "16:5: /interfaces/%41\\\"%25\\u0000\\n: expected the string's form \"A\\\"%25\\u0000\\n\", "
+       "found "
        "\"%41\\\"%25\\u0000\\n\""},
-      {"\"et3/1\"", "\"\"", "/interfaces/: expected an interface's name, found an empty one"},
+      {"\"et3/1\"", "\"\"", "4:5: /interfaces/: expected an interface's name, found an empty one"},
       {"\"destId\": 7", "\"destId\": 2147483648",
-       "/interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
+       "5:7: /interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
        "2147483648"},
       {"\"destId\": 7", "\"destId\": -2147483649",
-       "/interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
+       "5:7: /interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
        "-2147483649"},
       {"\"destId\": 7", "\"destId\": 18446744073709551616",
-       "/interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
+       "5:7: /interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
        "1.8446744073709552e+19"},
       {"\"destId\": 7", "\"destId\": 7.0",
-       "/interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found 7.0"},
+       "5:7: /interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
+       "7.0"},
       {"\"destId\": 7", "\"destId\": \"7\"",
-       "/interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
+       "5:7: /interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
        "\"7\""},
       {"\"destId\": 7,", "",
-       "/interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
+       "4:5: /interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
        "nothing"},
       {"\"destId\": 7", "\"destId\": {\"a\": 1}",
-       "/interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found an "
+       "5:7: /interfaces/et3~11/destId: expected an integer from -2147483648 to 2147483647, found "
+       "an "
        "object"},
       {"\"destId\": 7", "\"destId\": 7, \"destid\": 7",
-       "/interfaces/et3~11/destid: expected destId, shadowIntfId, trafficClass, devName, fapNum, "
+       "5:20: /interfaces/et3~11/destid: expected destId, shadowIntfId, trafficClass, devName, "
+       "fapNum, "
        "ctrl, hwLag, macAddr, nativeVlan or mode, found another member"},
-      {"\"fap0\"", "null", "/interfaces/et3~11/devName: expected a string, found null"},
+      {"\"fap0\"", "null", "8:7: /interfaces/et3~11/devName: expected a string, found null"},
       {"\"fap0\"", "\"fap%30\"",
-       "/interfaces/et3~11/devName: expected the string's form \"fap0\", found \"fap%30\""},
+       "8:7: /interfaces/et3~11/devName: expected the string's form \"fap0\", found \"fap%30\""},
       {"\"fap0\"", "\"fap9\"",
-       "/interfaces/et3~11/devName: expected the name of a device that there is, or an empty one, "
+       "8:7: /interfaces/et3~11/devName: expected the name of a device that there is, or an empty "
+       "one, "
        "found \"fap9\""},
-      {"\"fapNum\": 1", "\"fapNum\": 3", "/interfaces/et3~11/fapNum: expected 0 to 2, found 3"},
-      {"\"fapNum\": 1", "\"fapNum\": -1", "/interfaces/et3~11/fapNum: expected 0 to 2, found -1"},
-      {"\"ctrl\": true", "\"ctrl\": 1", "/interfaces/et3~11/ctrl: expected true or false, found 1"},
-      {"\"hwLag\": false,", "", "/interfaces/et3~11/hwLag: expected true or false, found nothing"},
+      {"\"fapNum\": 1", "\"fapNum\": 3",
+       "9:7: /interfaces/et3~11/fapNum: expected 0 to 2, found 3"},
+      {"\"fapNum\": 1", "\"fapNum\": -1",
+       "9:7: /interfaces/et3~11/fapNum: expected 0 to 2, found -1"},
+      {"\"ctrl\": true", "\"ctrl\": 1",
+       "10:7: /interfaces/et3~11/ctrl: expected true or false, found 1"},
+      {"\"hwLag\": false,", "",
+       "4:5: /interfaces/et3~11/hwLag: expected true or false, found nothing"},
       {"00:1c:73:0a:0b:0c", "00:1c:73:0a:0b",
-       "/interfaces/et3~11/macAddr: expected a MAC address such as '00:1c:73:0a:0b:0c', found "
+       "12:7: /interfaces/et3~11/macAddr: expected a MAC address such as '00:1c:73:0a:0b:0c', "
+       "found "
        "'00:1c:73:0a:0b'"},
       {"\"nativeVlan\": 10", "\"nativeVlan\": 0",
-       "/interfaces/et3~11/nativeVlan: expected 1 to 4094, or 4096 for none, found 0"},
+       "13:7: /interfaces/et3~11/nativeVlan: expected 1 to 4094, or 4096 for none, found 0"},
       {"\"nativeVlan\": 10", "\"nativeVlan\": 4095",
-       "/interfaces/et3~11/nativeVlan: expected 1 to 4094, or 4096 for none, found 4095"},
+       "13:7: /interfaces/et3~11/nativeVlan: expected 1 to 4094, or 4096 for none, found 4095"},
       {"\"nativeVlan\": 10", "\"nativeVlan\": 65536",
-       "/interfaces/et3~11/nativeVlan: expected an integer from 0 to 65535, found 65536"},
+       "13:7: /interfaces/et3~11/nativeVlan: expected an integer from 0 to 65535, found 65536"},
       {"\"nativeVlan\": 10", "\"nativeVlan\": 4096",
-       "/interfaces/et3~11/mode: expected false where there is no native VLAN, found true"},
+       "14:7: /interfaces/et3~11/mode: expected false where there is no native VLAN, found true"},
       {"\"/pci/a\": {", "\"/pci/a\": false, \"/pci/c\": {",
-       "/devices/~1pci~1a: expected an object, found false"},
+       "36:5: /devices/~1pci~1a: expected an object, found false"},
       {"\"name\": \"\"", "\"name\": \"fap0\"",
-       "/devices/~1pci~1a/name: expected a name that no other device has, found \"fap0\""},
-      {"\"param\": null", "\"param\": 0", "/devices//param: expected an object or null, found 0"},
-      {"\"param\": null,", "", "/devices//param: expected an object or null, found nothing"},
+       "37:7: /devices/~1pci~1a/name: expected a name that no other device has, found \"fap0\""},
+      {"\"param\": null", "\"param\": 0",
+       "32:7: /devices//param: expected an object or null, found 0"},
+      {"\"param\": null,", "", "30:5: /devices//param: expected an object or null, found nothing"},
       {"\"numFaps\": 1", "\"numFaps\": 0",
-       "/devices/~1pci~1a/param/numFaps: expected 1 to 3, found 0"},
+       "39:9: /devices/~1pci~1a/param/numFaps: expected 1 to 3, found 0"},
       {"\"numFaps\": 1", "\"numFaps\": 4",
-       "/devices/~1pci~1a/param/numFaps: expected 1 to 3, found 4"},
+       "39:9: /devices/~1pci~1a/param/numFaps: expected 1 to 3, found 4"},
       {"\"numFaps\": 1", "\"numFaps\": -1",
-       "/devices/~1pci~1a/param/numFaps: expected an integer from 0 to 4294967295, found -1"},
+       "39:9: /devices/~1pci~1a/param/numFaps: expected an integer from 0 to 4294967295, found -1"},
       {"\"fapTypeArad\"", "\"arad\"",
-       "/devices/~1pci~1a/param/fapType: expected 'fapTypeUnknown', 'fapTypeArad' or "
+       "40:9: /devices/~1pci~1a/param/fapType: expected 'fapTypeUnknown', 'fapTypeArad' or "
        "'fapTypeAradDual', found 'arad'"},
       {"\"fapTypeArad\"", "1.5",
-       "/devices/~1pci~1a/param/fapType: expected a FAP type's name or number, found 1.5"},
+       "40:9: /devices/~1pci~1a/param/fapType: expected a FAP type's name or number, found 1.5"},
       {"\"fapTypeArad\"", "2147483648",
-       "/devices/~1pci~1a/param/fapType: expected an integer from -2147483648 to 2147483647, "
+       "40:9: /devices/~1pci~1a/param/fapType: expected an integer from -2147483648 to 2147483647, "
        "found 2147483648"},
       {"\"fapTypeArad\"", "true",
-       "/devices/~1pci~1a/param/fapType: expected a FAP type's name or number, found true"},
+       "40:9: /devices/~1pci~1a/param/fapType: expected a FAP type's name or number, found true"},
       {"\"sflowPort\": 4", "\"sflowPort\": 4294967296",
-       "/devices/~1pci~1a/param/sflowPort: expected an integer from 0 to 4294967295, found "
+       "44:9: /devices/~1pci~1a/param/sflowPort: expected an integer from 0 to 4294967295, found "
        "4294967296"},
       {"\"up\": true", "\"up\": \"up\"",
-       "/devices/~1pci~1a/up: expected true or false, found \"up\""},
+       "49:7: /devices/~1pci~1a/up: expected true or false, found \"up\""},
       {"\"flips\": 3", "\"flips\": -3",
-       "/devices/~1pci~1a/flips: expected an integer from 0 to 4294967295, found -3"},
+       "50:7: /devices/~1pci~1a/flips: expected an integer from 0 to 4294967295, found -3"},
   };
   for (auto const& row : table) {
-    EXPECT_EQ(refusal(changed(row.from, row.to)), std::string("my.state: ") + row.error) << row.to;
+    EXPECT_EQ(refusal(changed(row.from, row.to)), std::string("my.state:") + row.error) << row.to;
   }
+}
+
+TEST(StateText, IsBounded) {
+  auto const device = [](std::string const& path, std::string const& name) {
+    return changed("\"\": {\n      \"name\": \"\"",
+                   "\"" + path + "\": {\n      \"name\": \"" + name + "\"");
+  };
+  auto const levels = [](std::size_t count) {
+    std::string path;
+    while (count-- > 0) path += "/a";
+    return path;
+  };
+  std::string const longest(255, 'a');
+  EXPECT_EQ(refusal(device(longest, longest)), "accepted");
+  EXPECT_EQ(refusal(device(levels(32), "")), "accepted");
+  EXPECT_EQ(refusal(device(longest + "%25", "")),
+            "my.state:30:5: /devices/" + longest +
+                "%25: expected a PCI path of at most 255 bytes "
+                "and 32 levels, found a longer or deeper one");
+  EXPECT_EQ(refusal(device(levels(33), "")).substr(0, 26), "my.state:30:5: /devices/~1");
+  EXPECT_EQ(
+      refusal(device("", longest + "a")),
+      "my.state:31:7: /devices//name: expected a name of at most 255 bytes, found a longer one");
+  EXPECT_EQ(refusal(changed("et3/1", longest + longest)),
+            "my.state:4:5: /interfaces/" + longest + std::string(33, 'a') +
+                "...: expected a name of at most 255 bytes, found a longer one");
+
+  std::string deep;
+  for (int level = 1; level <= 15; ++level) deep += "{\"a\":";
+  EXPECT_EQ(refusal(deep + "{}" + std::string(15, '}')).substr(0, 24), "my.state:1:1: /format: e");
+  std::string pointer;
+  for (int level = 1; level <= 16; ++level) pointer += "/a";
+  EXPECT_EQ(refusal(deep + "{\"a\":\n {"),
+            "my.state:2:2: " + pointer + ": expected at most 16 levels of nesting, found more");
 }
 
 TEST(StateText, RefusesEveryBeginningOfAState) {

@@ -40,11 +40,13 @@ constexpr Function functions[] = {
     {"close", {EINTR, EIO}},
     {"connect", {EACCES, EAGAIN, ECONNREFUSED, EINTR}},
     {"fchmod", {EIO, EPERM}},
+    {"fchown", {EIO, EPERM}},
     {"fclose", {EIO, ENOSPC}},
     {"flock", {EINTR, ENOLCK, EWOULDBLOCK}},
     {"fopen", {EACCES, EINTR, EMFILE, ENOMEM}},
     {"fork", {EAGAIN, ENOMEM}},
     {"fread", {EINTR, EIO}},
+    {"fstat", {EIO}},
     {"fwrite", {EIO, ENOSPC}},
     {"getrlimit", {EPERM}},
     {"getsockopt", {ENOBUFS}},
@@ -265,6 +267,10 @@ int flock(int fd, int operation) noexcept {
   return call("flock", &flock, fd, operation);
 }
 
+int fchown(int fd, uid_t user, gid_t group) noexcept {
+  return call("fchown", &fchown, fd, user, group);
+}
+
 FILE* fopen(char const* path, char const* mode) {
   int const error = errorOf("fopen");
   if (error == 0) return real("fopen", &fopen)(path, mode);
@@ -290,6 +296,10 @@ size_t fwrite(void const* data, size_t size, size_t count, FILE* file) {
   size_t const written = real("fwrite", &fwrite)(data, size, count / 2, file);
   errno = error;
   return written;
+}
+
+int fstat(int fd, struct stat* file) noexcept {
+  return call("fstat", &fstat, fd, file);
 }
 
 int getrlimit(__rlimit_resource_t resource, rlimit* limit) noexcept {
