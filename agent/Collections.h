@@ -20,10 +20,15 @@ auto& collectionOf(Entity& entity) {
   return *found;
 }
 
-/// Brings keys in the order in which people number things.
+/// Whether a key comes before another in the order in which people number things.
+struct NaturalOrder {
+  bool operator()(Mox::String8 const& a, Mox::String8 const& b) const {
+    return naturalLess(a.view(), b.view());
+  }
+};
+
 inline void sortNaturally(std::vector<Mox::String8>& keys) {
-  std::sort(keys.begin(), keys.end(),
-            [](auto const& a, auto const& b) { return naturalLess(a.view(), b.view()); });
+  std::sort(keys.begin(), keys.end(), NaturalOrder());
 }
 
 /// The keys of that collection, in the order in which people number things.

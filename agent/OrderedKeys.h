@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "agent/Collections.h"
-#include "agent/NaturalOrder.h"
 #include "platform/mox/Ptr.h"
 #include "platform/mox/String8.h"
 
@@ -43,14 +42,8 @@ class OrderedKeys {
   std::optional<Mox::String8> take();
 
  private:
-  struct Less {
-    bool operator()(Mox::String8 const& a, Mox::String8 const& b) const {
-      return naturalLess(a.view(), b.view());
-    }
-  };
-
   std::vector<Source> sources_;  // the last one is being gathered
-  std::set<Mox::String8, Less> keys_;
+  std::set<Mox::String8, NaturalOrder> keys_;
 };
 
 }  // namespace Kest::Agent

@@ -15,6 +15,8 @@ void call(Entry entry, Arguments... arguments) {
   }
 }
 
+using Sink = void (*)(void* context, char const* text, unsigned bytes);
+
 void append(void* text, char const* chars, unsigned bytes) {
   static_cast<std::string*>(text)->append(chars, bytes);
 }
@@ -40,11 +42,31 @@ void SimulatedDriver::flip(Mox::String8 const& devName) const {
 }
 
 std::string SimulatedDriver::text(char const* what) const {
-  using Sink = void (*)(void* context, char const* text, unsigned bytes);
   std::string text;
   call(entry<int (*)(char const*, Sink, void*, char*, unsigned)>("kestDmaSimText"), what, &append,
        static_cast<void*>(&text));
   return text;
+}
+
+std::string SimulatedDriver::textOf(char const* entryName, Mox::String8 const& name) const {
+  std::string text;
+  call(entry<int (*)(char const*, unsigned, Sink, void*, char*, unsigned)>(entryName),
+       name.charPtr(), static_cast<unsigned>(name.bytes()), &append, static_cast<void*>(&text));
+  return text;
+}
+
+std::string SimulatedDriver::interface(Mox::String8 const& ifName) const {
+  return textOf("kestDmaSimInterface", ifName);
+}
+
+std::string SimulatedDriver::device(Mox::String8 const& devName) const {
+  return textOf("kestDmaSimDevice", devName);
+}
+
+std::optional<Mox::String8> SimulatedDriver::nextInterface(Mox::String8 const& ifName) const {
+  std::string const next = textOf("kestDmaSimNextInterface", ifName);
+  if (next.empty()) return std::nullopt;  // no interface has an empty name
+  return Mox::String8(next);
 }
 
 }  // namespace Kest::Agent

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "agent/DriverLibrary.h"
@@ -26,10 +27,18 @@ class SimulatedDriver {
   /// @param what `dump`, `log`, `faults` or `state`
   std::string text(char const* what) const;
 
+  /// The entry of that name in the JSON of its state, an object with one member; empty when there
+  /// is none. A device's member is called by its PCI path.
+  std::string interface(Mox::String8 const& ifName) const;
+  std::string device(Mox::String8 const& devName) const;
+  /// The interface's name that follows that one, or the first after an empty one.
+  std::optional<Mox::String8> nextInterface(Mox::String8 const& ifName) const;
+
  private:
   template <class Entry>
   Entry entry(char const* name) const;
   void callWithText(char const* entryName, std::string const& text) const;
+  std::string textOf(char const* entryName, Mox::String8 const& name) const;
 
   DriverLibrary const& library_;
 };

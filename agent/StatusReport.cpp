@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 
 #include "agent/Collections.h"
 #include "agent/Text.h"
@@ -63,14 +64,13 @@ Row deviceRow(Mox::String8 const& devName, Config const& config, Status const& s
           stateCell(status.deviceState(devName), config.deviceState(devName))};
 }
 
-/// The keys that either collection holds, in the same order as theirs.
-std::vector<Mox::String8> allKeys(std::vector<Mox::String8> keys,
+/// The keys that either collection holds, in natural order as those are.
+std::vector<Mox::String8> allKeys(std::vector<Mox::String8> const& keys,
                                   std::vector<Mox::String8> const& more) {
-  for (Mox::String8 const& key : more) {
-    if (std::find(keys.begin(), keys.end(), key) == keys.end()) keys.push_back(key);
-  }
-  sortNaturally(keys);
-  return keys;
+  std::vector<Mox::String8> all;
+  std::set_union(keys.begin(), keys.end(), more.begin(), more.end(), std::back_inserter(all),
+                 NaturalOrder());
+  return all;
 }
 
 Table portTable(Config const& config, Status const& status) {

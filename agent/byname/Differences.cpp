@@ -1,11 +1,8 @@
 #include "agent/byname/Differences.h"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <utility>
 
-#include "agent/Collections.h"
 #include "agent/Text.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "registry/RecordTypes.h"
@@ -41,15 +38,13 @@ bool isSame(std::string const& field, Json const& wanted, Json const& has) {
   return static_cast<std::uint32_t>(has.get<std::int64_t>()) == (isNone ? ~0U : number);
 }
 
-/// Compares ports and devices one after the other.
+/// Compares what the sides say of one port or device.
 class Comparison {
  public:
   Comparison(Config const& config, Status const& status, DriverView const& driver)
       : config_(config), status_(status), driver_(driver) {}
 
-  std::vector<Difference> take() { return std::move(found_); }
-
-  void device(String8 const& devName) {
+  std::vector<Difference> device(String8 const& devName) {
     subject_ = "device " + nameText(devName);
     Json const known = driver_.device(devName);
     bool const isConfigured = static_cast<bool>(config_.deviceIteratorConst(devName));
@@ -68,21 +63,23 @@ class Comparison {
     }
     if (isConfigured) parameters(config_.device(devName), known);
     states(devName, isConfigured, known);
+    return std::move(found_);
   }
 
-  void port(String8 const& ifName) {
+  std::vector<Difference> port(String8 const& ifName) {
     subject_ = "port " + nameText(ifName);
     bool const isConfigured = static_cast<bool>(config_.switchPortIteratorConst(ifName));
     bool const isCreated = status_.switchPort(ifName).created();
     bool const isKnown = static_cast<bool>(status_.switchPortIteratorConst(ifName));
-    Json const known = driver_.hasInterfaces() ? driver_.interface(ifName) : noSay;
-    Json const exists = driver_.hasInterfaces() ? Json(!known.is_null()) : noSay;
+    Json const known = driver_.tellsAll() ? driver_.interface(ifName) : noSay;
+    Json const exists = driver_.tellsAll() ? Json(!known.is_null()) : noSay;
     if (isConfigured != isCreated || (!exists.is_discarded() && exists != isCreated)) {
       add("created", isConfigured, isCreated, exists);
     }
     if (!isConfigured && isKnown && !isCreated) add("present", false, true, noSay);
     if (isConfigured) parameters(config_.switchPort(ifName), known);
     vlan(ifName, isConfigured && isCreated, known);
+    return std::move(found_);
   }
 
  private:
@@ -152,29 +149,30 @@ class Comparison {
   std::vector<Difference> found_;
 };
 
-template <class... Keys>
-std::vector<String8> united(Keys const&... keys) {
-  std::set<String8> all;
-  (all.insert(keys.begin(), keys.end()), ...);
-  std::vector<String8> sorted(all.begin(), all.end());
-  sortNaturally(sorted);
-  return sorted;
-}
-
 }  // namespace
 
-std::vector<String8> deviceNames(Config const& config, Status const& status) {
-  return united(keysOf<Config::Devices>(config), keysOf<Config::DeviceStates>(config),
-                keysOf<Status::Devices>(status), keysOf<Status::DeviceStates>(status));
+OrderedKeys deviceNames(Mox::Ptr<Config const> const& config,
+                        Mox::Ptr<Status const> const& status) {
+  OrderedKeys names;
+  names.add<Config::Devices>(config);
+  names.add<Config::DeviceStates>(config);
+  names.add<Status::Devices>(status);
+  names.add<Status::DeviceStates>(status);
+  return names;
 }
 
-std::vector<String8> portNames(Config const& config, Status const& status,
-                               DriverView const& driver) {
-  std::vector<String8> driven;
-  for (auto const& [ifName, interface] : driver.interfaces()) driven.push_back(ifName);
-  return united(keysOf<Config::SwitchPorts>(config), keysOf<Status::SwitchPorts>(status),
-                keysOf<Status::NativeVlans>(status), keysOf<Status::SwitchportModes>(status),
-                driven);
+OrderedKeys portNames(Mox::Ptr<Config const> const& config, Mox::Ptr<Status const> const& status,
+                      DriverView const& driver) {
+  OrderedKeys names;
+  names.add<Config::SwitchPorts>(config);
+  names.add<Status::SwitchPorts>(status);
+  names.add<Status::NativeVlans>(status);
+  names.add<Status::SwitchportModes>(status);
+  names.add([driver, last = std::optional<String8>(String8())]() mutable {
+    if (last) last = driver.nextInterface(*last);
+    return last;
+  });
+  return names;
 }
 
 std::string Difference::message() const {
@@ -192,12 +190,14 @@ std::string Difference::message() const {
   return text;
 }
 
-std::vector<Difference> differences(Config const& config, Status const& status,
-                                    DriverView const& driver) {
-  Comparison comparison(config, status, driver);
-  for (String8 const& devName : deviceNames(config, status)) comparison.device(devName);
-  for (String8 const& ifName : portNames(config, status, driver)) comparison.port(ifName);
-  return comparison.take();
+std::vector<Difference> deviceDifferences(Config const& config, Status const& status,
+                                          DriverView const& driver, String8 const& devName) {
+  return Comparison(config, status, driver).device(devName);
+}
+
+std::vector<Difference> portDifferences(Config const& config, Status const& status,
+                                        DriverView const& driver, String8 const& ifName) {
+  return Comparison(config, status, driver).port(ifName);
 }
 
 }  // namespace Kest::Agent

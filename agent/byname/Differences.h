@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "agent/OrderedKeys.h"
 #include "agent/byname/DriverView.h"
 #include "agent/slice/SliceFile.h"
 
@@ -22,13 +23,15 @@ struct Difference {
   std::string message() const;
 };
 
-/// The devices and ports that any side knows, in natural order.
-std::vector<Mox::String8> deviceNames(Config const& config, Status const& status);
-std::vector<Mox::String8> portNames(Config const& config, Status const& status,
-                                    DriverView const& driver);
+/// The devices and ports that any side knows. The driver must outlive the gathering.
+OrderedKeys deviceNames(Mox::Ptr<Config const> const& config, Mox::Ptr<Status const> const& status);
+OrderedKeys portNames(Mox::Ptr<Config const> const& config, Mox::Ptr<Status const> const& status,
+                      DriverView const& driver);
 
-/// Every difference, devices before ports, each in natural order. It only reads.
-std::vector<Difference> differences(Config const& config, Status const& status,
-                                    DriverView const& driver);
+/// Where the three sides differ about one device, or one port. It only reads.
+std::vector<Difference> deviceDifferences(Config const& config, Status const& status,
+                                          DriverView const& driver, Mox::String8 const& devName);
+std::vector<Difference> portDifferences(Config const& config, Status const& status,
+                                        DriverView const& driver, Mox::String8 const& ifName);
 
 }  // namespace Kest::Agent

@@ -1,8 +1,11 @@
+#include <memory>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "agent/SimulatedDriver.h"
 #include "agent/byname/ControlError.h"
 #include "agent/byname/Differences.h"
+#include "agent/byname/PiecewiseResult.h"
 #include "agent/byname/Verbs.h"
 #include "platform/mox/RangeException.h"
 #include "registry/RecordTypes.h"
@@ -54,6 +57,20 @@ Json differenceJson(Difference const& difference) {
   return json;
 }
 
+/// A JSON text without the white space between its words.
+std::string onOneLine(std::string_view json) {
+  std::string line;
+  bool inString = false;
+  bool isEscaped = false;
+  for (char const c : json) {
+    if (!inString && (c == ' ' || c == '\n')) continue;
+    line += c;
+    if (c == '"' && !isEscaped) inString = !inString;
+    isEscaped = c == '\\' && !isEscaped;
+  }
+  return line;
+}
+
 /// @param refusedKind the kind of error when the simulated driver refuses, as opposed to not being
 /// there
 template <class Work>
@@ -68,32 +85,52 @@ void steer(SimulatedDriver const& simulated, Wire::ErrorKind refusedKind, Work c
 
 }  // namespace
 
-Json Verbs::verify(Request const& request) {
-  request.checkMembers({});
-  Json list = Json::array();
-  for (Difference const& difference :
-       differences(*served_.config, *served_.status, DriverView(served_.driver))) {
-    list.push_back(differenceJson(difference));
-  }
-  return {{"clean", list.empty()}, {"differences", list}};
-}
-
-Json Verbs::show(Request const& request) {
+Answer Verbs::verify(Request const& request) {
   request.checkMembers({});
   DriverView const driver(served_.driver);
-  Json devices = Json::array();
-  for (String8 const& devName : deviceNames(*served_.config, *served_.status)) {
-    devices.push_back(rowJson(served_, Config::Devices::keyName, devName, driver.device(devName)));
-  }
-  Json ports = Json::array();
-  for (String8 const& ifName : portNames(*served_.config, *served_.status, driver)) {
-    ports.push_back(
-        rowJson(served_, Config::SwitchPorts::keyName, ifName, driver.interface(ifName)));
-  }
-  return {{"devices", devices}, {"ports", ports}};
+  auto const any = std::make_shared<bool>(false);
+  auto const compared = [&](OrderedKeys names, auto differences) {
+    auto tell = [&served = served_, driver, differences](Items& items, String8 const& name) {
+      for (Difference const& found : differences(*served.config, *served.status, driver, name)) {
+        items.add(differenceJson(found));
+      }
+    };
+    return forEachKey(std::move(names), std::move(tell), any);
+  };
+  auto result = std::make_unique<PiecewiseResult>();
+  result->add(R"({"differences":[)");
+  result->add(compared(deviceNames(served_.config, served_.status), &deviceDifferences));
+  result->add(compared(portNames(served_.config, served_.status, driver), &portDifferences));
+  result->add([any, driver](std::string& text) {
+    text += *any ? R"(],"clean":false)" : R"(],"clean":true)";
+    if (!driver.tellsAll()) text += R"(,"notCompared":["interfaces","device parameters"])";
+    text += "}";
+    return false;
+  });
+  return result;
 }
 
-Json Verbs::driver(Request const& request) {
+Answer Verbs::show(Request const& request) {
+  request.checkMembers({});
+  DriverView const driver(served_.driver);
+  auto result = std::make_unique<PiecewiseResult>();
+  result->add(R"({"devices":[)");
+  result->add(forEachKey(deviceNames(served_.config, served_.status),
+                         [&served = served_, driver](Items& items, String8 const& devName) {
+                           items.add(rowJson(served, Config::Devices::keyName, devName,
+                                             driver.device(devName)));
+                         }));
+  result->add(R"(],"ports":[)");
+  result->add(forEachKey(portNames(served_.config, served_.status, driver),
+                         [&served = served_, driver](Items& items, String8 const& ifName) {
+                           items.add(rowJson(served, Config::SwitchPorts::keyName, ifName,
+                                             driver.interface(ifName)));
+                         }));
+  result->add("]}");
+  return result;
+}
+
+Answer Verbs::driver(Request const& request) {
   request.checkMembers({"action", "text", "device"});
   request.string("action");  // there is no default
   std::string const action = request.oneOf("action", {"log", "dump", "state", "fault", "flip"});
@@ -111,8 +148,11 @@ Json Verbs::driver(Request const& request) {
     steer(simulated, Wire::ErrorKind::path, [&] { simulated.flip(devName); });
     return Json::object();
   }
-  if (action == "state") return {{"state", Json::parse(simulated.text("state"))}};
-  return {{"text", simulated.text(action.c_str())}};
+  std::string const text = simulated.text(action.c_str());
+  auto result = std::make_unique<PiecewiseResult>();
+  result->add(action == "state" ? R"({"state":)" + onOneLine(text) + "}"
+                                : R"({"text":)" + jsonText(text) + "}");
+  return result;
 }
 
 }  // namespace Kest::Agent

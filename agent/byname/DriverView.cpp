@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <nlohmann/json.hpp>
+#include <string>
 #include <string_view>
 
 #include "agent/SimulatedDriver.h"
@@ -10,13 +11,8 @@ namespace Kest::Agent {
 
 namespace {
 
-Json found(std::map<Mox::String8, Json> const& all, Mox::String8 const& name) {
-  auto const at = all.find(name);
-  return at == all.end() ? Json(nullptr) : at->second;
-}
-
-/// Names in the simulated driver's state have `%XX` for bytes that JSON cannot hold.
-Mox::String8 unescaped(std::string_view text) {
+/// Strings in the simulated driver's state have `%XX` for bytes that JSON cannot hold.
+std::string unescaped(std::string_view text) {
   std::string bytes;
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (text[at] == '%' && at + 2 < text.size()) {
@@ -26,41 +22,50 @@ Mox::String8 unescaped(std::string_view text) {
       bytes += text[at];
     }
   }
-  return Mox::String8(bytes);
+  return bytes;
 }
 
 }  // namespace
 
 DriverView::DriverView(DriverLibrary const& driver)
-    : driver_(driver), simulated_(SimulatedDriver(driver).isThere()) {
-  if (!simulated_) return;
-  Json const state = Json::parse(SimulatedDriver(driver).text("state"));
-  for (auto const& [ifName, interface] : state.at("interfaces").items()) {
-    Json& known = interfaces_[unescaped(ifName)] = interface;
-    known["devName"] = std::string(unescaped(known.at("devName").get<std::string>()).view());
-  }
-  for (auto const& [pciPath, device] : state.at("devices").items()) {
-    Json known = device.at("param").is_null() ? Json::object() : device.at("param");
-    known["pciHam"] = std::string(unescaped(pciPath).view());
-    known["registered"] = !device.at("param").is_null();
-    devices_[unescaped(device.at("name").get<std::string>())] = known;
-  }
+    : driver_(driver), simulated_(SimulatedDriver(driver).isThere()) {}
+
+std::optional<Mox::String8> DriverView::nextInterface(Mox::String8 const& ifName) const {
+  if (!simulated_) return std::nullopt;
+  return SimulatedDriver(driver_).nextInterface(ifName);
 }
 
 Json DriverView::interface(Mox::String8 const& ifName) const {
-  return found(interfaces_, ifName);
+  if (!simulated_) return nullptr;
+  std::string const text = SimulatedDriver(driver_).interface(ifName);
+  if (text.empty()) return nullptr;
+  Json known = Json::parse(text).front();
+  known["devName"] = unescaped(known.at("devName").get_ref<std::string const&>());
+  return known;
 }
 
 Json DriverView::device(Mox::String8 const& devName) const {
   auto const [error, up] = driver_.deviceState(devName);
   if (error == ENODEV) return nullptr;
-  Json known = found(devices_, devName);
-  if (known.is_null()) known = Json::object();
+  Json known = parameters(devName);
   if (error == 0) {
     known["up"] = up;
   } else {
     known["error"] = error;
   }
+  return known;
+}
+
+Json DriverView::parameters(Mox::String8 const& devName) const {
+  Json known = Json::object();
+  if (!simulated_) return known;
+  std::string const text = SimulatedDriver(driver_).device(devName);
+  if (text.empty()) return known;
+  Json const entry = Json::parse(text);
+  Json const& parameters = entry.front().at("param");
+  if (!parameters.is_null()) known = parameters;
+  known["pciHam"] = unescaped(entry.begin().key());
+  known["registered"] = !parameters.is_null();
   return known;
 }
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <map>
 #include <optional>
-#include <string>
 
 #include "agent/DriverLibrary.h"
 #include "agent/json/GenericJson.h"
@@ -11,25 +9,29 @@
 namespace Kest::Agent {
 
 /// What the driver knows of ports and devices, each an object of values or null where it knows
-/// nothing. Every driver tells whether a device is up; the simulated one tells everything.
+/// nothing. Every driver tells whether a device is up; the simulated one tells everything. It is
+/// asked each time.
 class DriverView {
  public:
+  /// The library must outlive this.
   explicit DriverView(DriverLibrary const& driver);
 
-  /// Whether the driver tells of interfaces at all.
-  bool hasInterfaces() const noexcept { return simulated_; }
-  std::map<Mox::String8, Json> const& interfaces() const noexcept { return interfaces_; }
+  /// Whether the driver tells of interfaces, and of devices' parameters, at all.
+  bool tellsAll() const noexcept { return simulated_; }
+  /// The name of the interface that comes after that one in the driver's order, or the first after
+  /// an empty name; nothing at the end.
+  std::optional<Mox::String8> nextInterface(Mox::String8 const& ifName) const;
   /// Null when there is none of that name.
   Json interface(Mox::String8 const& ifName) const;
-  /// Asks the driver; null when there is none of that name. `up`, besides what the simulated driver
-  /// knows of parameters; or `error`, the number that it answers otherwise.
+  /// Null when there is none of that name. `up`, besides what the simulated driver knows of
+  /// parameters; or `error`, the number that it answers otherwise.
   Json device(Mox::String8 const& devName) const;
 
  private:
+  Json parameters(Mox::String8 const& devName) const;
+
   DriverLibrary const& driver_;
   bool simulated_;
-  std::map<Mox::String8, Json> interfaces_;
-  std::map<Mox::String8, Json> devices_;
 };
 
 }  // namespace Kest::Agent

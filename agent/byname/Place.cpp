@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "agent/NaturalOrder.h"
 #include "agent/Text.h"
 #include "agent/byname/ControlError.h"
 #include "agent/wire/NearMatch.h"
@@ -29,6 +28,17 @@ std::vector<std::string> names(std::vector<Root> const& roots) {
   std::vector<std::string> all;
   all.reserve(roots.size());
   for (Root const& root : roots) all.push_back(root.name);
+  return all;
+}
+
+OrderedKeys listed(std::vector<std::string> names) {
+  OrderedKeys all;
+  all.add([names = std::move(names)]() mutable -> std::optional<String8> {
+    if (names.empty()) return std::nullopt;
+    String8 const name(names.back());
+    names.pop_back();
+    return name;
+  });
   return all;
 }
 
@@ -62,14 +72,11 @@ class Walk {
     return std::move(place_);
   }
 
-  /// What may stand where its last name or its key stands, each as a path.
-  std::vector<std::string> continuations() {
+  Continuations continuations() {
     while (!atKey() && rest_.find('/') != std::string_view::npos) step();
     if (place_.attribute != nullptr && !atKey()) follow();
-    std::string const beginning = place_.path.substr(0, place_.path.size() - rest_.size());
-    std::vector<std::string> all = atKey() ? keys() : attributes();
-    for (std::string& one : all) one.insert(0, beginning);
-    return all;
+    return {place_.path.substr(0, place_.path.size() - rest_.size()),
+            atKey() ? keys() : listed(attributes())};
   }
 
  private:
@@ -113,10 +120,16 @@ class Walk {
   /// What is left of the path is a key.
   bool atKey() const { return place_.isWholeCollection(); }
 
-  std::vector<std::string> keys() const {
-    std::vector<std::string> all;
-    auto it = place_.object->attributeIteratorConst(place_.attribute->id);
-    for (; *it; ++*it) all.emplace_back(Mox::genericVal<String8>(it->key().get())->view());
+  OrderedKeys keys() const {
+    std::shared_ptr<Mox::AttributeIterator> const it =
+        place_.object->attributeIteratorConst(place_.attribute->id);
+    OrderedKeys all;
+    all.add([it]() -> std::optional<String8> {
+      if (!*it) return std::nullopt;
+      String8 const key = *Mox::genericVal<String8>(it->key().get());
+      ++*it;
+      return key;
+    });
     return all;
   }
 
@@ -197,19 +210,17 @@ Place placeAt(std::vector<Root> const& roots, std::string_view path) {
   return Walk(roots, path).whole();
 }
 
-std::vector<std::string> continuations(std::vector<Root> const& roots, std::string_view path) {
-  std::vector<std::string> all;
+Continuations continuations(std::vector<Root> const& roots, std::string_view path) {
   if (path.find('/') == std::string_view::npos) {
-    for (Root const& root : roots) all.push_back(root.name + "/");
-  } else {
-    try {
-      all = Walk(roots, path).continuations();
-    } catch (ControlError const&) {  // NOLINT(bugprone-empty-catch): it goes on to nothing
-    }
+    std::vector<std::string> all = names(roots);
+    for (std::string& name : all) name += '/';
+    return {"", listed(std::move(all))};
   }
-  std::erase_if(all, [&](std::string const& one) { return !one.starts_with(path); });
-  std::sort(all.begin(), all.end(), naturalLess);
-  return all;
+  try {
+    return Walk(roots, path).continuations();
+  } catch (ControlError const&) {
+    return {};
+  }
 }
 
 }  // namespace Kest::Agent

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "agent/OrderedKeys.h"
 #include "agent/Text.h"
 #include "platform/mox/GenericIf.h"
 #include "platform/mox/String8.h"
@@ -47,7 +48,13 @@ struct Place {
 /// `ControlError` of kind path, with a suggestion if there is a near one, when it leads nowhere.
 Place placeAt(std::vector<Root> const& roots, std::string_view path);
 
-/// What a path that begins so may go on to, each whole, in natural order: roots, attributes, keys.
-std::vector<std::string> continuations(std::vector<Root> const& roots, std::string_view path);
+/// What may stand where a path's last name or its key stands: roots, attributes, keys.
+struct Continuations {
+  std::string before;  // the path up to there
+  OrderedKeys names;   // those too that do not begin as the path goes on
+};
+
+/// None when the path leads nowhere.
+Continuations continuations(std::vector<Root> const& roots, std::string_view path);
 
 }  // namespace Kest::Agent

@@ -1,8 +1,11 @@
 #include <algorithm>
+#include <memory>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "agent/Text.h"
 #include "agent/byname/ControlError.h"
+#include "agent/byname/PiecewiseResult.h"
 #include "agent/byname/Verbs.h"
 #include "agent/wire/NearMatch.h"
 #include "platform/mox/IntrospectionReactor.h"
@@ -154,13 +157,23 @@ Json Verbs::describe(Request const& request) {
           {"attributes", attributes}};
 }
 
-Json Verbs::complete(Request const& request) {
+Answer Verbs::complete(Request const& request) {
   request.checkMembers({"path", "type", "handler"});
   if (auto const type = request.optionalString("type")) return typeNames(*type);
   if (auto const handler = request.optionalString("handler")) {
     return handlerNames(served_.roots(), *handler);
   }
-  return continuations(served_.roots(), request.string("path"));
+  std::string const path = request.string("path");
+  Continuations all = continuations(served_.roots(), path);
+  auto result = std::make_unique<PiecewiseResult>();
+  result->add("[");
+  result->add(forEachKey(std::move(all.names), [path, before = std::move(all.before)](
+                                                   Items& items, Mox::String8 const& name) {
+    std::string const whole = before + std::string(name.view());
+    if (whole.starts_with(path)) items.add(whole);
+  }));
+  result->add("]");
+  return result;
 }
 
 }  // namespace Kest::Agent

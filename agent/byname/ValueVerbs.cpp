@@ -1,8 +1,11 @@
+#include <memory>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "agent/Text.h"
 #include "agent/byname/ChangeRules.h"
 #include "agent/byname/ControlError.h"
+#include "agent/byname/PiecewiseResult.h"
 #include "agent/byname/Verbs.h"
 #include "agent/json/JsonText.h"
 #include "platform/mox/GenericIfPtrInterface.h"
@@ -36,29 +39,37 @@ class Form {
   bool asText_;
 };
 
-Json entriesJson(Mox::GenericIf const& object, Mox::AttributeId collection, Form const& form) {
-  Json entries = Json::object();
-  for (auto it = object.attributeIteratorConst(collection); *it; ++*it) {
-    String8 const key = *Mox::genericVal<String8>(it->key().get());
-    entries[std::string(key.view())] = form.show(it->value().get());
-  }
-  return entries;
+/// A collection, as an object of its entries.
+void addEntries(PiecewiseResult& result, Mox::GenericIf const& object, Mox::AttributeId collection,
+                Form const& form) {
+  std::shared_ptr<Mox::AttributeIterator> const it = object.attributeIteratorConst(collection);
+  result.add("{");
+  result.add(whileAny([it, form](Items& items) {
+    if (!*it) return false;
+    items.add(Mox::genericVal<String8>(it->key().get())->view(), form.show(it->value().get()));
+    ++*it;
+    return true;
+  }));
+  result.add("}");
 }
 
-/// Every attribute but the handlers.
-Json objectJson(Mox::GenericIf& object, Form const& form) {
-  Json attributes = Json::object();
+/// Every attribute but the handlers. Nothing but entries is left to be read later.
+void addAttributes(PiecewiseResult& result, Mox::GenericIf& object, Form const& form) {
+  std::string before = "{";
   for (Mox::Attribute const& attribute : object.type()->typeNode()->attributes()) {
-    std::string const name(attribute.name.view());
-    if (attribute.introspectionClass == IntrospectionClass::collection) {
-      attributes[name] = entriesJson(object, attribute.id, form);
-    } else if (attribute.introspectionClass == IntrospectionClass::scalar) {
+    bool const isCollection = attribute.introspectionClass == IntrospectionClass::collection;
+    if (!isCollection && attribute.introspectionClass != IntrospectionClass::scalar) continue;
+    result.add(before + jsonText(attribute.name.view()) + ":");
+    before = ",";
+    if (isCollection) {
+      addEntries(result, object, attribute.id, form);
+    } else {
       Generic value;
       object.attributeOp({attribute.id, AttributeOpCode::read}, nullptr, value);
-      attributes[name] = form.show(value.get());
+      result.add(jsonText(form.show(value.get())));
     }
   }
-  return attributes;
+  result.add(before == "{" ? "{}" : "}");
 }
 
 Mox::MoxType const& typeAt(Place const& place) {
@@ -69,17 +80,6 @@ Mox::MoxType const& typeAt(Place const& place) {
 void checkIsData(Place const& place) {
   if (place.attribute->introspectionClass != IntrospectionClass::handler) return;
   throw ControlError(ErrorKind::refused, place.shown() + " is a handler: call it");
-}
-
-Json valueAt(Place const& place, Form const& form) {
-  if (place.attribute == nullptr) return objectJson(*place.object, form);
-  checkIsData(place);
-  if (place.isWholeCollection()) return entriesJson(*place.object, place.attribute->id, form);
-  Generic const value = place.read();
-  if (value == nullptr) {
-    throw ControlError(ErrorKind::path, "there is no " + place.shown());
-  }
-  return form.show(value.get());
 }
 
 /// Carries a change out. What an attribute does not support is told by what was asked for.
@@ -194,12 +194,30 @@ Mox::GenericIf::List_ givenArguments(Request const& request, Mox::Attribute cons
 
 }  // namespace
 
-Json Verbs::get(Request const& request) {
+Answer Verbs::get(Request const& request) {
   request.checkMembers({"path", "form"});
   Place const place = placeAt(served_.roots(), request.string("path"));
   Form const form(request);
+  if (place.attribute != nullptr) checkIsData(place);
+  if (place.attribute == nullptr || place.isWholeCollection()) {
+    auto result = std::make_unique<PiecewiseResult>();
+    std::string opening = jsonText(header(place));
+    opening.back() = ',';
+    result->add(opening + R"("value":)");
+    if (place.attribute == nullptr) {
+      addAttributes(*result, *place.object, form);
+    } else {
+      addEntries(*result, *place.object, place.attribute->id, form);
+    }
+    result->add("}");
+    return result;
+  }
+  Generic const value = place.read();
+  if (value == nullptr) {
+    throw ControlError(ErrorKind::path, "there is no " + place.shown());
+  }
   Json result = header(place);
-  result["value"] = valueAt(place, form);
+  result["value"] = form.show(value.get());
   return result;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -18,11 +19,12 @@ using Wire::ErrorKind;
 /// One verb. It changes something always, or only when the request has one of some members.
 struct Verbs::Verb {
   using Now = Json (Verbs::*)(Request const&);
+  using InPieces = Answer (Verbs::*)(Request const&);
   using Longer = Answer (Verbs::*)(Request const&, Later);
 
   char const* name;
   bool (*changes)(Request const& request);
-  std::variant<Now, Longer> carryOut;
+  std::variant<Now, InPieces, Longer> carryOut;
 };
 
 std::span<Verbs::Verb const> Verbs::all() {
@@ -73,10 +75,15 @@ Answer Verbs::carryOut(Json const& json, bool mayChange, Later later) {
                        "'" + name + "' changes the agent: only root and the agent's user may");
   }
   try {
-    if (auto const* const now = std::get_if<Verb::Now>(&verb->carryOut)) {
-      return (this->**now)(request);
-    }
-    return (this->*std::get<Verb::Longer>(verb->carryOut))(request, std::move(later));
+    return std::visit(
+        [&](auto operation) -> Answer {
+          if constexpr (std::is_same_v<decltype(operation), Verb::Longer>) {
+            return (this->*operation)(request, std::move(later));
+          } else {
+            return (this->*operation)(request);
+          }
+        },
+        verb->carryOut);
   } catch (std::exception const&) {
     throw ControlError::ofException();
   }

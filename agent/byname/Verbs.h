@@ -27,20 +27,20 @@ class Verbs {
 
   Json types(Request const& request);
   Json describe(Request const& request);
-  Json complete(Request const& request);
-  Json get(Request const& request);
+  Answer complete(Request const& request);
+  Answer get(Request const& request);
   Json set(Request const& request);
   Json del(Request const& request);
   Json notify(Request const& request);
   Json call(Request const& request);
   Json mode(Request const& request);
-  Json verify(Request const& request);
-  Json show(Request const& request);
+  Answer verify(Request const& request);
+  Answer show(Request const& request);
   Answer apply(Request const& request, Later later);
   Json diff(Request const& request);
   Json dump(Request const& request);
   Json trace(Request const& request);
-  Json driver(Request const& request);
+  Answer driver(Request const& request);
 
   void checkIdle() const;
 

@@ -57,6 +57,12 @@ std::string textOf(std::string const& what) {
       String8("expected " + known + ", found " + Mox::valueToStrep(String8(what)).charPtr()));
 }
 
+using Sink = void (*)(void* context, char const* text, unsigned bytes);
+
+void hand(std::string_view text, Sink sink, void* context) {
+  sink(context, text.data(), static_cast<unsigned>(text.size()));
+}
+
 }  // namespace
 
 int kestDmaSimFaultFileIs(char const* path, char* error, unsigned errorBytes) noexcept {
@@ -84,8 +90,39 @@ int kestDmaSimDeviceFlip(char const* devName, unsigned devNameBytes, char* error
 
 int kestDmaSimText(char const* what, void (*sink)(void* context, char const* text, unsigned bytes),
                    void* context, char* error, unsigned errorBytes) noexcept {
+  return answered(error, errorBytes, [&] { hand(textOf(string(what)), sink, context); });
+}
+
+int kestDmaSimInterface(char const* name, unsigned nameBytes,
+                        void (*sink)(void* context, char const* text, unsigned bytes),
+                        void* context, char* error, unsigned errorBytes) noexcept {
   return answered(error, errorBytes, [&] {
-    std::string const text = textOf(string(what));
-    sink(context, text.data(), static_cast<unsigned>(text.size()));
+    String8 const ifName(std::string_view(name, nameBytes));
+    if (auto const* const interface = simDriver().interface(ifName)) {
+      hand(entryText(ifName, *interface), sink, context);
+    }
+  });
+}
+
+int kestDmaSimDevice(char const* name, unsigned nameBytes,
+                     void (*sink)(void* context, char const* text, unsigned bytes), void* context,
+                     char* error, unsigned errorBytes) noexcept {
+  return answered(error, errorBytes, [&] {
+    String8 const devName(std::string_view(name, nameBytes));
+    for (auto const& [pciPath, device] : simDriver().devices()) {
+      if (device.name != devName || devName.empty()) continue;
+      hand(entryText(pciPath, device), sink, context);
+      return;
+    }
+  });
+}
+
+int kestDmaSimNextInterface(char const* name, unsigned nameBytes,
+                            void (*sink)(void* context, char const* text, unsigned bytes),
+                            void* context, char* error, unsigned errorBytes) noexcept {
+  return answered(error, errorBytes, [&] {
+    auto const& all = simDriver().interfaces();
+    auto const next = all.upper_bound(String8(std::string_view(name, nameBytes)));
+    if (next != all.end()) hand(next->first.view(), sink, context);
   });
 }

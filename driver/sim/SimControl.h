@@ -34,4 +34,23 @@ KEST_SIM_API int kestDmaSimDeviceFlip(char const* devName, unsigned devNameBytes
 KEST_SIM_API int kestDmaSimText(char const* what,
                                 void (*sink)(void* context, char const* text, unsigned bytes),
                                 void* context, char* error, unsigned errorBytes) noexcept;
+
+/// Each of these hands a text over to `sink` as `kestDmaSimText` does, or does not call it when
+/// there is no such interface or device.
+/// @param name not ended by a NUL
+/// @{
+/// The interface, or the device, of that name: its entry in a state file (`StateText.h`), as an
+/// object of its own on one line. The entry of a device is called by its PCI path.
+KEST_SIM_API int kestDmaSimInterface(char const* name, unsigned nameBytes,
+                                     void (*sink)(void* context, char const* text, unsigned bytes),
+                                     void* context, char* error, unsigned errorBytes) noexcept;
+KEST_SIM_API int kestDmaSimDevice(char const* name, unsigned nameBytes,
+                                  void (*sink)(void* context, char const* text, unsigned bytes),
+                                  void* context, char* error, unsigned errorBytes) noexcept;
+/// The name of the first interface after `name`, which need not be one's, in the order of bytes.
+KEST_SIM_API int kestDmaSimNextInterface(char const* name, unsigned nameBytes,
+                                         void (*sink)(void* context, char const* text,
+                                                      unsigned bytes),
+                                         void* context, char* error, unsigned errorBytes) noexcept;
+/// @}
 }

@@ -78,4 +78,12 @@ std::string changeText(Change const& change) {
   return toJson(change).dump();
 }
 
+std::string entryText(String8 const& ifName, Interface const& interface) {
+  return toJson(std::map{std::pair(ifName, interface)}).dump();
+}
+
+std::string entryText(String8 const& pciPath, Device const& device) {
+  return toJson(std::map{std::pair(pciPath, device)}).dump();
+}
+
 }  // namespace Hardware::Kest::Sim

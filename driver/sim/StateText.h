@@ -44,6 +44,9 @@ struct Change {
 KEST_SIM_API std::string stateText(SliceState const& state);
 /// Without the line's check and end.
 KEST_SIM_API std::string changeText(Change const& change);
+/// One entry of `interfaces`, or of `devices`, as an object of its own on one line.
+KEST_SIM_API std::string entryText(Mox::String8 const& ifName, Interface const& interface);
+KEST_SIM_API std::string entryText(Mox::String8 const& pciPath, Device const& device);
 
 /// Refuses also what the rules of the operations do not allow.
 /// @param name of the text, for errors

@@ -13,7 +13,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-std::string const clean = R"({"ok":true,"result":{"clean":true,"differences":[]}})";
+std::string const clean = R"({"ok":true,"result":{"differences":[],"clean":true}})";
 std::string const faultsTaken = R"({"ok":true,"result":{}})";
 
 class ControlledAgent : public ScratchDirectory {

@@ -50,6 +50,19 @@ class SimControl : public testing::Test {
     return result == 0 ? taken : error_;
   }
 
+  /// What an entry hands over for a name; "nothing" when it does not.
+  template <class Entry>
+  std::string found(Entry* declared, char const* entryName, std::string const& name) {
+    std::string taken = "nothing";
+    auto const sink = [](void* context, char const* chars, unsigned bytes) {
+      static_cast<std::string*>(context)->assign(chars, bytes);
+    };
+    auto const bytes = static_cast<unsigned>(name.size());
+    EXPECT_EQ(entry(declared, entryName)(name.data(), bytes, sink, &taken, error_, sizeof error_),
+              0);
+    return taken;
+  }
+
   std::pair<int, std::string> flip(std::string const& devName) {
     *error_ = '\0';
     auto const bytes = static_cast<unsigned>(devName.size());
@@ -91,6 +104,41 @@ TEST_F(SimControl, HandsOverItsTexts) {
   EXPECT_EQ(text("log"), "");
   EXPECT_EQ(text("logs"), "expected dump, log, faults or state, found 'logs'");
   EXPECT_EQ(text(nullptr), "expected dump, log, faults or state, found ''");
+}
+
+TEST_F(SimControl, FindsOneInterfaceOrDeviceByItsName) {
+  std::string const strange = "et%\xff";
+  for (std::string const& ifName : {std::string("et2"), strange, std::string("et1")}) {
+    simDriver().ifadd(Mox::String8(ifName),
+                      {7, -1, 0, "fap0", 1, false, true, "00:1c:73:00:00:01"});
+  }
+  auto const interface = [&](std::string const& name) {
+    return found(&kestDmaSimInterface, "kestDmaSimInterface", name);
+  };
+  EXPECT_EQ(interface(strange),
+            R"({"et%25%FF":{"destId":7,"shadowIntfId":-1,"trafficClass":0,"devName":"fap0",)"
+            R"("fapNum":1,"ctrl":false,"hwLag":true,"macAddr":"00:1c:73:00:00:01",)"
+            R"("nativeVlan":4096,"mode":false}})");
+  EXPECT_EQ(interface("et3"), "nothing");
+  EXPECT_EQ(interface(std::string("et1\0", 4)), "nothing");
+  auto const device = [&](std::string const& name) {
+    return found(&kestDmaSimDevice, "kestDmaSimDevice", name);
+  };
+  EXPECT_EQ(device("fap0"),
+            R"({"0000:05:00.0":{"name":"fap0","param":{"numFaps":2,"fapType":"fapTypeArad",)"
+            R"("cpuTmSysPort":1,"cpuEthSysPort":2,"cpuRawSysPort":3,"sflowPort":4,)"
+            R"("cpuAradSysPort":5,"cpuArad":6,"cpuAradBridge":7},"up":false,"flips":0}})");
+  EXPECT_EQ(device("fap1"), "nothing");
+  Mox::Ptr<Fru::PciHam> const unnamed(new Fru::PciHam("unnamed"));
+  simDriver().deviceRename("", unnamed);
+  EXPECT_EQ(device(""), "nothing");
+  auto const next = [&](std::string const& name) {
+    return found(&kestDmaSimNextInterface, "kestDmaSimNextInterface", name);
+  };
+  EXPECT_EQ(next(""), strange);
+  EXPECT_EQ(next(strange), "et1");
+  EXPECT_EQ(next("et1a"), "et2");
+  EXPECT_EQ(next("et2"), "nothing");
 }
 
 TEST_F(SimControl, KeepsAnExceptionOfTheSinkToItself) {

@@ -26,6 +26,9 @@ TEST(SimLibrary, ExportsTheNineFunctionsAndTheEntriesInTermsOfC) {
            "kestDmaSimStateFileIs",
            "kestDmaSimDeviceFlip",
            "kestDmaSimText",
+           "kestDmaSimInterface",
+           "kestDmaSimDevice",
+           "kestDmaSimNextInterface",
        }) {
     EXPECT_NE(dlsym(library, symbol), nullptr) << symbol;
   }

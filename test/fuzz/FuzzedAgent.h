@@ -64,7 +64,18 @@ class FuzzedAgent {
   bool isApplying() const { return application_.isRunning(); }
   /// Whether configuration, status and driver agree.
   bool isClean() const {
-    return Kest::Agent::differences(*config_, *status_, Kest::Agent::DriverView(driver_)).empty();
+    Kest::Agent::DriverView const driver(driver_);
+    auto const agree = [&](Kest::Agent::OrderedKeys names, auto differences) {
+      while (names.gather()) {
+      }
+      bool all = true;
+      while (auto const name = names.take()) {
+        all = all && differences(*config_, *status_, driver, *name).empty();
+      }
+      return all;
+    };
+    return agree(Kest::Agent::deviceNames(config_, status_), &Kest::Agent::deviceDifferences) &&
+           agree(Kest::Agent::portNames(config_, status_, driver), &Kest::Agent::portDifferences);
   }
 
  private:
