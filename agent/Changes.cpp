@@ -74,17 +74,17 @@ class ConfigComparison {
   void unchanged(Mox::String8 const& key) {
     ++changes_.unchanged;
     if constexpr (std::is_same_v<Collection, Config::DeviceStates>) {
-      if (isReregistered(key)) {
+      if (leavesItDown(key)) {
         add(label<Collection>('!', key) + " announced again",
             [key](Config& config) { config.deviceStateNotify(key); });
       }
     }
   }
 
-  bool isReregistered(Mox::String8 const& devName) const {
+  bool leavesItDown(Mox::String8 const& devName) const {
     auto const device = wanted_.deviceIteratorConst(devName);
     auto const before = running_.deviceIteratorConst(devName);
-    return device && !(before && before.value() == device.value());
+    return device && isReregistered(before ? &before.value() : nullptr, device.value());
   }
 
   Config const& running_;
@@ -93,6 +93,10 @@ class ConfigComparison {
 };
 
 }  // namespace
+
+bool isReregistered(Config::Device const* before, Config::Device const& now) {
+  return before == nullptr || !(*before == now);
+}
 
 Changes changesBetween(Config const& running, Config const& wanted) {
   ConfigComparison comparison(running, wanted);

@@ -21,6 +21,11 @@ struct Changes {
   std::size_t unchanged = 0;  // entries that both configurations hold alike
 };
 
+/// Whether a device is registered anew, and so left down, as its record becomes `now`: then its
+/// state is to be announced again.
+/// @param before null when there was none
+bool isReregistered(Config::Device const* before, Config::Device const& now);
+
 /// The steps that turn `running` into `wanted`, each by one of the entity's mutators, so that only
 /// what differs is announced. They come in the order that the state machine's rules need:
 ///

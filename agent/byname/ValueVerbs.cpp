@@ -1,7 +1,9 @@
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <utility>
 
+#include "agent/Changes.h"
 #include "agent/Text.h"
 #include "agent/byname/ChangeRules.h"
 #include "agent/byname/ControlError.h"
@@ -11,6 +13,7 @@
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "platform/mox/GenericValue.h"
 #include "platform/mox/IntrospectionReactor.h"
+#include "registry/RecordTypes.h"
 
 /// Reading, changing and calling by name.
 namespace Kest::Agent {
@@ -132,16 +135,27 @@ Json withKey(Place const& place, Json value) {
   return value;
 }
 
+/// Whether fields that a request does not name get their defaults, or stay as they are.
+bool isReplacing(Request const& request) {
+  Json const* const replace = request.find("replace");
+  if (replace == nullptr) return false;
+  if (replace->is_boolean()) return replace->get<bool>();
+  throw ControlError(
+      ErrorKind::request,
+      std::string("expected true or false as 'replace', found ") + replace->type_name());
+}
+
 /// The value that a request gives for a place.
-Generic givenValue(Request const& request, Place const& place) {
+/// @param base the record that a JSON object changes; null: it makes a new one
+Generic givenValue(Request const& request, Place const& place, Mox::GenericIf const* base) {
   Mox::MoxType const& type = typeAt(place);
   Json const* const value = request.find("value");
   if ((value != nullptr) == (request.find("text") != nullptr)) {
     throw ControlError(ErrorKind::request, "expected one of the members 'value' and 'text'");
   }
-  if (value != nullptr) return fromJson(type, withKey(place, *value));
+  if (value != nullptr) return fromJson(type, withKey(place, *value), base);
   std::string const text = request.string("text");
-  if (isTypedJson(type, text)) return fromJson(type, withKey(place, objectFromText(text)));
+  if (isTypedJson(type, text)) return fromJson(type, withKey(place, objectFromText(text)), base);
   return fromTyped(type, text);
 }
 
@@ -163,6 +177,19 @@ Generic withField(Place const& place, Mox::GenericIf const& part) {
     }
   }
   return type.genericIfNew(parts);
+}
+
+/// Stores a value. As when a slice is applied, the state of a device that this leaves down is
+/// announced again.
+void store(Place const& place, Mox::GenericIf const& value, Config& config) {
+  std::optional<Config::Device> before;
+  auto const* const device = Mox::genericVal<Config::Device>(&value);
+  if (device != nullptr) {
+    if (auto const entry = config.deviceIteratorConst(*place.key)) before = entry.value();
+  }
+  change(place, AttributeOpCode::store, "set", &value);
+  if (device == nullptr || !isReregistered(before ? &*before : nullptr, *device)) return;
+  if (config.deviceStateIteratorConst(*place.key)) config.deviceStateNotify(*place.key);
 }
 
 /// Neither an entry that is absent nor a reference to nothing.
@@ -222,17 +249,18 @@ Answer Verbs::get(Request const& request) {
 }
 
 Json Verbs::set(Request const& request) {
-  request.checkMembers({"path", "value", "text", "form"});
+  request.checkMembers({"path", "value", "text", "replace", "form"});
   Place const place = placeAt(served_.roots(), request.string("path"));
   Form const form(request);
+  bool const isWhole = isReplacing(request) || place.field != nullptr;
   checkChangeable(place);
-  Generic value = givenValue(request, place);
+  Generic const before = place.read();
+  Generic value = givenValue(request, place, isWhole ? nullptr : before.get());
   if (place.field != nullptr) value = withField(place, *value);
   if (place.key) checkStore(place, *value);
   checkIdle();
 
-  Generic const before = place.read();
-  change(place, AttributeOpCode::store, "set", value.get());
+  store(place, *value, *served_.config);
   Generic const now = place.read();
   Json result = header(place);
   result["changed"] = before == nullptr || now == nullptr || !isEqual(*now, *before);

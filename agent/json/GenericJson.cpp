@@ -109,17 +109,17 @@ void checkMembers(MoxType const& type, Json const& object) {
   }
 }
 
-/// From the record's parts in order; those that `object` does not name are a default record's.
-Generic recordFrom(MoxType const& type, Json const& object) {
+/// From the record's parts in order; those that `object` does not name are the base's.
+Generic recordFrom(MoxType const& type, Json const& object, GenericIf const* base) {
   if (!object.is_object()) refuse("an object of the fields", object);
   checkMembers(type, object);
-  Generic const defaults = type.genericIfNew(GenericIf::List_());
+  Generic const others = base == nullptr ? type.genericIfNew(GenericIf::List_()) : base->clone();
   GenericIf::List_ parts;
   for (Mox::Argument const& part : type.typeNode()->constructorArguments()) {
     Mox::Attribute const& field = *type.typeNode()->attribute(part.name);
     auto const given = object.find(std::string(part.name.view()));
     try {
-      parts.add(given == object.end() ? readAttribute(*defaults, field.id)
+      parts.add(given == object.end() ? readAttribute(*others, field.id)
                                       : fromJson(*field.type, *given));
     } catch (Mox::RangeException const& refused) {
       Mox::rethrowFromDeserializeAttr(refused, part.name.charPtr());
@@ -175,8 +175,8 @@ Json toJson(GenericIf const& value) {
   return isBasic ? json : Json(bareText(value));
 }
 
-Generic fromJson(MoxType const& type, Json const& json) {
-  if (isRecord(type)) return recordFrom(type, json);
+Generic fromJson(MoxType const& type, Json const& json, GenericIf const* base) {
+  if (isRecord(type)) return recordFrom(type, json, base);
   if (&type == Mox::TypeOf<bool>::type()) {
     if (!json.is_boolean()) refuse("true or false", json);
     return Mox::genericOf(json.get<bool>());
@@ -208,8 +208,10 @@ Generic fromTyped(MoxType const& type, std::string_view text) {
   std::string const typed(text);
   bool const isReferenceForm = text.starts_with("EntityPtr") || text == "None";
   bool const isTextForm = text.starts_with('\'') || (isReference(type) && isReferenceForm);
-  bool const isPlain = isRecord(type) || isNumber(type) || &type == Mox::TypeOf<bool>::type() ||
-                       &type == Mox::TypeOf<double>::type();
+  bool const isFlag = &type == Mox::TypeOf<bool>::type();
+  if (isFlag && (text == "true" || text == "false")) return Mox::genericOf(text == "true");
+  bool const isPlain =
+      isRecord(type) || isNumber(type) || isFlag || &type == Mox::TypeOf<double>::type();
   if (type.kind() == Kind::enumeration) {
     return enumeratorFrom(type, isTextForm
                                     ? std::string(Mox::strepToValue<String8>(String8(text)).view())

@@ -25,13 +25,17 @@ using Json = nlohmann::ordered_json;
 
 Json toJson(Mox::GenericIf const& value);
 
-/// A value of `type`. In a record's object members that are missing keep the record's defaults.
-/// `Mox::RangeException` "expected ..., found ...", the field named in front, when it is none.
-std::unique_ptr<Mox::GenericIf> fromJson(Mox::MoxType const& type, Json const& json);
+/// A value of `type`. `Mox::RangeException` "expected ..., found ...", the field named in front,
+/// when it is none.
+/// @param base the record from which members come that a record's object does not have; null: a
+/// default one
+std::unique_ptr<Mox::GenericIf> fromJson(Mox::MoxType const& type, Json const& json,
+                                         Mox::GenericIf const* base = nullptr);
 
 /// A value of `type` as a person types it: its text form, where strings, MAC addresses, enumerators
 /// (their short names too, or their numbers) and paths of references may come without apostrophes;
-/// a record also as a JSON object. `Mox::RangeException` when it is none.
+/// flags may be `true` or `false`, and a record a JSON object. `Mox::RangeException` when it is
+/// none.
 std::unique_ptr<Mox::GenericIf> fromTyped(Mox::MoxType const& type, std::string_view text);
 /// Whether `fromTyped` takes the text for a JSON object.
 bool isTypedJson(Mox::MoxType const& type, std::string_view text);

@@ -59,6 +59,64 @@ TEST_F(Verb, SetReplacesARecordWholeOrOneFieldOfIt) {
             "refused: 'switchPort' does not take that index");
 }
 
+TEST_F(Verb, SetOfARecordChangesTheFieldsThatItNames) {
+  auto const port = [&] { return config->switchPort("et3/2"); };
+  Config::SwitchPort const before = port();
+  ask(R"({"verb":"set","path":"config/switchPort/et3/2","text":"{\"destId\":5}"})");
+  EXPECT_EQ(port().destId(), 5U);
+  EXPECT_EQ(port().macAddr(), before.macAddr());
+  ask(R"({"verb":"set","path":"config/switchPort/et3/2","value":{"destId":6},"replace":false})");
+  EXPECT_EQ(port().destId(), 6U);
+  EXPECT_EQ(port().devName(), "fap0");
+  ask(R"({"verb":"set","path":"config/switchPort/et3/2","value":{"ctrl":true},"replace":true})");
+  EXPECT_EQ(ask(R"({"verb":"get","path":"config/switchPort/et3/2"})"),
+            R"({"path":"config/switchPort/et3/2",)"
+            R"("type":"Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort","value":{)"
+            R"("ifName":"et3/2","destId":0,"shadowIntfId":0,"trafficClass":0,"devName":"",)"
+            R"("fapNum":0,"ctrl":true,"hwLag":false,"macAddr":"00:00:00:00:00:00"}})");
+  ask(R"({"verb":"set","path":"config/switchPort/et3/2","text":)"
+      R"("Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** )"
+      R"x({'ifName': 'et3/2', 'destId': 7})"})x");
+  EXPECT_EQ(port().destId(), 7U);
+  EXPECT_FALSE(port().ctrl());
+  EXPECT_EQ(ask(R"({"verb":"set","path":"config/sliceId","text":"x","replace":null})"),
+            "request: expected true or false as 'replace', found null");
+}
+
+TEST_F(Verb, SetTakesFlagsAsTheyAreShownAndAsTextForms) {
+  for (char const* flag : {"true", "false", "True", "False"}) {
+    ask(R"({"verb":"set","path":"config/switchPort/et3/2:ctrl","text":")" + std::string(flag) +
+        "\"}");
+    EXPECT_EQ(config->switchPort("et3/2").ctrl(), flag[0] == 't' || flag[0] == 'T') << flag;
+    ask(R"({"verb":"call","handler":"hasNotificationActiveIs","args":[")" + std::string(flag) +
+        "\"]}");
+    EXPECT_EQ(sm->hasNotificationActive(), flag[0] == 't' || flag[0] == 'T') << flag;
+    sm->hasNotificationActiveIs(true);
+  }
+}
+
+/// As when a slice is applied: registering a device leaves it down.
+TEST_F(Verb, SetOfADeviceBringsItBackToItsState) {
+  auto const isUp = [] { return Hardware::Kest::Sim::simDriver().device("fap0")->up; };
+  auto const clean = R"({"differences":[],"clean":true})";
+  ask(R"({"verb":"set","path":"config/device/fap0:numFaps","value":2})");
+  EXPECT_EQ(Hardware::Kest::Sim::simDriver().device("fap0")->param->numFaps, 2U);
+  EXPECT_TRUE(isUp());
+  EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
+  ask(R"({"verb":"set","path":"config/device/fap0","value":{"numFaps":3}})");
+  EXPECT_TRUE(isUp());
+  EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
+
+  std::uint64_t const calls = Hardware::Kest::Sim::simDriver().log().total();
+  ask(R"({"verb":"set","path":"config/device/fap0","value":{"numFaps":3}})");
+  EXPECT_EQ(Hardware::Kest::Sim::simDriver().log().total(), calls);
+
+  ask(R"({"verb":"del","path":"config/device/fap0"})");
+  ask(R"({"verb":"set","path":"config/device/fap0","value":{"pciHam":"/pci/0000:05:00.0"}})");
+  EXPECT_TRUE(isUp());
+  EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
+}
+
 TEST_F(Verb, DelRemovesAndShowsWhatWasThere) {
   std::string const del = R"({"verb":"del","path":"config/nativeVlan/et3/1"})";
   EXPECT_EQ(ask(del),

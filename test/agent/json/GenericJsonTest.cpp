@@ -132,7 +132,8 @@ TEST(GenericJson, WhatAPersonTypesMayDoWithoutApostrophes) {
   EXPECT_EQ(typed<Mox::String8>(""), "''");
   EXPECT_EQ(typed<Pelk::EthAddr>("00:1c:73:0a:0b:0c"), "'00:1c:73:0a:0b:0c'");
   EXPECT_EQ(typed<std::uint16_t>("10"), "10");
-  EXPECT_EQ(typed<bool>("True"), "True");
+  for (char const* flag : {"True", "true"}) EXPECT_EQ(typed<bool>(flag), "True");
+  for (char const* flag : {"False", "false"}) EXPECT_EQ(typed<bool>(flag), "False");
   EXPECT_EQ(typed<double>("2.5"), "2.5");
   EXPECT_EQ(typed<Fru::PciHam>("None"), "None");
   for (char const* mode : {"smModePolling", "'smModePolling'", "polling", "2"}) {
@@ -149,7 +150,7 @@ TEST(GenericJson, WhatAPersonMistypesIsRefused) {
   EXPECT_EQ(typed<Mox::String8>("'a' b"), "refused: junk at column 3 deserializing 'a' b");
   EXPECT_EQ(typed<std::uint16_t>("ten"), "refused: expected a decimal number, found 't'");
   EXPECT_EQ(typed<std::uint16_t>("10 "), "refused: junk at column 2 deserializing 10 ");
-  EXPECT_EQ(typed<bool>("true"), "refused: expected True or False, found 't'");
+  EXPECT_EQ(typed<bool>("TRUE"), "refused: expected True or False, found 'T'");
   EXPECT_EQ(typed<Hardware::Kest::SmMode>("3"),
             "refused: expected 'smModeInitial', 'smModeStandby' or 'smModePolling', found '3'");
   EXPECT_EQ(typed<KestSliceDmaStatus::Device>("{"),
