@@ -280,6 +280,22 @@ TEST_F(Verify, TheModeOnEachSide) {
                                 "status switchportModeTrunk, driver true"});
 }
 
+TEST_F(Verify, SaysWhatADriverThatTellsLittleLeavesUncompared) {
+  DriverLibrary const bare(KEST_DRIVER_BARE);
+  Mox::Ptr<Config> const wanted(new Config("config"));
+  Mox::Ptr<Status> const done(new Status("status"));
+  Served const little{wanted, done, nullptr, bare, handles, served.isApplying, served.apply};
+  auto const verified = [&] {
+    return whole(Verbs(little).carryOut({{"verb", "verify"}}, false, nullptr), {});
+  };
+  EXPECT_EQ(verified(), R"({"differences":[],"clean":true,)"
+                        R"("notCompared":["interfaces","device parameters"]})");
+  done->nativeVlanIs("et9", 5);
+  EXPECT_EQ(verified(), R"({"differences":[{"subject":"port et9","what":"nativeVlan","status":5,)"
+                        R"("message":"port et9 nativeVlan: status 5"}],"clean":false,)"
+                        R"("notCompared":["interfaces","device parameters"]})");
+}
+
 TEST_F(Verify, SubjectsComeDevicesFirstInNaturalOrder) {
   for (char const* ifName : {"et10", "et9", "et3/10"}) status->nativeVlanIs(ifName, 1);
   status->deviceStateIs("fap10", DeviceState::deviceStateUp_);
