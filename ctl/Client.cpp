@@ -30,6 +30,26 @@ constexpr int deepestReply = 100;  // nested arrays and objects: they are walked
   throw Failure(Exit::failed, "reply", "the agent's reply cannot be used: " + what);
 }
 
+/// Whether a text, if it is JSON, has more arrays and objects in each other than that. (The parser
+/// can be asked on the way, but then looks at all of an array whenever an item ends.)
+bool isNestedDeeper(std::string_view json, int most) {
+  int depth = 0;
+  bool inString = false;
+  for (std::size_t at = 0; at < json.size(); ++at) {
+    char const c = json[at];
+    if (c == '"') {
+      inString = !inString;
+    } else if (inString) {
+      at += c == '\\' ? 1 : 0;
+    } else if (c == '[' || c == '{') {
+      if (++depth > most) return true;
+    } else if (c == ']' || c == '}') {
+      --depth;
+    }
+  }
+  return false;
+}
+
 int milliseconds(Client::Deadline deadline) {
   if (!deadline) return -1;
   auto const left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Client::Clock::now());
@@ -131,11 +151,9 @@ std::string Client::line(Deadline deadline) {
 }
 
 Json Client::receive(Deadline deadline) {
-  auto const bounded = [](int depth, Json::parse_event_t, Json&) {
-    if (depth > deepestReply) throwBadReply("it is nested too deep");
-    return true;
-  };
-  Json message = Json::parse(line(deadline), bounded, false);
+  std::string const text = line(deadline);
+  if (isNestedDeeper(text, deepestReply)) throwBadReply("it is nested too deep");
+  Json message = Json::parse(text, nullptr, false);
   if (message.is_discarded()) throwBadReply("it is no JSON");
   if (!message.is_object()) throwBadReply("it is no object");
   return message;

@@ -31,6 +31,10 @@ void addOptions(CLI::App& command, Verb const& verb, Options& options) {
       ->check(positive<double>);
   command.add_flag("--json", options.json, "One JSON document, for errors too");
   if (verb.hasForm) command.add_flag("--text", options.text, "Values as text forms");
+  if (verb.isSet) {
+    command.add_flag("--replace", options.replace,
+                     "Fields that a JSON record does not name get their defaults");
+  }
   if (verb.isDump) {
     command.add_option("--format", options.format, "slice or json")
         ->type_name("FORMAT")
@@ -141,7 +145,7 @@ std::string overview() {
          "The socket is --socket, KEST_SLICE_AGENT_SOCKET, /run/kest-slice-agent.sock for root, "
          "or\n"
          "kest-slice-agent.sock in XDG_RUNTIME_DIR.\n"
-         "Exit codes: 0 done, 1 failed, 2 usage, 3 no agent, 4 timed out.\n";
+         "Exit codes: 0 done, 1 failed or different, 2 usage, 3 no agent, 4 timed out.\n";
 }
 
 }  // namespace

@@ -13,6 +13,7 @@ struct Options {
   std::optional<double> timeout;  // seconds
   bool json = false;
   bool text = false;                   // values as text forms
+  bool replace = false;                // of a JSON record: the whole entry
   std::string format = "slice";        // of a dump
   std::string output;                  // file for a dump; empty: standard output
   std::size_t count = 0;               // of events; 0: until interrupted

@@ -196,7 +196,11 @@ Shown presentDifferences(Json const& result, Options const&, bool) {
   }
   std::size_t const count = result.at("differences").size();
   bool const clean = result.at("clean").get<bool>();
-  return {text + (clean ? "clean" : counted(count, "difference")) + "\n", clean};
+  text += clean ? "clean" : counted(count, "difference");
+  if (auto const left = result.find("notCompared"); left != result.end()) {
+    text += "; this driver does not tell of " + joined(*left, ", ");
+  }
+  return {text + "\n", clean};
 }
 
 Shown presentSlice(Json const& result, Options const&, bool colour) {
@@ -226,7 +230,8 @@ Shown presentSteps(Json const& result, Options const&, bool) {
   std::string text;
   for (Json const& step : result.at("steps")) text += shown(step) + "\n";
   return {text + counted(result.at("steps").size(), "change") + ", " +
-          shown(result.at("unchanged")) + " unchanged\n"};
+              shown(result.at("unchanged")) + " unchanged\n",
+          result.at("steps").empty()};
 }
 
 /// For a file or a pipe as much as for people: as it is.

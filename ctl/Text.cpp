@@ -94,23 +94,23 @@ std::string page(Json const& value) {
 
 std::string Table::text(bool colour) const {
   std::string all;
-  std::size_t const columns = rows_.front().size();
+  std::size_t const columns = rows_.front().cells.size();
   std::vector<std::size_t> widths(columns);
-  for (auto const& row : rows_) {
+  for (Row const& row : rows_) {
     for (std::size_t column = 0; column < columns; ++column) {
-      widths[column] = std::max(widths[column], width(row[column]));
+      widths[column] = std::max(widths[column], width(row.cells[column]));
     }
   }
   widths.back() = 0;  // nothing follows it
-  for (std::size_t row = 0; row < rows_.size(); ++row) {
+  for (Row const& row : rows_) {
+    bool const isHeading = &row == &rows_.front();
     for (std::size_t column = 0; column < columns; ++column) {
-      bool const isMarked = std::any_of(marked_.begin(), marked_.end(), [&](Cell const& cell) {
-        return cell.row == row && cell.column == column;
-      });
-      std::string const cell = padded(rows_[row][column], widths[column]);
-      char const* const style = row == 0 ? heading : noticed;
+      bool const isMarked =
+          std::find(row.marked.begin(), row.marked.end(), column) != row.marked.end();
+      std::string const cell = padded(row.cells[column], widths[column]);
       all += column == 0 ? "" : "  ";
-      all += colour && (row == 0 || isMarked) ? style + cell + plain : cell;
+      all +=
+          colour && (isHeading || isMarked) ? (isHeading ? heading : noticed) + cell + plain : cell;
     }
     while (all.ends_with(' ')) all.pop_back();
     all += '\n';

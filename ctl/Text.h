@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "ctl/Json.h"
@@ -25,23 +26,22 @@ std::string page(Json const& value);
 /// Rows of cells under headings, in columns.
 class Table {
  public:
-  explicit Table(std::vector<std::string> headings) : rows_{std::move(headings)} {}
+  explicit Table(std::vector<std::string> headings) { add(std::move(headings)); }
 
   /// As many cells as there are headings.
-  void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+  void add(std::vector<std::string> cells) { rows_.push_back({std::move(cells), {}}); }
   /// The last row's cell is to be noticed.
-  void mark(std::size_t column) { marked_.push_back({rows_.size() - 1, column}); }
+  void mark(std::size_t column) { rows_.back().marked.push_back(column); }
 
   /// @param colour whether headings and marks may be coloured
   std::string text(bool colour) const;
 
  private:
-  struct Cell {
-    std::size_t row;
-    std::size_t column;
+  struct Row {
+    std::vector<std::string> cells;
+    std::vector<std::size_t> marked;  // columns
   };
-  std::vector<std::vector<std::string>> rows_;
-  std::vector<Cell> marked_;
+  std::vector<Row> rows_;
 };
 
 }  // namespace Kest::Ctl

@@ -1,6 +1,7 @@
 #include "ctl/Verbs.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "ctl/Failure.h"
 #include "ctl/Files.h"
@@ -24,7 +25,9 @@ Json path(Options const& options) {
 }
 
 Json pathAndText(Options const& options) {
-  return withForm(options, {{"path", options.arguments.at(0)}, {"text", options.arguments.at(1)}});
+  Json request{{"path", options.arguments.at(0)}, {"text", options.arguments.at(1)}};
+  if (options.replace) request["replace"] = true;
+  return withForm(options, std::move(request));
 }
 
 Json handlerAndArguments(Options const& options) {
@@ -95,7 +98,8 @@ std::span<Verb const> verbs() {
        .parameters = {path_, {"VALUE", Completion::none}},
        .request = pathAndText,
        .present = presentSet,
-       .hasForm = true},
+       .hasForm = true,
+       .isSet = true},
       {.name = "del",
        .help = "Remove an entry",
        .parameters = {path_},
@@ -109,7 +113,7 @@ std::span<Verb const> verbs() {
        handlerAndArguments,
        presentCalled},
       {"verify",
-       "Report where configuration, status and driver differ",
+       "Report where configuration, status and driver differ; fails if they do",
        {},
        nothing,
        presentDifferences},
@@ -124,7 +128,11 @@ std::span<Verb const> verbs() {
        fileAndContent,
        presentApplied,
        applyTimeout},
-      {"diff", "Show what apply would change", {file}, fileAndContent, presentSteps},
+      {"diff",
+       "Show what apply would change; fails if that is anything",
+       {file},
+       fileAndContent,
+       presentSteps},
       {.name = "dump",
        .help = "Write the configuration as a slice file",
        .parameters = {},

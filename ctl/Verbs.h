@@ -40,6 +40,7 @@ struct Verb {
   Shown (*present)(Json const& result, Options const& options, bool colour);
   double timeout = 10;   // seconds
   bool hasForm = false;  // takes --text
+  bool isSet = false;    // takes --replace
   bool isDump = false;   // takes --format and --output
   bool isWatch = false;  // takes --count, and goes on with events
 };

@@ -22,10 +22,10 @@ Verbs:
   del PATH                 Remove an entry
   notify PATH              Announce an entry again
   call HANDLER [ARGS...]   Call a handler of the state machine; doVerify asserts
-  verify                   Report where configuration, status and driver differ
+  verify                   Report where configuration, status and driver differ; fails if they do
   show                     Show devices and ports: configuration / status / driver
   apply FILE               Bring the configuration in line with a slice file
-  diff FILE                Show what apply would change
+  diff FILE                Show what apply would change; fails if that is anything
   dump                     Write the configuration as a slice file
   watch                    Show changes of configuration and status as they happen
   trace [SETTING]          Show the trace setting, or change it: FACILITY/LEVELS[,...]
@@ -35,7 +35,7 @@ Verbs:
 Options of every verb: --socket PATH, --timeout SECONDS, --json, --help.
 The socket is --socket, KEST_SLICE_AGENT_SOCKET, /run/kest-slice-agent.sock for root, or
 kest-slice-agent.sock in XDG_RUNTIME_DIR.
-Exit codes: 0 done, 1 failed, 2 usage, 3 no agent, 4 timed out.
+Exit codes: 0 done, 1 failed or different, 2 usage, 3 no agent, 4 timed out.
 )");
     EXPECT_EQ(help.errors, "");
     EXPECT_EQ(help.exit, 0);

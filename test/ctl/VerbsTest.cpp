@@ -78,6 +78,10 @@ TEST_F(Kestctl, ReadsAndChangesValues) {
           R"({"verb":"set","path":"config/nativeVlan/et1","text":"20"})",
           R"({"path":"config/nativeVlan/et1","type":"U16","changed":true,"value":20})",
           "config/nativeVlan/et1: 20\n"});
+  expect({{"set", "p", "{}", "--replace"},
+          R"({"verb":"set","path":"p","text":"{}","replace":true})",
+          R"({"path":"p","type":"T","changed":true,"value":{}})",
+          "p: {}\n"});
   expect({{"set", "p", ""},
           R"({"verb":"set","path":"p","text":""})",
           R"({"path":"p","type":"Mox::String","changed":false,"value":""})",
@@ -122,13 +126,40 @@ TEST_F(Kestctl, ReadsAndChangesValues) {
 }
 
 TEST_F(Kestctl, VerifyFailsWhenSidesDiffer) {
-  expect({{"verify"}, R"({"verb":"verify"})", R"({"clean":true,"differences":[]})", "clean\n"});
+  expect({{"verify"}, R"({"verb":"verify"})", R"({"differences":[],"clean":true})", "clean\n"});
   expect({{"verify"},
           R"({"verb":"verify"})",
           R"({"clean":false,"differences":[{"subject":"device a","what":"state","message":"M1"},)"
           R"({"subject":"port b","what":"created","message":"M2"}]})",
           "M1\nM2\n2 differences\n",
           1});
+}
+
+TEST_F(Kestctl, VerifySaysWhatTheDriverCouldNotTell) {
+  std::string const left = R"("notCompared":["interfaces","device parameters"]})";
+  expect({{"verify"},
+          R"({"verb":"verify"})",
+          R"({"differences":[],"clean":true,)" + left,
+          "clean; this driver does not tell of interfaces, device parameters\n"});
+  expect({{"verify"},
+          R"({"verb":"verify"})",
+          R"({"differences":[{"message":"M"}],"clean":false,)" + left,
+          "M\n1 difference; this driver does not tell of interfaces, device parameters\n",
+          1});
+}
+
+/// Members come in the order of the reply, each once, however many there are.
+TEST_F(Kestctl, ShowsACollectionOfManyEntriesInItsOrder) {
+  std::string members, shown;
+  for (int port = 99; port >= 10; --port) {
+    std::string const name = "et" + std::to_string(port);
+    members += "\"" + name + "\":" + std::to_string(port) + ",";
+    shown += name + "  " + (port == 42 ? "4096" : std::to_string(port)) + "\n";
+  }
+  expect({{"get", "c"},
+          R"({"verb":"get","path":"c"})",
+          R"({"path":"c","type":"U16","value":{)" + members + R"("et42":4096}})",
+          shown});
 }
 
 TEST_F(Kestctl, ShowSaysOnceWhatAllSidesSay) {
@@ -162,7 +193,12 @@ TEST_F(Kestctl, SendsSliceFilesAndSaysWhatTheyDo) {
   expect({{"diff", "my.slice"},
           R"({"verb":"diff",)" + content,
           R"({"steps":["~ sliceId 'x'"],"unchanged":3})",
-          "~ sliceId 'x'\n1 change, 3 unchanged\n"});
+          "~ sliceId 'x'\n1 change, 3 unchanged\n",
+          1});
+  expect({{"diff", "my.slice"},
+          R"({"verb":"diff",)" + content,
+          R"({"steps":[],"unchanged":4})",
+          "0 changes, 4 unchanged\n"});
   expect({{"apply", "my.slice"},
           R"({"verb":"apply",)" + content,
           R"({"announced":2,"unchanged":3,"notUp":[]})",
