@@ -6,25 +6,40 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <vector>
+
+#include "agent/DriverOperation.h"
 
 namespace Kest::Agent {
 
 namespace {
 
-constexpr char const* isDeviceUp = "_ZN8Hardware4Kest17kestDmaIsDeviceUpEN3Mox7String8EPb";
+/// An operation of driver/KestDma.h: its name as the linker knows it, and where calls look for it.
+struct Operation {
+  char const* symbol;
+  void (*bind)(void* symbol);
+};
 
-/// The nine operations of driver/KestDma.h, as the linker knows them.
-constexpr char const* operations[] = {
-    "_ZN8Hardware4Kest12kestDmaIfaddEPKciiiN3Mox7String8EibbS2_",
-    "_ZN8Hardware4Kest12kestDmaIfdelEPKc",
-    "_ZN8Hardware4Kest17kestDmaNativeVlanEPKcbt",
-    "_ZN8Hardware4Kest19kestDmaDeviceRenameEN3Mox7String8ENS1_3PtrIKN3Fru6PciHamEEE",
-    "_ZN8Hardware4Kest18kestDmaDeviceParamEN3Mox7String8EjNS0_7FapTypeEjjjjjjj",
-    "_ZN8Hardware4Kest17kestDmaDeviceDownEN3Mox7String8E",
-    "_ZN8Hardware4Kest15kestDmaDeviceUpEN3Mox7String8E",
-    isDeviceUp,
-    "_ZN8Hardware4Kest11kestDmaDumpEv",
+template <auto operation>
+void bindTo(void* symbol) {
+  inDriver<operation> = reinterpret_cast<decltype(operation)>(symbol);
+}
+
+constexpr Operation operations[] = {
+    {"_ZN8Hardware4Kest12kestDmaIfaddEPKciiiN3Mox7String8EibbS2_",
+     &bindTo<&Hardware::Kest::kestDmaIfadd>},
+    {"_ZN8Hardware4Kest12kestDmaIfdelEPKc", &bindTo<&Hardware::Kest::kestDmaIfdel>},
+    {"_ZN8Hardware4Kest17kestDmaNativeVlanEPKcbt", &bindTo<&Hardware::Kest::kestDmaNativeVlan>},
+    {"_ZN8Hardware4Kest19kestDmaDeviceRenameEN3Mox7String8ENS1_3PtrIKN3Fru6PciHamEEE",
+     &bindTo<&Hardware::Kest::kestDmaDeviceRename>},
+    {"_ZN8Hardware4Kest18kestDmaDeviceParamEN3Mox7String8EjNS0_7FapTypeEjjjjjjj",
+     &bindTo<&Hardware::Kest::kestDmaDeviceParam>},
+    {"_ZN8Hardware4Kest17kestDmaDeviceDownEN3Mox7String8E",
+     &bindTo<&Hardware::Kest::kestDmaDeviceDown>},
+    {"_ZN8Hardware4Kest15kestDmaDeviceUpEN3Mox7String8E",
+     &bindTo<&Hardware::Kest::kestDmaDeviceUp>},
+    {"_ZN8Hardware4Kest17kestDmaIsDeviceUpEN3Mox7String8EPb",
+     &bindTo<&Hardware::Kest::kestDmaIsDeviceUp>},
+    {"_ZN8Hardware4Kest11kestDmaDumpEv", &bindTo<&Hardware::Kest::kestDmaDump>},
 };
 
 constexpr char const* simulatedDriver = "libkest-dma-sim.so";
@@ -45,23 +60,23 @@ std::string demangled(char const* symbol) {
 }  // namespace
 
 DriverLibrary::DriverLibrary(std::string const& driver)
-    : path_(driver == "sim" ? beside(simulatedDriver) : driver),
-      // Global, so that the state machine's library, loaded already, finds the operations.
-      library_(dlopen(path_.c_str(), RTLD_NOW | RTLD_GLOBAL)) {
+    : path_(driver == "sim" ? beside(simulatedDriver) : driver) {
+  if (path_.empty()) throw DriverError("no driver is named");  // the loader would take the program
+  library_ = dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library_ == nullptr) {
     throw DriverError("driver " + path_ + " cannot be loaded: " + dlerror());
   }
   std::string missing;
-  for (char const* operation : operations) {
-    if (dlsym(library_, operation) == nullptr) missing += "\n  " + demangled(operation);
+  for (Operation const& operation : operations) {
+    if (symbol(operation.symbol) == nullptr) missing += "\n  " + demangled(operation.symbol);
   }
   if (!missing.empty()) throw DriverError("driver " + path_ + " lacks" + missing);
+  for (Operation const& operation : operations) operation.bind(symbol(operation.symbol));
 }
 
 DriverLibrary::DeviceState DriverLibrary::deviceState(Mox::String8 const& devName) const {
-  using IsDeviceUp = int (*)(Mox::String8 devName, bool* up);
   bool up = false;
-  int const error = reinterpret_cast<IsDeviceUp>(symbol(isDeviceUp))(devName, &up);
+  int const error = inDriver<&Hardware::Kest::kestDmaIsDeviceUp>(devName, &up);
   return {error, up};
 }
 

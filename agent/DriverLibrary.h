@@ -14,8 +14,8 @@ class DriverError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A loaded driver library. From then on the nine operations that the state machine's library
-/// leaves open are the driver's: load it before anything calls one. It stays loaded.
+/// A loaded driver library, which stays loaded. The process has one driver, the last that was
+/// loaded: `inDriver` then is what it has for each operation.
 class DriverLibrary {
  public:
   /// @param driver `sim` for the simulated driver that comes with the agent, or a library's path
@@ -35,7 +35,7 @@ class DriverLibrary {
 
  private:
   std::string path_;
-  void* library_;
+  void* library_ = nullptr;
 };
 
 }  // namespace Kest::Agent

@@ -125,6 +125,26 @@ TEST_F(AgentOnce, EndsWithTheNumberOfASignalThatComesBeforeItIsDone) {
   }
 }
 
+TEST_F(AgentOnce, StartsWhereEverythingIsBoundAtOnce) {
+  fileIs("slice", device("fap0"));
+  AgentProcess agent(directory, {"--once", "slice"}, AgentProcess::Output::pipes,
+                     {{"LD_BIND_NOW", "1"}});
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.errors(), "");
+}
+
+/// A driver may ask to be tried again for a minute.
+TEST_F(AgentOnce, EndsAtOnceWhileItsDriverIsTriedAgain) {
+  fileIs("slice", port(1));
+  fileIs("faults", "fail kestDmaIfadd 'et1' 11 always\n");
+  AgentProcess agent(directory, {"--once", "slice", "--driver-faults", "faults"});
+  agent.outputUntil("config  + switchPort et1\n");
+  agent.signalIs(SIGTERM);
+  EXPECT_EQ(agent.ended(), 128 + SIGTERM);
+  EXPECT_EQ(agent.output(), "status  switchPort et1: not created\nended by SIGTERM\n");
+  EXPECT_EQ(agent.errors(), "");
+}
+
 class AgentRefusal : public ScratchDirectory {
  protected:
   /// The message with which the agent ends, having said and done nothing.
@@ -164,6 +184,11 @@ TEST_F(AgentRefusal, OfTheDriver) {
   EXPECT_EQ(refusal({"slice", "--driver", "/missing.so"}),
             "kest-slice-agent: driver /missing.so cannot be loaded: /missing.so: cannot open "
             "shared object file: No such file or directory\n");
+}
+
+TEST_F(AgentRefusal, OfADriverWithoutAName) {
+  fileIs("slice", device("fap0"));
+  EXPECT_EQ(refusal({"slice", "--driver", ""}), "kest-slice-agent: no driver is named\n");
 }
 
 TEST_F(AgentRefusal, OfTheFaultFile) {

@@ -80,7 +80,8 @@ Outcome AgentRuns::run(unsigned killAt) const {
 
 /// In the new process.
 void AgentRuns::become(unsigned killAt) const {
-  std::vector<std::string> arguments = {agent_,           "--once",     "--control", "control.sock",
+  std::vector<std::string> arguments = {agent_,           "--once",     "--control",
+                                        "control.sock",   "--driver",   hooks_,
                                         "--driver-state", "state.json", sliceFile_};
   std::vector<std::string> variables = {
       "LD_PRELOAD=" + hooks_, "ASAN_OPTIONS=" + sanitizerOptions(),

@@ -1,6 +1,7 @@
-// A library that is preloaded into the agent and kills its process at a chosen moment of its driver
-// calls. It stands in front of the driver's operations and of the C library's functions with which
-// the simulated driver writes its state file. The moments are counted through all calls:
+// A library that is the agent's driver, and is preloaded too: it kills its process at a chosen
+// moment of its driver calls. It stands in front of the simulated driver's operations and of the C
+// library's functions with which that writes its state file. The moments are counted through all
+// calls:
 //
 //   a call begins; half of what changes is written, or half of a new file; all of it is; the new
 //   file is in its place; the call ends.

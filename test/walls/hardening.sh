@@ -1,15 +1,11 @@
 #!/usr/bin/env bash
 # hardening.sh FILE...: every FILE, program or library, is position independent, has no executable
 # stack and makes its relocations read-only; it guards its stack and uses the checked functions of the C
-# library; and all is bound before it starts, but in the library that waits for its driver. Each defect
-# is a line.
+# library; and all is bound before it starts. Each defect is a line.
 set -euo pipefail
 export LC_ALL=C
 
 (($#)) || { echo "usage: hardening.sh FILE..." >&2; exit 2; }
-
-# The library binds the driver's operations at the first call.
-bound_late='libkest-slice-dma.so'
 
 has() {
   grep -qE "$1" <<<"$2" || echo "$file: $3"
@@ -24,7 +20,7 @@ defects=$(
     has 'Type: +DYN' "$header" "is not position independent"
     has 'GNU_STACK.* RW ' "$segments" "has an executable stack"
     has 'GNU_RELRO' "$segments" "leaves its relocations writable"
-    [[ $file == *"$bound_late"* ]] || has 'BIND_NOW|Flags:.* NOW' "$dynamic" "is not bound at its start"
+    has 'BIND_NOW|Flags:.* NOW' "$dynamic" "is not bound at its start"
     has '^__stack_chk_fail' "$imports" "does not guard its stack"
     has '^__[a-z]+_chk$' "$imports" "uses no checked function of the C library"
   done
