@@ -7,6 +7,7 @@
 #include "driver/KestDma.h"
 #pragma GCC visibility pop
 #include "agent/DriverOperation.h"
+#include "agent/SignOfLife.h"
 
 /// The program's own definitions of the nine operations, bound like any other function; each passes
 /// its call on to the driver that is loaded. Only the agent's program has them: tests link drivers
@@ -15,8 +16,10 @@ namespace Hardware::Kest {
 
 namespace {
 
+/// Whoever waits for the driver is alive: creating an interface tries again for up to a minute.
 template <auto operation, class... Arguments>
 auto passedOn(Arguments&&... arguments) {
+  ::Kest::Agent::giveSignOfLife();
   return ::Kest::Agent::inDriver<operation>(std::forward<Arguments>(arguments)...);
 }
 

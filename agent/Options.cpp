@@ -35,7 +35,8 @@ std::variant<Options, Exit> parseOptions(int argc, char const* const* argv) {
   app.add_flag("-v,--verbose", options.verbose,
                "Show every change on a terminal too, where only progress is shown otherwise");
   app.add_flag("--supervise", options.supervise,
-               "Run the agent as a child process and start it again when a signal ended it");
+               "Run the agent as a child process and start it again when a signal ended it or it "
+               "gives no sign of life for 30 s");
   app.add_option("--trace", options.trace,
                  "Trace setting FACILITY/LEVELS[,...], as in 'KestSliceDma/0-2'; the default comes "
                  "from MOX_TRACE")

@@ -30,6 +30,14 @@ constexpr char const* cannotStart = "the agent cannot be started: fork";
   throw std::system_error(errno, std::generic_category(), what);
 }
 
+std::string inSeconds(nanoseconds time) {
+  return std::to_string(std::chrono::duration_cast<seconds>(time).count()) + " s";
+}
+
+std::string named(pid_t child) {
+  return "the agent (pid " + std::to_string(child) + ")";
+}
+
 std::string described(int signal) {
   char const* const name = sigabbrev_np(signal);
   return "signal " + std::to_string(signal) +
@@ -41,8 +49,9 @@ void say(std::string const& text) {
   std::cerr << "kest-slice-agent: " + text + "\n";  // in one piece between the agent's own lines
 }
 
-/// The next of `signals`, or none when `timeout` has passed first.
-std::optional<int> nextSignal(sigset_t const& signals, nanoseconds timeout) {
+/// The next of `signals`, or none when `due` has come first, or another signal.
+std::optional<int> nextSignal(sigset_t const& signals, steady_clock::time_point due) {
+  nanoseconds const timeout = std::max(nanoseconds(0), nanoseconds(due - steady_clock::now()));
   seconds const whole = std::chrono::duration_cast<seconds>(timeout);
   timespec time{};
   time.tv_sec = static_cast<time_t>(whole.count());
@@ -55,8 +64,8 @@ std::optional<int> nextSignal(sigset_t const& signals, nanoseconds timeout) {
 
 }  // namespace
 
-Supervisor::Supervisor(std::function<int()> agent, RestartDelay delay)
-    : agent_(std::move(agent)), delay_(delay) {
+Supervisor::Supervisor(std::function<int()> agent, RestartDelay delay, Patience patience)
+    : agent_(std::move(agent)), delay_(delay), patience_(patience) {
   sigemptyset(&signals_);
   for (int const signal : {SIGTERM, SIGINT, SIGHUP, SIGCHLD}) sigaddset(&signals_, signal);
 }
@@ -78,47 +87,66 @@ int Supervisor::run() {
       int const status = statusAtEnd(child);
       if (WIFEXITED(status)) return WEXITSTATUS(status);
       lastEnd_ = described(WTERMSIG(status));
-      told = "the agent (pid " + std::to_string(child) + ") was ended by " + lastEnd_;
+      told = named(child) + " was ended by " + lastEnd_;
       if (endSignal_ != 0) {
         say(told);
         return signalledExit + WTERMSIG(status);
       }
     }
     seconds const delay = delay_.after(steady_clock::now() - start);
-    say(told + "; starting it again" +
-        (delay > seconds(0) ? " in " + std::to_string(delay.count()) + " s" : ""));
+    say(told + "; starting it again" + (delay > seconds(0) ? " in " + inSeconds(delay) : ""));
     if (!restartIsDue(delay)) return signalledExit + endSignal_;
   }
 }
 
 int Supervisor::runAsChild(pid_t supervisor) const {
-  if (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0) fail("prctl");
+  if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0) fail("prctl");
   // Gone before it could be watched: then no signal will come.
-  if (getppid() != supervisor) return signalledExit + SIGTERM;
+  if (getppid() != supervisor) return signalledExit + SIGKILL;
   sigset_t children;
   sigemptyset(&children);
   sigaddset(&children, SIGCHLD);
   if (sigprocmask(SIG_UNBLOCK, &children, nullptr) != 0) fail("sigprocmask");
   if (!lastEnd_.empty() && setenv(lastEndVariable, lastEnd_.c_str(), 1) != 0) fail("setenv");
+  life_.isWatched();
   return agent_();
 }
 
 /// Waits for the end of the child, passing signals on, and returns its wait status.
 int Supervisor::statusAtEnd(pid_t child) {
-  for (;;) {
-    int const signal = sigwaitinfo(&signals_, nullptr);
-    if (signal < 0) {
-      if (errno != EINTR) fail("sigwaitinfo");
-    } else if (signal == SIGCHLD) {
+  auto const tell = [child](int signal) {
+    if (kill(child, signal) != 0) fail("kill");
+  };
+  silentLooks_ = 0;
+  for (steady_clock::time_point due = steady_clock::now() + patience_.look;;) {
+    std::optional<int> const signal = nextSignal(signals_, due);
+    if (signal == SIGCHLD) {
       int status = 0;
       pid_t const ended = waitpid(child, &status, WNOHANG);
       if (ended < 0) fail("waitpid");
       if (ended == child) return status;
-    } else {
-      if (signal != SIGHUP) endSignal_ = signal;
-      if (kill(child, signal) != 0) fail("kill");
+    } else if (signal) {
+      if (signal != SIGHUP && endSignal_ == 0) {
+        endSignal_ = *signal;
+        due = steady_clock::now() + patience_.end;
+      }
+      tell(*signal);
     }
+    if (steady_clock::now() < due) continue;
+    due = steady_clock::now() + patience_.look;
+    std::string const complaint = complaintAtLook();
+    if (complaint.empty()) continue;
+    say(named(child) + " " + complaint + "; killing it");
+    tell(SIGKILL);
   }
+}
+
+/// Why the child is to be killed; empty when it is not.
+std::string Supervisor::complaintAtLook() {
+  if (endSignal_ != 0) return "has not ended in " + inSeconds(patience_.end);
+  silentLooks_ = life_.taken() ? 0 : silentLooks_ + 1;
+  if (silentLooks_ < patience_.looks) return "";
+  return "has given no sign of life for " + inSeconds(patience_.looks * patience_.look);
 }
 
 /// Waits for the time of the next start; false when SIGTERM or SIGINT came first. SIGHUP changes
@@ -126,8 +154,7 @@ int Supervisor::statusAtEnd(pid_t child) {
 bool Supervisor::restartIsDue(seconds delay) {
   steady_clock::time_point const due = steady_clock::now() + delay;
   for (;;) {
-    nanoseconds const left = std::max(nanoseconds(0), nanoseconds(due - steady_clock::now()));
-    std::optional<int> const signal = nextSignal(signals_, left);
+    std::optional<int> const signal = nextSignal(signals_, due);
     if (!signal) {
       if (steady_clock::now() >= due) return true;
     } else if (*signal == SIGTERM || *signal == SIGINT) {

@@ -4,9 +4,11 @@
 #include "agent/Agent.h"
 #include "agent/DriverLibrary.h"
 #include "agent/Options.h"
+#include "agent/SignOfLife.h"
 #include "agent/SimulatedDriver.h"
 #include "agent/Supervisor.h"
 #include "agent/slice/FileError.h"
+#include "platform/mox/Activity.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Trace.h"
 
@@ -20,7 +22,11 @@ int runAgent(Options const& options) {
   SimulatedDriver const simulated(driver);
   if (!options.driverState.empty()) simulated.stateFileIs(options.driverState);
   if (!options.faultFile.empty()) simulated.faultFileIs(options.faultFile);
-  return Agent(options, Console::standardOutput(), driver).run();
+  Agent agent(options, Console::standardOutput(), driver);
+  Mox::Ptr<Heartbeat> const heartbeat(new Heartbeat(Mox::activityManager()->clock()));
+  int const exitCode = agent.run();
+  heartbeat->notifierIs(nullptr);
+  return exitCode;
 }
 
 int run(Options const& options) {

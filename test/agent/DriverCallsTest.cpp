@@ -4,6 +4,7 @@
 #include <csignal>
 
 #include "agent/DriverLibrary.h"
+#include "agent/SignOfLife.h"
 #include "agent/SimulatedDriver.h"
 #include "driver/KestDma.h"
 
@@ -47,6 +48,15 @@ TEST_F(DriverCalls, ReachTheDriverWithEveryArgumentAndBringItsAnswerBack) {
 #9 kestDmaIfdel('et2') = 19
 #10 kestDmaDump()
 )");
+}
+
+TEST_F(DriverCalls, AreSignsOfLife) {
+  LifeLine const life;
+  life.isWatched();
+  EXPECT_FALSE(life.taken());
+  kestDmaIfdel("et1");
+  EXPECT_TRUE(life.taken());
+  EXPECT_FALSE(life.taken());
 }
 
 /// The state machine tries again for up to a minute.

@@ -53,6 +53,21 @@ TEST_F(SupervisedAgent, ComesAgainAfterAnAbortAndSaysSo) {
                                 ") was ended by signal 6 (SIGABRT); starting it again\n");
 }
 
+/// It would otherwise keep the next agent from the control socket for as long as its driver asks to
+/// be tried again.
+TEST_F(SupervisedAgent, EndsWithItsSupervisorWhileItWaitsForItsDriver) {
+  fileIs("slice",
+         "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'ifName': "
+         "'et1'})\n");
+  fileIs("faults", "fail kestDmaIfadd 'et1' 11 times 20\n");
+  AgentProcess agent(directory, {"--supervise", "slice", "--driver-faults", "faults"});
+  agent.outputUntil("config  + switchPort et1\n");
+  agent.signalIs(SIGKILL);
+  EXPECT_EQ(agent.ended(), -SIGKILL);
+  EXPECT_EQ(agent.output(), "");
+  EXPECT_EQ(agent.errors(), "");
+}
+
 TEST_F(SupervisedAgent, IsNotStartedAgainWhenItEndsByItself) {
   AgentProcess done(directory, {"--supervise", "--once", "slice"});
   EXPECT_EQ(done.ended(), 0);

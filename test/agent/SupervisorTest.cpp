@@ -55,7 +55,8 @@ int nextSignal() {
 class SupervisorProcess {
  public:
   explicit SupervisorProcess(std::function<int()> const& agent,
-                             RestartDelay const& delay = RestartDelay()) {
+                             RestartDelay const& delay = RestartDelay(),
+                             Patience const& patience = {}) {
     std::array<int, 2> shown{};
     checked(pipe2(shown.data(), O_CLOEXEC), "pipe2");
     shown_ = shown[0];
@@ -64,7 +65,7 @@ class SupervisorProcess {
       dup2(shown[1], STDERR_FILENO);
       close(shown[1]);
       unsetenv("KEST_LAST_END");
-      _exit(Supervisor(agent, delay).run());
+      _exit(Supervisor(agent, delay, patience).run());
     }
     close(shown[1]);
   }
@@ -238,16 +239,73 @@ TEST(Supervisor, IsNotKeptFromEndingByTheWaitForTheNextStart) {
   }
 }
 
+using std::chrono::hours;
+using std::chrono::milliseconds;
+
+/// In a supervised child: does nothing, and obeys nothing that it can help.
+[[noreturn]] void hang() {
+  sigset_t all;
+  sigfillset(&all);
+  sigprocmask(SIG_BLOCK, &all, nullptr);
+  for (;;) pause();
+}
+
+TEST(Supervisor, KillsAndStartsAgainAChildThatGivesNoSignOfLife) {
+  SupervisorProcess supervisor(
+      [] {
+        say("last: " + lastEnd());
+        if (lastEnd() == "nothing") hang();
+        return 0;
+      },
+      RestartDelay(), {milliseconds(1), 3, hours(1)});
+  supervisor.shownUntil("last: nothing");
+  EXPECT_EQ(supervisor.ended(), 0);
+  EXPECT_EQ(supervisor.shown(),
+            "kest-slice-agent: the agent (pid N) has given no sign of life for 0 s; killing it\n"
+            "kest-slice-agent: the agent (pid N) was ended by signal 9 (SIGKILL); starting it "
+            "again\n"
+            "last: signal 9 (SIGKILL)\n");
+}
+
+TEST(Supervisor, KillsAChildThatIsStopped) {
+  SupervisorProcess supervisor(
+      [] {
+        say("last: " + lastEnd());
+        if (lastEnd() == "nothing") raise(SIGSTOP);
+        return lastEnd() == "signal 9 (SIGKILL)" ? 0 : 1;
+      },
+      RestartDelay(), {milliseconds(1), 3, hours(1)});
+  EXPECT_EQ(supervisor.ended(), 0);
+}
+
+TEST(Supervisor, KillsAChildThatDoesNotEndInTime) {
+  for (int const signal : {SIGTERM, SIGINT}) {
+    SupervisorProcess supervisor(
+        [] {
+          say("hangs");
+          hang();
+          return 0;
+        },
+        RestartDelay(), {hours(1), 1, milliseconds(1)});
+    supervisor.shownUntil("hangs");
+    supervisor.signalIs(signal);
+    EXPECT_EQ(supervisor.ended(), 128 + SIGKILL);
+    EXPECT_EQ(supervisor.shown(),
+              "kest-slice-agent: the agent (pid N) has not ended in 0 s; killing it\n"
+              "kest-slice-agent: the agent (pid N) was ended by signal 9 (SIGKILL)\n");
+  }
+}
+
 TEST(Supervisor, TakesItsChildWithItWhenItIsKilled) {
   SupervisorProcess supervisor([] {
     say("waits");
-    say("signal " + std::to_string(nextSignal()));
+    hang();
     return 0;
   });
   supervisor.shownUntil("waits");
   supervisor.signalIs(SIGKILL);
   EXPECT_EQ(supervisor.ended(), -SIGKILL);
-  EXPECT_EQ(supervisor.shown(), "signal 15\n");
+  EXPECT_EQ(supervisor.shown(), "");
 }
 
 /// In the supervisor: kills it when its child has begun, before the child does anything.

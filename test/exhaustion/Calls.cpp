@@ -108,6 +108,12 @@ bool takesDescriptor(Function const& function) {
          std::end(function.ways);
 }
 
+/// Whether the process waits for an end of a child, which takes real time.
+bool hasChild() {
+  siginfo_t info;
+  return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
+}
+
 bool isRunningOn(Function const& function) {
   bool const isOutOfDescriptors = plan.error == EMFILE || plan.error == ENFILE;
   return plan.failing == &function || (isOutOfDescriptors && takesDescriptor(function));
@@ -382,7 +388,7 @@ int sigprocmask(int how, sigset_t const* set, sigset_t* old) noexcept {
 
 int sigtimedwait(sigset_t const* signals, siginfo_t* info, timespec const* timeout) {
   using Exhaustion::interruptionsLeft;
-  if (!Exhaustion::isWaitVirtual) {
+  if (!Exhaustion::isWaitVirtual || Exhaustion::hasChild()) {
     return call("sigtimedwait", &sigtimedwait, signals, info, timeout);
   }
   bool const isInterrupted = interruptionsLeft > 0;

@@ -49,9 +49,9 @@ std::size_t openDescriptors();
 
 constexpr std::chrono::hours longestVirtualWait{24};
 
-/// From now on, in this process, a wait for a signal passes at once and the steady clock shows its
-/// time as passed; the first waits are interrupted half way. A SIGTERM comes when they have taken
-/// `longestVirtualWait` together.
+/// From now on, in this process, a wait for a signal passes at once, unless there is a child to
+/// wait for, and the steady clock shows its time as passed; the first waits are interrupted half
+/// way. A SIGTERM comes when they have taken `longestVirtualWait` together.
 void waitsAreVirtual(unsigned interruptions) noexcept;
 /// What such waits have taken together.
 std::chrono::nanoseconds virtualWait() noexcept;
