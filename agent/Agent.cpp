@@ -44,12 +44,15 @@ Agent::~Agent() {
   statusWatcher_->notifierIs(nullptr);
 }
 
-int Agent::run() {
-  Slice wanted = readSliceFile(options_.sliceFile);
+void Agent::start() {
+  wanted_ = readSliceFile(options_.sliceFile);
   openControl();
+}
+
+int Agent::run() {
   std::string const reason = runReason(options_);
   if (!reason.empty()) console_.line(reason);
-  applySliceFile(std::move(wanted));
+  applySliceFile(std::exchange(wanted_, {}));
   loop_.run();
   return exitCode_;
 }

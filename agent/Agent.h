@@ -29,8 +29,10 @@ class Agent {
   Agent(Agent const&) = delete;
   Agent& operator=(Agent const&) = delete;
 
-  /// Runs to the end; returns the process's exit code. `FileError` when the slice file is bad at
-  /// the start: then nothing has been applied.
+  /// Comes before `run`; nothing is applied yet. `FileError` or `ControlSocketError` when the slice
+  /// file is bad or the socket is not to be had.
+  void start();
+  /// Runs to the end; returns the process's exit code.
   int run();
 
  private:
@@ -55,6 +57,7 @@ class Agent {
   PciHandles handles_;
   Served served_;
   std::unique_ptr<ControlServer> control_;
+  Slice wanted_;  // from the start to the run
   bool reloadWanted_ = false;
   bool shown_ = false;
   int exitCode_ = 0;

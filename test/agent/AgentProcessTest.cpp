@@ -1,6 +1,7 @@
 #include "test/agent/AgentProcess.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <csignal>
 
@@ -197,6 +198,30 @@ TEST_F(AgentRefusal, OfTheFaultFile) {
   EXPECT_EQ(refusal({"slice", "--driver-faults", "faults"}),
             "kest-slice-agent: faults:1:5: expected the name of a driver operation, found the "
             "end of the line\n");
+}
+
+/// An end that nobody foresaw is a signal, which whoever watches over the agent takes for a reason
+/// to start it again.
+class AgentAbort : public ScratchDirectory {};
+
+TEST_F(AgentAbort, AtTheStartForLackOfMemory) {
+  fileIs("slice", "");
+  AgentProcess agent(
+      directory, {"slice", "--driver", KEST_DRIVER_SHORT_OF_MEMORY, "--driver-faults", "faults"});
+  EXPECT_EQ(agent.ended(), -SIGABRT);
+  EXPECT_EQ(agent.output(), "");
+  EXPECT_EQ(agent.errors(), "kest-slice-agent: aborting: std::bad_alloc\n");
+}
+
+TEST_F(AgentAbort, WhileItRuns) {
+  fileIs("slice", "");
+  AgentProcess agent(directory, {"slice"});
+  agent.outputUntil("left alone\n");
+  rlimit const none{0, 0};  // the system then refuses to wait for descriptors
+  ASSERT_EQ(prlimit(agent.pid(), RLIMIT_NOFILE, &none, nullptr), 0);
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.ended(), -SIGABRT);
+  EXPECT_EQ(agent.errors(), "kest-slice-agent: aborting: poll: Invalid argument\n");
 }
 
 class AgentReload : public ScratchDirectory {

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <cerrno>
@@ -51,6 +52,18 @@ TEST_F(SupervisedAgent, ComesAgainAfterAnAbortAndSaysSo) {
   EXPECT_EQ(agent.output(), "ended by SIGTERM\n");
   EXPECT_EQ(agent.errors(), "kest-slice-agent: the agent (pid " + std::to_string(first) +
                                 ") was ended by signal 6 (SIGABRT); starting it again\n");
+}
+
+TEST_F(SupervisedAgent, ComesAgainAfterAnEndThatNobodyForesaw) {
+  AgentProcess agent(directory, {"--supervise", "slice"});
+  agent.outputUntil("left alone\n");
+  rlimit const none{0, 0};
+  ASSERT_EQ(prlimit(childOf(agent.pid()), RLIMIT_NOFILE, &none, nullptr), 0);
+  agent.signalIs(SIGHUP);
+  agent.outputUntil("restarted: the last run was ended by signal 6 (SIGABRT)\n");
+  agent.outputUntil("left alone\n");
+  agent.signalIs(SIGTERM);
+  EXPECT_EQ(agent.ended(), 0);
 }
 
 /// It would otherwise keep the next agent from the control socket for as long as its driver asks to
