@@ -35,6 +35,9 @@ class Agent {
   /// Runs to the end; returns the process's exit code.
   int run();
 
+  /// Serves what else the process waits for, while it runs.
+  Mox::ActivityLoop& loop() noexcept { return loop_; }
+
  private:
   using Done = std::function<void(Applied)>;
 

@@ -1,7 +1,10 @@
 #include <unistd.h>
 
+#include <array>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <iostream>
 
@@ -10,6 +13,7 @@
 #include "agent/Options.h"
 #include "agent/SignOfLife.h"
 #include "agent/SimulatedDriver.h"
+#include "agent/StandardStreams.h"
 #include "agent/Supervisor.h"
 #include "agent/control/ControlServer.h"
 #include "agent/slice/FileError.h"
@@ -32,19 +36,23 @@ using namespace Kest::Agent;
   } catch (...) {  // NOLINT(bugprone-empty-catch): it has no words
   }
   // Not a stream's business: there may be no memory.
-  dprintf(STDERR_FILENO, "kest-slice-agent: aborting: %s\n", what);
+  std::array<char, 1024> line{};
+  std::snprintf(line.data(), line.size() - 1, "kest-slice-agent: aborting: %s", what);
+  writeAtOnce(STDERR_FILENO, std::strcat(line.data(), "\n"));
   std::abort();
 }
 
 /// Nothing is refused any more: what escapes from here was not foreseen.
-int runToItsEnd(Agent& agent) noexcept {
+int runToItsEnd(Agent& agent, StandardStreams& streams) noexcept {
+  streams.loopIs(&agent.loop());
   Mox::Ptr<Heartbeat> const heartbeat(new Heartbeat(Mox::activityManager()->clock()));
   int const exitCode = agent.run();
   heartbeat->notifierIs(nullptr);
+  streams.loopIs(nullptr);
   return exitCode;
 }
 
-int runAgent(Options const& options) {
+int runAgent(Options const& options, StandardStreams& streams) {
   if (!options.trace.empty()) Mox::traceSettingIs(options.trace);
   DriverLibrary driver(options.driver);
   SimulatedDriver const simulated(driver);
@@ -52,12 +60,15 @@ int runAgent(Options const& options) {
   if (!options.faultFile.empty()) simulated.faultFileIs(options.faultFile);
   Agent agent(options, Console::standardOutput(), driver);
   agent.start();
-  return runToItsEnd(agent);
+  return runToItsEnd(agent, streams);
 }
 
-int run(Options const& options) {
-  if (!options.supervise) return runAgent(options);
-  return Supervisor([&options] { return runAgent(options); }).run();
+int supervise(Options const& options, StandardStreams& streams) {
+  return Supervisor([&] {
+           streams.forget();  // what the supervisor has to say
+           return runAgent(options, streams);
+         })
+      .run();
 }
 
 int refused(std::exception const& error) {
@@ -65,14 +76,10 @@ int refused(std::exception const& error) {
   return static_cast<int>(Exit::usage);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  std::set_terminate(&abortWithALine);
-  std::variant<Options, Exit> const options = parseOptions(argc, argv);
-  if (Exit const* const exit = std::get_if<Exit>(&options)) return static_cast<int>(*exit);
+/// The process's exit code.
+int run(Options const& options, StandardStreams& streams) {
   try {
-    return run(std::get<Options>(options));
+    return options.supervise ? supervise(options, streams) : runAgent(options, streams);
   } catch (DriverError const& error) {
     return refused(error);
   } catch (FileError const& error) {
@@ -82,4 +89,25 @@ int main(int argc, char** argv) {
   } catch (Mox::RangeException const& error) {  // the trace setting
     return refused(error);
   }
+}
+
+/// How long a reader is waited for who is late. A signal is obeyed within a second; a single pass
+/// that came to its end has an outcome to tell.
+std::chrono::milliseconds patience(Options const& options, int exitCode) {
+  using namespace std::chrono_literals;
+  bool const isOutcome = options.once && exitCode <= static_cast<int>(Exit::notUp);
+  return isOutcome ? 5s : 500ms;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::set_terminate(&abortWithALine);
+  std::variant<Options, Exit> const parsed = parseOptions(argc, argv);
+  if (Exit const* const exit = std::get_if<Exit>(&parsed)) return static_cast<int>(*exit);
+  Options const& options = std::get<Options>(parsed);
+  StandardStreams streams;
+  int const exitCode = run(options, streams);
+  streams.drain(patience(options, exitCode));
+  return exitCode;
 }

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -117,6 +118,24 @@ std::string AgentProcess::outputUntil(std::string const& text) {
   std::string taken = output_.text.substr(0, at + text.size());
   output_.text.erase(0, taken.size());
   return taken;
+}
+
+void AgentProcess::outputIsClosed() {
+  close(std::exchange(output_.fd, -1));
+}
+
+void AgentProcess::errorsAreClosed() {
+  close(std::exchange(errors_.fd, -1));
+}
+
+void AgentProcess::awaitEndUnread() const {
+  int const process = static_cast<int>(syscall(SYS_pidfd_open, pid_, 0));
+  check(process, "pidfd_open");
+  pollfd waiting{process, POLLIN, 0};
+  int const ready = poll(&waiting, 1, deadlineMilliseconds);
+  close(process);
+  check(ready, "poll");
+  if (ready == 0) throw std::runtime_error("the agent does not end");
 }
 
 int AgentProcess::ended() {

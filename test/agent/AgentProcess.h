@@ -31,6 +31,12 @@ class AgentProcess {
   /// Waits until standard output holds `text`; returns the output to its end and takes it.
   std::string outputUntil(std::string const& text);
 
+  /// From now on nobody can read the standard output, or the standard error, of an agent on pipes.
+  void outputIsClosed();
+  void errorsAreClosed();
+  /// Waits until the process has ended, and reads nothing meanwhile.
+  void awaitEndUnread() const;
+
   /// How the process ended: its exit code, or minus the signal that killed it. Its output is whole.
   int ended();
 
