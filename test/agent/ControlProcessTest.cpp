@@ -34,7 +34,8 @@ std::string from(std::string const& text, std::string const& from) {
 
 TEST_F(ControlledAgent, RecoversByRestartFromADeviceThatChangesBehindItsBack) {
   AgentProcess agent(
-      directory, {"--supervise", "--verbose", "--driver-state", "driver.json", slice("full.slice")},
+      directory,
+      {"--supervise", "--verbose", "--driver-state", "driver.json", slice("small.slice")},
       AgentProcess::Output::terminal, {{"TERM", "dumb"}});
   EXPECT_THAT(agent.outputUntil("unchanged entries left alone\n"), StartsWith("cold start\n"));
   EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
@@ -45,23 +46,22 @@ TEST_F(ControlledAgent, RecoversByRestartFromADeviceThatChangesBehindItsBack) {
   EXPECT_EQ(ask(R"({"verb":"get","path":"sm/mode","id":7})"),
             R"({"ok":true,"result":{"path":"sm/mode","type":"Hardware::Kest::SmMode",)"
             R"("value":"smModePolling"},"id":7})");
-  EXPECT_EQ(ask(R"({"verb":"set","path":"config/nativeVlan/et3/1","value":77})"),
-            R"({"ok":true,"result":{"path":"config/nativeVlan/et3/1","type":"U16",)"
+  EXPECT_EQ(ask(R"({"verb":"set","path":"config/nativeVlan/et1","value":77})"),
+            R"({"ok":true,"result":{"path":"config/nativeVlan/et1","type":"U16",)"
             R"("changed":true,"value":77}})");
-  EXPECT_EQ(ask(R"({"verb":"get","path":"status/nativeVlan/et3/1","form":"text"})"),
-            R"({"ok":true,"result":{"path":"status/nativeVlan/et3/1","type":"U16",)"
+  EXPECT_EQ(ask(R"({"verb":"get","path":"status/nativeVlan/et1","form":"text"})"),
+            R"({"ok":true,"result":{"path":"status/nativeVlan/et1","type":"U16",)"
             R"("value":"77"}})");
   EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
 
-  EXPECT_EQ(ask(R"({"verb":"driver","action":"flip","device":"fap3/1"})"), faultsTaken);
+  EXPECT_EQ(ask(R"({"verb":"driver","action":"flip","device":"fap0"})"), faultsTaken);
   std::string const report = agent.outputUntil("restarted: ");
-  std::string const mismatch =
-      "handleTimerExpired: fap3/1 expected state: up, actual state: down\n";
+  std::string const mismatch = "handleTimerExpired: fap0 expected state: up, actual state: down\n";
   std::string const end = from(report, mismatch);
-  EXPECT_THAT(end, StartsWith(mismatch + "kest-dma-sim: interfaces 36, devices 3, "));
+  EXPECT_THAT(end, StartsWith(mismatch + "kest-dma-sim: interfaces 4, devices 1, "));
   // Standard error is a terminal, so the log message is there too.
   EXPECT_THAT(from(end, "KEST_DMA"),
-              testing::MatchesRegex("KEST_DMA_DEVICE_STATE_ERROR: fap3/1 expected state: up, "
+              testing::MatchesRegex("KEST_DMA_DEVICE_STATE_ERROR: fap0 expected state: up, "
                                     "actual state: down\n"
                                     "kest-slice-agent: the agent \\(pid [0-9]+\\) was ended by "
                                     "signal 6 \\(SIGABRT\\); starting it again\n"
@@ -70,11 +70,11 @@ TEST_F(ControlledAgent, RecoversByRestartFromADeviceThatChangesBehindItsBack) {
   EXPECT_THAT(agent.outputUntil("unchanged entries left alone\n"),
               StartsWith("the last run was ended by signal 6 (SIGABRT)\n"));
   EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
-  EXPECT_EQ(ask(R"({"verb":"get","path":"status/nativeVlan/et3/1"})"),
-            R"({"ok":true,"result":{"path":"status/nativeVlan/et3/1","type":"U16","value":10}})");
+  EXPECT_EQ(ask(R"({"verb":"get","path":"status/nativeVlan/et1"})"),
+            R"({"ok":true,"result":{"path":"status/nativeVlan/et1","type":"U16","value":10}})");
   // The simulated chips outlived the agent, as real ones do.
   EXPECT_THAT(ask(R"({"verb":"driver","action":"dump"})"),
-              HasSubstr("'fap3/1', up, flips 1, numFaps 2"));
+              HasSubstr("'fap0', up, flips 1, numFaps 1"));
   agent.signalIs(SIGTERM);
   EXPECT_EQ(agent.ended(), 0);
 }
