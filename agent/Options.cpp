@@ -45,9 +45,9 @@ std::variant<Options, Exit> parseOptions(int argc, char const* const* argv) {
   app.footer(
       "Exit codes: 0 done, 1 a port or device did not come up (--once), 2 the command line, the "
       "slice file or the driver cannot be used; ended by a signal before --once was done: 128 and "
-      "its number.\nEnvironment: KEST_SLICE_AGENT_SOCKET, MOX_TRACE, NO_COLOR; KEST_LAST_END, "
-      "which "
-      "tells a run that is started again what ended the last one.");
+      "its number; anything that nobody foresaw: SIGABRT.\nEnvironment: KEST_SLICE_AGENT_SOCKET, "
+      "MOX_TRACE, NO_COLOR; KEST_LAST_END, which tells a run that is started again what ended the "
+      "last one; NOTIFY_SOCKET and WATCHDOG_USEC, from a service manager.");
   try {
     app.parse(argc, argv);
   } catch (CLI::ParseError const& outcome) {

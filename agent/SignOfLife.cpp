@@ -6,19 +6,24 @@
 #include <cerrno>
 #include <system_error>
 
+#include "agent/Output.h"
+
 namespace Kest::Agent {
 
 namespace {
 
 int watcher = -1;  // where signs of life go
+std::string_view signForWatcher;
 
 }  // namespace
 
 void giveSignOfLife() noexcept {
-  if (watcher < 0) return;
-  char const sign = '.';
-  // A full pipe holds signs enough.
-  [[maybe_unused]] ssize_t const written = write(watcher, &sign, sizeof sign);
+  if (watcher >= 0) writeAtOnce(watcher, signForWatcher);  // a full pipe holds signs enough
+}
+
+void signsOfLifeGoTo(int fd, std::string_view sign) noexcept {
+  watcher = fd;
+  signForWatcher = sign;
 }
 
 LifeLine::LifeLine() {
@@ -33,7 +38,7 @@ LifeLine::~LifeLine() {
 }
 
 void LifeLine::isWatched() const noexcept {
-  watcher = ends_[1];
+  signsOfLifeGoTo(ends_[1], ".");
 }
 
 bool LifeLine::taken() const noexcept {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <string_view>
 
 #include "platform/mox/Clock.h"
 
@@ -10,6 +11,10 @@ namespace Kest::Agent {
 /// Never blocks. The activity gives one every few seconds, and one before each call to the driver,
 /// because a handler may try again for a minute.
 void giveSignOfLife() noexcept;
+
+/// From now on a sign is this text, written to this descriptor. The descriptor is still used until
+/// there is another one, or -1 for none; the text must last as long.
+void signsOfLifeGoTo(int fd, std::string_view sign) noexcept;
 
 /// What carries signs of life from a process to the one that forked it. Both may hold it; each
 /// closes its own.

@@ -138,6 +138,7 @@ int Supervisor::statusAtEnd(pid_t child) {
     if (complaint.empty()) continue;
     say(named(child) + " " + complaint + "; killing it");
     tell(SIGKILL);
+    due += std::chrono::hours(1);  // the system may keep it for a while
   }
 }
 

@@ -11,6 +11,7 @@
 #include "agent/Agent.h"
 #include "agent/DriverLibrary.h"
 #include "agent/Options.h"
+#include "agent/ServiceManager.h"
 #include "agent/SignOfLife.h"
 #include "agent/SimulatedDriver.h"
 #include "agent/StandardStreams.h"
@@ -60,6 +61,9 @@ int runAgent(Options const& options, StandardStreams& streams) {
   if (!options.faultFile.empty()) simulated.faultFileIs(options.faultFile);
   Agent agent(options, Console::standardOutput(), driver);
   agent.start();
+  ServiceManager const manager;
+  manager.isTold("READY=1");
+  if (!options.supervise) manager.isToldOfLife();
   return runToItsEnd(agent, streams);
 }
 

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "test/agent/AgentProcess.h"
+#include "test/agent/NotifySocket.h"
 #include "test/agent/ScratchDirectory.h"
 
 namespace Kest::Agent {
@@ -121,6 +122,18 @@ TEST_F(SupervisedAgent, IsToldOfItsLastEndByAnyServiceManager) {
                      {{"KEST_LAST_END", "SIGBUS"}});
   EXPECT_EQ(agent.ended(), 0);
   EXPECT_EQ(agent.output(), std::string("restarted: the last run was ended by SIGBUS\n") + applied);
+}
+
+TEST_F(SupervisedAgent, TellsItsServiceManagerThatItServesAndThatItLives) {
+  NotifySocket const socket(directory + "/notify");
+  AgentProcess agent(directory, {"slice"}, AgentProcess::Output::pipes,
+                     {{"NOTIFY_SOCKET", "notify"}, {"WATCHDOG_USEC", "30000000"}});
+  EXPECT_EQ(socket.told(), "READY=1");
+  EXPECT_EQ(socket.told(), "WATCHDOG=1");
+  agent.outputUntil("left alone\n");
+  EXPECT_EQ(socket.told(), "WATCHDOG=1");  // on and on
+  agent.signalIs(SIGTERM);
+  EXPECT_EQ(agent.ended(), 0);
 }
 
 TEST_F(SupervisedAgent, TakesAnEmptyLastEndForNone) {
