@@ -14,7 +14,8 @@ namespace Kest::Agent {
 namespace {
 
 std::string lostText(std::size_t lines) {
-  return std::to_string(lines) + (lines == 1 ? " line" : " lines") + " lost: not read in time\n";
+  return std::to_string(lines) + (lines == 1 ? " line" : " lines") +
+         " lost: could not be written in time\n";
 }
 
 bool isForNow(int error) {

@@ -63,7 +63,7 @@ TEST_F(AgentOutput, IsWholeForALateReaderUpToWhatIsLost) {
   AgentProcess agent(directory, {"slice"});
   agent.outputUntil("cold start\n");
   awaitApplied("10");
-  EXPECT_THAT(agent.outputUntil(" lost: not read in time\n"),
+  EXPECT_THAT(agent.outputUntil(" lost: could not be written in time\n"),
               HasSubstr("config  + nativeVlan " + port(1000) + " 10\nconfig  + nativeVlan " +
                         port(1001) + " 10\n"));
   agent.signalIs(SIGTERM);

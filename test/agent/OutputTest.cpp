@@ -129,7 +129,7 @@ TEST_F(OutputTest, KeepsWhatIsNotTakenInOrderAndSaysHowMuchIsLost) {
     EXPECT_EQ(first, lines(1, taken));
     out << "later\n" << std::flush;
     EXPECT_EQ(way.text(), lines(taken + 1, taken + 10) + std::to_string(plenty - taken - 10) +
-                              " lines lost: not read in time\nlater\n");
+                              " lines lost: could not be written in time\nlater\n");
     EXPECT_TRUE(out.good());
   }
 }
@@ -142,7 +142,8 @@ TEST_F(OutputTest, SaysThatALineIsLostWhenTheReaderHasCaughtUp) {
   writeLines(out, 1, taken + 2);
   EXPECT_EQ(pipe.text(), lines(1, taken));
   out << "ports [....]" << std::flush;  // not a line
-  EXPECT_EQ(pipe.text(), line(taken + 1) + "1 line lost: not read in time\nports [....]");
+  EXPECT_EQ(pipe.text(),
+            line(taken + 1) + "1 line lost: could not be written in time\nports [....]");
 }
 
 TEST_F(OutputTest, IsWrittenByTheLoopOnceThereIsRoom) {
@@ -155,7 +156,8 @@ TEST_F(OutputTest, IsWrittenByTheLoopOnceThereIsRoom) {
   writeLines(out, 1, taken + 12);
   EXPECT_EQ(pipe.text(), lines(1, taken));
   loop.runOnce(0);
-  EXPECT_EQ(pipe.text(), lines(taken + 1, taken + 10) + "2 lines lost: not read in time\n");
+  EXPECT_EQ(pipe.text(),
+            lines(taken + 1, taken + 10) + "2 lines lost: could not be written in time\n");
   writeLines(out, 1, taken + 1);
   EXPECT_EQ(pipe.text(), lines(1, taken));
   output.loopIs(nullptr);
@@ -190,7 +192,7 @@ TEST_F(OutputTest, CountsWhatADeviceRefusesUntilItTakesIt) {
   Ends const pipe(pipeEnds());
   ASSERT_EQ(dup2(pipe.writer(), full), full);
   out << "end\n" << std::flush;
-  EXPECT_EQ(pipe.text(), "5 lines lost: not read in time\nend\n");
+  EXPECT_EQ(pipe.text(), "5 lines lost: could not be written in time\nend\n");
   close(full);
 }
 

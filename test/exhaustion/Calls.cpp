@@ -54,6 +54,7 @@ constexpr Function functions[] = {
     {"listen", {EADDRINUSE}},
     {"lstat", {EACCES, EIO, ENOENT}},
     {"open", {EACCES, EINTR, EMFILE, ENOSPC}},
+    {"pipe2", {EMFILE, ENFILE, ENOMEM}},
     {"poll", {EINTR, ENOMEM}},
     {"prctl", {EINVAL}},
     {"read", {EAGAIN, EINTR, EIO}},
@@ -334,6 +335,10 @@ int open(char const* path, int flags, ...) {
   mode_t const mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
   return call("open", &open, path, flags, mode);
+}
+
+int pipe2(int* ends, int flags) noexcept {
+  return call("pipe2", &pipe2, ends, flags);
 }
 
 int poll(pollfd* fds, nfds_t count, int timeout) {

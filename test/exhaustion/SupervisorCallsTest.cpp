@@ -80,9 +80,9 @@ constexpr int refused = 2;
 constexpr int terminated = 128 + SIGTERM;
 
 /// As the agent's `main` does it. Returns in the children too, which end with the result.
-int supervised(Supervisor& supervisor) {
+int supervised(RestartDelay delay = RestartDelay()) {
   try {
-    return supervisor.run();
+    return Supervisor(&abortsOnce, delay).run();
   } catch (std::exception const& error) {
     say(std::string("error: ") + error.what() + "\n");
     return refused;
@@ -107,10 +107,9 @@ TEST(SupervisorCalls, ItGoesOnOrEndsWithTheSystemsReason) {
         SCOPED_TRACE(testing::Message() << "call " << at << ", way " << way);
         Outcome const found = outcomeOf([&] {
           pid_t const process = getpid();
-          Supervisor supervisor(&abortsOnce);
           Exhaustion::waitsAreVirtual(0);
           Exhaustion::FailingCall const failing(at, way, lasting);
-          int const code = supervised(supervisor);
+          int const code = supervised();
           if (getpid() != process || code != 7 || failing.hasCome()) return code;
           return failing.isOutOfWays() ? outOfWays : outOfCalls;
         });
@@ -138,9 +137,8 @@ TEST(SupervisorCalls, AnInterruptedPauseIsWaitedOut) {
   Outcome const found = outcomeOf([] {
     pid_t const process = getpid();
     std::chrono::seconds const hour(3600);
-    Supervisor supervisor(&abortsOnce, RestartDelay({hour, 0, hour, hour}));
     Exhaustion::waitsAreVirtual(interruptions);
-    int const code = supervised(supervisor);
+    int const code = supervised(RestartDelay({hour, 0, hour, hour}));
     if (getpid() == process) {
       auto const waited =
           std::chrono::duration_cast<std::chrono::seconds>(Exhaustion::virtualWait());
