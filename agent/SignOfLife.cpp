@@ -12,18 +12,18 @@ namespace Kest::Agent {
 
 namespace {
 
-int watcher = -1;  // where signs of life go
-std::string_view signForWatcher;
+int lifeWatcher = -1;  // where signs of life go
+std::string_view lifeSign;
 
 }  // namespace
 
 void giveSignOfLife() noexcept {
-  if (watcher >= 0) writeAtOnce(watcher, signForWatcher);  // a full pipe holds signs enough
+  if (lifeWatcher >= 0) writeAtOnce(lifeWatcher, lifeSign);  // a full pipe holds signs enough
 }
 
 void signsOfLifeGoTo(int fd, std::string_view sign) noexcept {
-  watcher = fd;
-  signForWatcher = sign;
+  lifeWatcher = fd;
+  lifeSign = sign;
 }
 
 LifeLine::LifeLine() {
@@ -33,7 +33,7 @@ LifeLine::LifeLine() {
 }
 
 LifeLine::~LifeLine() {
-  if (watcher == ends_[1]) watcher = -1;
+  if (lifeWatcher == ends_[1]) lifeWatcher = -1;
   for (int const end : ends_) close(end);
 }
 
@@ -54,7 +54,7 @@ Heartbeat::Heartbeat(Mox::Ptr<Mox::Clock> const& clock) {
 }
 
 void Heartbeat::onTime() {
-  constexpr Mox::Seconds period = 2;  // a few in each look of a watcher
+  constexpr Mox::Seconds period = 2;  // a few in each look of a lifeWatcher
   giveSignOfLife();
   timeMinIs(Mox::now() + period);
 }

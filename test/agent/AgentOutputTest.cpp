@@ -16,7 +16,7 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 /// A long one, for long lines.
-std::string port(int number) {
+std::string longPort(int number) {
   std::string const digits = std::to_string(number);
   return "et" + std::string(200 - digits.size(), '0') + digits;
 }
@@ -25,7 +25,7 @@ std::string port(int number) {
 std::string nativeVlans(int count, int vlan) {
   std::string text;
   for (int number = 1; number <= count; ++number) {
-    text += "nativeVlan '" + port(number) + "' " + std::to_string(vlan) + "\n";
+    text += "nativeVlan '" + longPort(number) + "' " + std::to_string(vlan) + "\n";
   }
   return text;
 }
@@ -39,7 +39,7 @@ class AgentOutput : public ScratchDirectory {
   /// Waits until the last line of the file has been applied.
   void awaitApplied(std::string const& vlan) const {
     std::string const request =
-        R"({"verb":"get","path":"config/nativeVlan/)" + port(many) + R"(","form":"text"})";
+        R"({"verb":"get","path":"config/nativeVlan/)" + longPort(many) + R"(","form":"text"})";
     std::string answer;
     ControlClient client(directory + "/control.sock");
     do {
@@ -55,7 +55,7 @@ TEST_F(AgentOutput, ThatNobodyReadsHoldsNothingUp) {
   agent.signalIs(SIGTERM);
   agent.awaitEndUnread();
   EXPECT_EQ(agent.ended(), 0);
-  EXPECT_THAT(agent.output(), StartsWith("config  + nativeVlan " + port(1) + " 10\n"));
+  EXPECT_THAT(agent.output(), StartsWith("config  + nativeVlan " + longPort(1) + " 10\n"));
   EXPECT_EQ(agent.errors(), "");
 }
 
@@ -64,8 +64,8 @@ TEST_F(AgentOutput, IsWholeForALateReaderUpToWhatIsLost) {
   agent.outputUntil("cold start\n");
   awaitApplied("10");
   EXPECT_THAT(agent.outputUntil(" lost: could not be written in time\n"),
-              HasSubstr("config  + nativeVlan " + port(1000) + " 10\nconfig  + nativeVlan " +
-                        port(1001) + " 10\n"));
+              HasSubstr("config  + nativeVlan " + longPort(1000) + " 10\nconfig  + nativeVlan " +
+                        longPort(1001) + " 10\n"));
   agent.signalIs(SIGTERM);
   EXPECT_EQ(agent.ended(), 0);
   EXPECT_THAT(agent.output(), EndsWith("ended by SIGTERM\n"));
