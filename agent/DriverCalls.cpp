@@ -1,5 +1,3 @@
-#include <cerrno>
-#include <csignal>
 #include <utility>
 
 // Seen by the library that calls the operations.
@@ -23,21 +21,12 @@ auto passedOn(Arguments&&... arguments) {
   return ::Kest::Agent::inDriver<operation>(std::forward<Arguments>(arguments)...);
 }
 
-/// Whether a signal that ends the agent waits for its activity, which blocks it.
-bool isToEnd() {
-  sigset_t pending;
-  return sigpending(&pending) == 0 &&
-         (sigismember(&pending, SIGTERM) == 1 || sigismember(&pending, SIGINT) == 1);
-}
-
 }  // namespace
 
-/// "Try again" is an answer for up to a minute, which whoever ends the agent is not to wait.
 int kestDmaIfadd(char const* ifName, int destId, int shadowIntfId, int trafficClass,
                  Mox::String8 devName, int fapNum, bool ctrl, bool hwLag, char const* macAddr) {
-  int const result = passedOn<&kestDmaIfadd>(ifName, destId, shadowIntfId, trafficClass,
-                                             std::move(devName), fapNum, ctrl, hwLag, macAddr);
-  return result == EAGAIN && isToEnd() ? EINTR : result;
+  return passedOn<&kestDmaIfadd>(ifName, destId, shadowIntfId, trafficClass, std::move(devName),
+                                 fapNum, ctrl, hwLag, macAddr);
 }
 
 int kestDmaIfdel(char const* ifName) {

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <csignal>
 
 #include "agent/DriverLibrary.h"
 #include "agent/SignOfLife.h"
@@ -57,28 +56,6 @@ TEST_F(DriverCalls, AreSignsOfLife) {
   kestDmaIfdel("et1");
   EXPECT_TRUE(life.taken());
   EXPECT_FALSE(life.taken());
-}
-
-/// The state machine tries again for up to a minute.
-TEST_F(DriverCalls, AreNotToBeTriedAgainOnceTheProcessIsToEnd) {
-  sim.faultsAre("fail kestDmaIfadd 'et1' 11 always\nfail kestDmaIfadd 'et2' 5 always\n");
-  auto const created = [](char const* ifName) {
-    return kestDmaIfadd(ifName, 1, 2, 3, "", 1, true, false, "00:1c:73:0a:0b:0c");
-  };
-  for (int const signal : {SIGTERM, SIGINT}) {
-    sigset_t blocked;
-    sigemptyset(&blocked);
-    sigaddset(&blocked, signal);
-    sigprocmask(SIG_BLOCK, &blocked, nullptr);
-    EXPECT_EQ(created("et1"), EAGAIN);
-    raise(signal);
-    EXPECT_EQ(created("et1"), EINTR);
-    EXPECT_EQ(created("et2"), EIO);
-    EXPECT_EQ(created("et3"), 0);
-    sigwaitinfo(&blocked, nullptr);
-    EXPECT_EQ(created("et1"), EAGAIN);
-    sigprocmask(SIG_UNBLOCK, &blocked, nullptr);
-  }
 }
 
 }  // namespace
