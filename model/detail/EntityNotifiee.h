@@ -37,7 +37,8 @@ class EntityNotifiee : public ListedNotifiee {
 
   ~EntityNotifiee() override { EntityNotifiee::isRegisteredNotifieeIs(false); }
 
-  Mox::Ptr<Entity const> notifier() const { return entity(); }
+  /// To look at it tells nobody, even if only observers hold it.
+  Mox::Ptr<Entity const> notifier() const noexcept { return this->template lentNotifier<Entity>(); }
 
  private:
   Entity const* entity() const noexcept { return static_cast<Entity const*>(rawNotifier()); }

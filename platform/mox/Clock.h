@@ -26,9 +26,6 @@ class MOX_API Clock : public Entity {
   /// The earliest wake-up that an observer waits for; `never` when there is none.
   Seconds timeMin() const noexcept;
 
-  /// Lets the next observer that registers find memory.
-  void makeRoom() const { observers_.reserve(observers_.size() + 1); }
-
   /// Wakes every observer whose time has come, by wake-up time, then in order of registration, each
   /// at most once. An observer's `timeMin` goes back to `never` just before its `onTime()`. One
   /// that is gone, has left or was moved to a later time meanwhile is not woken. An exception that
@@ -37,6 +34,8 @@ class MOX_API Clock : public Entity {
   void dispatch();
 
  private:
+  /// Lets the next observer that registers find memory.
+  void makeRoom() const { observers_.reserve(observers_.size() + 1); }
   static void wake(NotifieeConst& observer) noexcept;
   static void report(NotifieeConst& observer) noexcept;
 
@@ -57,7 +56,7 @@ class MOX_API Clock::NotifieeConst : public Mox::Entity::NotifieeConst {
 
   ~NotifieeConst() override;
 
-  Ptr<Clock const> notifier() const { return clock(); }
+  Ptr<Clock const> notifier() const noexcept { return lentNotifier<Clock>(); }
   bool isRegisteredNotifiee() const noexcept { return registered_; }
   /// When to be woken: 0 at first, that is at the next dispatch; `never` for not at all.
   Seconds timeMin() const noexcept { return timeMin_; }

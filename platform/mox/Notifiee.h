@@ -28,6 +28,12 @@ class MOX_API NotifieeConst : public PtrInterface {
  protected:
   NotifieeConst() = default;
   PtrInterface const* rawNotifier() const noexcept { return notifier_; }
+  /// A reference to the notifier, a `T`, or null. To take and drop it tells nobody.
+  template <class T>
+  Ptr<T const> lentNotifier() const noexcept {
+    if (notifier_ != nullptr) notifier_->notifierReferenceLent();
+    return static_cast<T const*>(notifier_);
+  }
 
  private:
   PtrInterface const* notifier_ = nullptr;

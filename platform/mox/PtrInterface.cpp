@@ -28,7 +28,11 @@ void PtrInterface::outsideIsGone(Counts left) const noexcept {
   if (all(left) == 0) {
     delete this;
   } else {
-    tellZeroReferences();
+    if (flag(lent)) {
+      flagIs(lent, false);
+    } else {
+      tellZeroReferences();
+    }
     notifierReferenceDel();
   }
 }

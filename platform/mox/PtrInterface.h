@@ -68,7 +68,8 @@ class ReferenceCount {
 /// among them that observers hold on their notifier. When an ordinary reference goes and only the
 /// observers' are left, the object is told through `zeroReferencesIs(true)`; it lives on until
 /// they go too. It is told again if it was referenced from outside once more in the meantime, but
-/// never while it is being told. There are at most 268,435,455 references to an object.
+/// never while it is being told, and not because of what an observer lent
+/// (`notifierReferenceLent`). There are at most 268,435,455 references to an object.
 ///
 /// Threads. Counts are atomic only while `threadSafePtrIs(true)`; nothing else here is. Threads may
 /// then take and drop references to one object, observers' among them: it is told in the thread
@@ -107,6 +108,12 @@ class MOX_API PtrInterface {
   }
   void notifierReferenceNew() const noexcept;
   void notifierReferenceDel() const noexcept;
+  /// Comes before an ordinary reference that an observer lends of its notifier. If only observers
+  /// hold the object then, nobody is told when that reference and its copies have gone: to look at
+  /// a notifier is not to use it from outside.
+  void notifierReferenceLent() const noexcept {
+    if (!isHeldOutside(counts_.value())) flagIs(lent, true);
+  }
 
   /// The thread-safe pointer switch. Set it while a single thread runs.
   static bool threadSafePtr() noexcept {
@@ -137,7 +144,8 @@ class MOX_API PtrInterface {
   enum Flag : Counts {
     notificationActive = Counts{1} << 2 * countBits,
     markedForDeletion = notificationActive << 1,
-    tellingZero = markedForDeletion << 1
+    tellingZero = markedForDeletion << 1,
+    lent = tellingZero << 1
   };
 
   bool flag(Flag f) const noexcept { return (counts_.value() & f) != 0; }

@@ -73,6 +73,22 @@ TEST_F(PtrInterfaceTest, IsToldAgainAfterItWasReferencedFromOutsideAnew) {
   raw->notifierReferenceDel();
 }
 
+TEST_F(PtrInterfaceTest, IsNotToldWhenWhatAnObserverLentHasGone) {
+  raw->notifierReferenceNew();
+  object = nullptr;
+  raw->notifierReferenceLent();
+  {
+    Ptr<Observed> const lent(raw);
+    Ptr<Observed> const copy = lent;
+  }
+  EXPECT_THAT(events, ElementsAre("told"));
+  object = Ptr<Observed>(raw);
+  raw->notifierReferenceLent();  // it is held outside: nothing changes
+  object = nullptr;
+  EXPECT_THAT(events, ElementsAre("told", "told"));
+  raw->notifierReferenceDel();
+}
+
 TEST_F(PtrInterfaceTest, IsNotToldWhenAnObserverLeavesIt) {
   raw->notifierReferenceNew();
   raw->notifierReferenceNew();
