@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <cmath>
 #include <cstring>
 #include <ctime>
 #include <utility>
@@ -37,9 +38,10 @@ int addInterface(KestSliceDmaConfig::SwitchPort const& port) {
                       port.macAddr().text().data());
 }
 
-/// Whole seconds of wall-clock time.
-std::int32_t elapsedSince(std::time_t start) {
-  return static_cast<std::int32_t>(std::difftime(std::time(nullptr), start));
+/// Whole seconds of wall-clock time. No integer holds every jump of that clock; a `double` holds
+/// all that can be near a retry period exactly.
+double elapsedSince(std::time_t start) {
+  return std::trunc(std::difftime(std::time(nullptr), start));
 }
 
 }  // namespace

@@ -1,3 +1,6 @@
+#include <ctime>
+#include <limits>
+
 #include "test/sm/SmFixture.h"
 
 namespace Hardware::Kest::Slice {
@@ -122,6 +125,17 @@ TEST_F(SwitchPortTest, TryAgainIsTriedAgainAfterAPause) {
                                            "kestDmaNativeVlan('et1', false, 4096)"));
 }
 
+TEST_F(SwitchPortTest, RetryUsesTheSameArgumentsWhateverTheConfigHoldsByThen) {
+  driver.answersIs("kestDmaIfadd", "et1", {11, 11, 0});
+  auto changed = port("et1");
+  changed.destIdIs(8);
+  driver.reaction = [&] { config->newSwitchPort(changed); };  // announces nothing
+  config->switchPortIs(port("et1"));
+  EXPECT_THAT(journal.taken(), ElementsAre(ifadd("et1"), pause, ifadd("et1"), pause, ifadd("et1"),
+                                           pause, "status switchPort et1: created",
+                                           "kestDmaNativeVlan('et1', false, 4096)"));
+}
+
 TEST_F(SwitchPortTest, OtherFailureIsRecordedAndNotTriedAgain) {
   config->nativeVlanIs("et1", 10);
   driver.answersIs("kestDmaIfadd", "et1", {11, 22});
@@ -205,6 +219,19 @@ TEST_F(SwitchPortTest, WallClockThatIsSetForwardEndsTheRetry) {
   driver.answersIs("kestDmaIfadd", "et1", {11, 0});
   driver.reaction = [&] { time.wallClockJump(61); };
   EXPECT_ABORT(config->switchPortIs(port("et1")), assertion(timedOut));
+}
+
+TEST_F(SwitchPortTest, WallClockMayJumpFurtherThanAnIntegerReaches) {
+  using Limits = std::numeric_limits<std::time_t>;
+  for (char const* ifName : {"et1", "et2"}) driver.answersIs("kestDmaIfadd", ifName, {11, 0});
+  driver.reaction = [&] { time.wallClockJump(Limits::max() - 1 - time.time()); };
+  EXPECT_ABORT(config->switchPortIs(port("et1")), assertion(timedOut));
+
+  driver.reaction = [&] {
+    if (time.time() > 0) time.wallClockJump(Limits::min());
+  };
+  config->switchPortIs(port("et2"));
+  EXPECT_TRUE(status->switchPort("et2").created());
 }
 
 TEST_F(SwitchPortTest, EmptyNameWithAnAddressIsAPresentPort) {
