@@ -35,7 +35,8 @@ foreach(header
     model/detail/SliceCollections.h
     registry/detail/EntityAdapter.h
     registry/detail/RecordAdapter.h
-    sm/detail/Reactor.h)
+    sm/detail/Reactor.h
+    sm/detail/Unwind.h)
   get_filename_component(directory ${header} DIRECTORY)
   install(FILES ${header} DESTINATION ${KEST_INCLUDE_DIR}/${directory})
 endforeach()

@@ -15,10 +15,11 @@ int registerParameters(Mox::String const& devName, KestSliceDmaConfig::Device co
 }  // namespace
 
 void KestSliceDmaSm::handleDevice(Mox::String devName) {
+  auto const self = kept();
   auto const message = [&](std::ostream& out) {
     out << detail::handler::handleDevice.signature << " device: '" << devName << "'";
   };
-  KestSliceDmaConfig::Device const device = observed().device(devName);
+  KestSliceDmaConfig::Device const device = config()->device(devName);
   detail::trace(1, detail::handler::handleDevice, detail::line::handleDevice, message);
   if (device.devName().empty()) {
     // The driver keeps the device as it is, and so does the recorded state.
@@ -38,16 +39,18 @@ void KestSliceDmaSm::handleDevice(Mox::String devName) {
 }
 
 void KestSliceDmaSm::handleDeviceState(Mox::String devName) {
+  auto const self = kept();
+  auto const config = this->config();
   KestSliceDmaStatus::Device const device = status_->device(devName);
   detail::trace(1, detail::handler::handleDeviceState, detail::line::handleDeviceState,
                 [&](std::ostream& out) {
                   out << detail::handler::handleDeviceState.signature << " device: '" << devName
-                      << "' state: " << observed().deviceState(devName) << "/"
+                      << "' state: " << config->deviceState(devName) << "/"
                       << status_->deviceState(devName);
                 });
   if (!device.registered()) return;
 
-  DeviceState const wanted = observed().deviceState(devName);
+  DeviceState const wanted = config->deviceState(devName);
   if (wanted != DeviceState::deviceStateUp_ && wanted != DeviceState::deviceStateDown_) {
     detail::assertionFailed("false", detail::handler::handleDeviceState, detail::line::wantedState);
   }

@@ -38,15 +38,31 @@ Mox::MoxType const* KestSliceDmaSm::fwkType() const {
 
 void KestSliceDmaSm::hasNotificationActiveIs(bool active) {
   if (active == hasNotificationActive()) return;
-  Mox::PtrInterface::hasNotificationActiveIs(active);
+  bool const before = config_ && config_->hasNotificationActive();
   if (config_) config_->hasNotificationActiveIs(active);
-  if (stateTimer_) stateTimer_->hasNotificationActiveIs(active);
+  detail::orUndo(
+      [&] {
+        if (stateTimer_) stateTimer_->hasNotificationActiveIs(active);
+      },
+      [&] {
+        if (config_) config_->hasNotificationActiveIs(before);
+      });
+  Mox::PtrInterface::hasNotificationActiveIs(active);
 }
 
 void KestSliceDmaSm::moxDoZombieReactors(bool zombie) {
   if (zombie == moxMarkedForDeletion()) return;
-  if (Mox::Ptr<MoxConfig> const reactor = config_) reactor->moxDoZombieReactors(zombie);
-  if (Mox::Ptr<MoxStateTimer> const reactor = stateTimer_) reactor->moxDoZombieReactors(zombie);
+  Mox::Ptr<MoxConfig> const config = config_;
+  Mox::Ptr<MoxStateTimer> const timer = stateTimer_;
+  bool const before = config && config->moxMarkedForDeletion();
+  if (config) config->moxDoZombieReactors(zombie);
+  detail::orUndo(
+      [&] {
+        if (timer) timer->moxDoZombieReactors(zombie);
+      },
+      [&] {
+        if (config) config->moxDoZombieReactors(before);
+      });
   moxMarkedForDeletionIs(zombie);
 }
 
@@ -62,7 +78,7 @@ Mox::Ptr<KestSliceDmaSm::MoxConfig> KestSliceDmaSm::newConfig(
 }
 
 void KestSliceDmaSm::configIs(Mox::Ptr<KestSliceDmaConfig const> const& config) {
-  detail::bindReactor(config_, config, moxMarkedForDeletion(),
+  detail::bindReactor(*this, config_, config,
                       [this](auto const& target) { return newConfig(target); });
 }
 
@@ -82,7 +98,8 @@ Mox::Ptr<KestSliceDmaSm::MoxStateTimer> KestSliceDmaSm::newStateTimer(
 }
 
 void KestSliceDmaSm::stateTimerIs(Mox::Ptr<Mox::Clock const> const& clock) {
-  detail::bindReactor(stateTimer_, clock, moxMarkedForDeletion(),
+  auto const self = kept();
+  detail::bindReactor(*this, stateTimer_, clock,
                       [this](auto const& target) { return newStateTimer(target); });
 }
 
@@ -92,11 +109,13 @@ Mox::Ptr<Mox::Clock const> KestSliceDmaSm::stateTimerDel() {
 
 void KestSliceDmaSm::modeIs(SmMode mode) {
   if (mode == mode_) return;
-  mode_ = mode;
-  handleMode();
+  auto const self = kept();
+  SmMode const before = std::exchange(mode_, mode);
+  detail::orUndo([this] { handleMode(); }, [&] { mode_ = before; });
 }
 
 void KestSliceDmaSm::handleMode() {
+  auto const self = kept();
   detail::traceSignature(2, detail::handler::handleMode, detail::line::handleMode);
   if (armsPoll(mode_)) stateTimer_->timeMinIs(Mox::now() + pollPeriodSeconds);
 }
@@ -106,9 +125,10 @@ bool KestSliceDmaSm::armsPoll(SmMode mode) {
 }
 
 void KestSliceDmaSm::handleInitialized() {
+  auto const self = kept();
   detail::traceSignature(2, detail::handler::handleInitialized, detail::line::handleInitialized);
   stateTimerIs(Mox::activityManager()->clock());
-  stateTimer_->timeMinIs(Mox::Clock::never);
+  if (stateTimer_) stateTimer_->timeMinIs(Mox::Clock::never);  // a poll may have dropped it
 }
 
 }  // namespace Hardware::Kest::Slice

@@ -21,6 +21,10 @@ extern KEST_SLICE_DMA_API std::int32_t INTF_ADD_RETRY_TIMEOUT_SECONDS;
 /// configuration held before is not walked. Handlers run on the agent's activity thread, one at a
 /// time, to completion, and block it while the driver works.
 ///
+/// What a handler sets off, in observers of the status or in the driver, may do anything to the
+/// machine. A handler runs to its end on the configuration that was bound when it began, also when
+/// that is unbound or replaced meanwhile, or when the last reference to the machine goes.
+///
 /// Broken invariants and driver answers that leave the slice inconsistent end the process with a
 /// standard assertion; the agent's restart is the recovery.
 ///
@@ -50,11 +54,12 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
 
   // The order of the virtual operations is part of the binary interface.
 
-  /// Forwarded to both reactors.
+  /// Forwarded to both reactors. Without memory to activate both, neither has changed.
   void hasNotificationActiveIs(bool active) override;
   Mox::MoxType const* fwkType() const override;
   ~KestSliceDmaSm() override;
-  /// Silences both reactors (true) or brings them back.
+  /// Silences both reactors (true) or brings them back. Without memory to bring back both, neither
+  /// has changed.
   virtual void moxDoZombieReactors(bool zombie);
 
   static Mox::MoxType const* _fwkType();
@@ -73,14 +78,18 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
 
   /// The clock that the timer observes, or null.
   Mox::Ptr<Mox::Clock const> stateTimer() const;
-  /// Moves the timer to another clock, or drops it. Moving an existing timer polls at once.
+  /// Moves the timer to another clock, or drops it. Moving an existing timer polls at once. Without
+  /// memory to join the new clock after that the process ends.
   void stateTimerIs(Mox::Ptr<Mox::Clock const> const& clock);
   Mox::Ptr<Mox::Clock const> stateTimerDel();
 
   SmMode mode() const noexcept { return mode_; }
+  /// Handled at once; without memory for that the mode stays as it was.
   void modeIs(SmMode mode);
 
   double pollPeriod() const noexcept { return pollPeriodSeconds; }
+
+  // Handlers. Those of keys, and `doVerify`, need a configuration that is bound.
 
   /// Brings a port's kernel interface, then its native VLAN, in line with the configuration.
   void handleSwitchPort(Mox::String ifName);
@@ -91,7 +100,8 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
   /// Brings a registered device up or down.
   void handleDeviceState(Mox::String devName);
   /// The poll: compares every device's state in the driver with the one last applied; ends the
-  /// process when they differ, otherwise comes again after the poll period.
+  /// process when they differ, otherwise comes again, by the timer that is there when the pass
+  /// ends, the poll period after that. So it does when the pass ends by an exception.
   void handleTimerExpired();
   /// Asserts that the status reflects the configuration completely.
   void doVerify();
@@ -111,8 +121,12 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
  private:
   Mox::Ptr<MoxConfig> newConfig(Mox::Ptr<KestSliceDmaConfig const> const& config);
   Mox::Ptr<MoxStateTimer> newStateTimer(Mox::Ptr<Mox::Clock const> const& clock);
-  KestSliceDmaConfig const& observed() const;
+  /// Keeps the machine for the length of a call that may set off anything. Null while it is being
+  /// made: nobody holds it then, so nobody can let go.
+  Mox::Ptr<KestSliceDmaSm> kept() noexcept { return references() == 0 ? nullptr : this; }
+  void armPoll();
   void createInterface(Mox::String const& ifName, KestSliceDmaConfig::SwitchPort const& port);
+  void programNativeVlan(KestSliceDmaConfig const& config, Mox::String const& ifName);
 
   // In this order: they are released from the last to the first.
   Mox::Ptr<MoxConfig> config_;
@@ -129,12 +143,6 @@ class KEST_SLICE_DMA_API KestSliceDmaSm::MoxConfig
   MoxConfig(KestSliceDmaSm* sm, Mox::Ptr<KestSliceDmaConfig const> const& config);
   ~MoxConfig() override;
 
-  /// The configuration for one lookup, which does not need a reference of its own to it. There must
-  /// be one.
-  KestSliceDmaConfig const& observed() const {
-    return static_cast<KestSliceDmaConfig const&>(*rawNotifier());
-  }
-
   using KestSliceDmaConfig::NotifieeConst::onDevice;
   using KestSliceDmaConfig::NotifieeConst::onDeviceState;
   using KestSliceDmaConfig::NotifieeConst::onNativeVlan;
@@ -149,10 +157,6 @@ class KEST_SLICE_DMA_API KestSliceDmaSm::MoxConfig
   void onDeviceState(Mox::String8 devName) override;
 };
 
-inline KestSliceDmaConfig const& KestSliceDmaSm::observed() const {
-  return config_->observed();
-}
-
 /// Polls when the clock wakes it.
 class KEST_SLICE_DMA_API KestSliceDmaSm::MoxStateTimer
     : public detail::Reactor<Mox::Clock::NotifieeConst> {
@@ -161,9 +165,13 @@ class KEST_SLICE_DMA_API KestSliceDmaSm::MoxStateTimer
   MoxStateTimer(KestSliceDmaSm* sm, Mox::Ptr<Mox::Clock const> const& clock);
   ~MoxStateTimer() override;
 
-  /// Polls at once when it is moved to another clock.
+  /// Polls at once when it is moved to another clock, and joins that afterwards.
   void notifierIs(Mox::Ptr<Mox::PtrInterface const> const& clock) override;
+  /// A zombie does not poll; its wake-up, which the clock has used, comes again.
   void onTime() override;
+
+ private:
+  void joinClock() noexcept;
 };
 
 /// The library's entry point: makes the state machine of one slice.

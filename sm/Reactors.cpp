@@ -1,6 +1,7 @@
 #include <utility>
 
 #include "sm/KestSliceDmaSm.h"
+#include "sm/detail/End.h"
 
 namespace Hardware::Kest::Slice {
 
@@ -48,16 +49,30 @@ KestSliceDmaSm::MoxStateTimer::~MoxStateTimer() {
 
 void KestSliceDmaSm::MoxStateTimer::notifierIs(Mox::Ptr<Mox::PtrInterface const> const& clock) {
   auto const next = Mox::ptrCast<Mox::Clock const>(clock);
-  if (next == notifier()) return;
-  if (next) next->makeRoom();  // or, without memory, it would poll once and never again
+  if (observes(next.ptr())) return;
+  Mox::Ptr<MoxStateTimer> const self(this);  // the poll may let go of it
   isRegisteredNotifieeIs(false);
   Mox::Clock::NotifieeConst::notifierIs(next);
+  detail::AtEnd const join([this] { joinClock(); });  // or a poll that throws were the last one
   if (next && !moxMarkedForDeletion()) kestSliceDmaSm()->handleTimerExpired();
-  isRegisteredNotifieeIs(static_cast<bool>(next));
+}
+
+/// Unless the poll had the machine let go of the timer.
+void KestSliceDmaSm::MoxStateTimer::joinClock() noexcept {
+  if (kestSliceDmaSm() == nullptr) return;
+  try {
+    isRegisteredNotifieeIs(!observes(nullptr));
+  } catch (...) {
+    detail::endProcess("KestSliceDmaSm: no memory for the device state poll to join its clock");
+  }
 }
 
 void KestSliceDmaSm::MoxStateTimer::onTime() {
-  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleTimerExpired();
+  if (moxMarkedForDeletion()) {
+    timeMinIs(Mox::now() + pollPeriodSeconds);
+  } else {
+    kestSliceDmaSm()->handleTimerExpired();
+  }
 }
 
 }  // namespace Hardware::Kest::Slice

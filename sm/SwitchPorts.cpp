@@ -47,18 +47,20 @@ double elapsedSince(std::time_t start) {
 }  // namespace
 
 void KestSliceDmaSm::handleSwitchPort(Mox::String ifName) {
+  auto const self = kept();
+  auto const config = this->config();
   detail::trace(
       8, detail::handler::handleSwitchPort, detail::line::handleSwitchPort, [&](std::ostream& out) {
         out << "KestSliceDmaSm::" << detail::handler::handleSwitchPort.name << " ifName=" << ifName;
       });
-  KestSliceDmaConfig::SwitchPort const port = observed().switchPort(ifName);
+  KestSliceDmaConfig::SwitchPort const port = config->switchPort(ifName);
   if (isAbsent(port)) {
     kestDmaIfdel(ifName.charPtr());  // the driver may never have had it: the result says nothing
     status_->switchPortDel(ifName);
   } else {
     createInterface(ifName, port);
   }
-  handleNativeVlan(std::move(ifName));
+  programNativeVlan(*config, ifName);
 }
 
 /// Hands the port to the driver, over an interface that exists already too, and again as long as
@@ -85,7 +87,15 @@ void KestSliceDmaSm::createInterface(Mox::String const& ifName,
   status_->switchPortIs(std::move(outcome));
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): a handler has its key by value
 void KestSliceDmaSm::handleNativeVlan(Mox::String ifName) {
+  auto const self = kept();
+  auto const config = this->config();
+  programNativeVlan(*config, ifName);
+}
+
+void KestSliceDmaSm::programNativeVlan(KestSliceDmaConfig const& config,
+                                       Mox::String const& ifName) {
   detail::trace(
       8, detail::handler::handleNativeVlan, detail::line::handleNativeVlan, [&](std::ostream& out) {
         out << "KestSliceDmaSm::" << detail::handler::handleNativeVlan.name << " ifName=" << ifName;
@@ -94,7 +104,7 @@ void KestSliceDmaSm::handleNativeVlan(Mox::String ifName) {
     detail::assertionFailed("ifName.pos( \"et\" ) != Mox::String::npos",
                             detail::handler::handleNativeVlan, detail::line::interfaceName);
   }
-  std::uint16_t const vlan = observed().nativeVlan(ifName);
+  std::uint16_t const vlan = config.nativeVlan(ifName);
   // Without an interface there is nothing to program; its creation comes back here.
   if (!status_->switchPort(ifName).created()) return;
 
@@ -105,14 +115,14 @@ void KestSliceDmaSm::handleNativeVlan(Mox::String ifName) {
     return;
   }
   bool const mode =
-      observed().switchportMode(ifName) == Bridging::SwitchportMode::switchportModeDot1qTunnel_;
+      config.switchportMode(ifName) == Bridging::SwitchportMode::switchportModeDot1qTunnel_;
   int const error = kestDmaNativeVlan(ifName.charPtr(), mode, vlan);
   if (error != 0) {
     detail::assertionFailed("error == 0", detail::handler::handleNativeVlan,
                             detail::line::nativeVlanSet);
   }
   status_->nativeVlanIs(ifName, vlan);
-  status_->switchportModeIs(ifName, observed().switchportMode(ifName));
+  status_->switchportModeIs(ifName, config.switchportMode(ifName));
 }
 
 }  // namespace Hardware::Kest::Slice

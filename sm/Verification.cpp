@@ -4,6 +4,7 @@
 
 #include "driver/KestDma.h"
 #include "sm/KestSliceDmaSm.h"
+#include "sm/detail/End.h"
 #include "sm/detail/LogMessages.h"
 #include "sm/detail/Points.h"
 
@@ -22,13 +23,15 @@ void verify(bool holds, char const* expression, unsigned lineNumber) {
   if (!holds) detail::assertionFailed(expression, detail::handler::doVerify, lineNumber);
 }
 
-/// A chip went up or down behind the machine's back. There is nothing to repair in place.
-[[noreturn]] void stateMismatch(Mox::String const& devName, bool expectedUp, bool up) {
+/// A chip went up or down behind the machine's back. Whatever fails on the way, it ends in `abort`.
+[[noreturn]] void stateMismatch(Mox::String const& devName, bool expectedUp, bool up) noexcept {
+  std::signal(SIGPIPE, SIG_IGN);  // nobody may be left to read standard error
   std::fprintf(stderr, "%s: %s expected state: %s, actual state: %s\n",
                detail::handler::handleTimerExpired.name, devName.charPtr(), upOrDown(expectedUp),
                upOrDown(up));
-  kestDmaDump();
-  Mox::log(detail::deviceStateError(), devName, upOrDown(expectedUp), upOrDown(up));
+  detail::lastStep([] { kestDmaDump(); });
+  detail::lastStep(
+      [&] { Mox::log(detail::deviceStateError(), devName, upOrDown(expectedUp), upOrDown(up)); });
   std::abort();
 }
 
@@ -56,22 +59,29 @@ void pollDevice(Mox::String const& devName, DeviceState expected) {
 
 }  // namespace
 
+void KestSliceDmaSm::armPoll() {
+  if (stateTimer_) stateTimer_->timeMinIs(Mox::now() + pollPeriodSeconds);
+}
+
 void KestSliceDmaSm::handleTimerExpired() {
+  auto const self = kept();
+  detail::AtEnd const again([this] { armPoll(); });  // a pass that throws must not be the last one
   detail::traceSignature(8, detail::handler::handleTimerExpired, detail::line::handleTimerExpired);
   for (auto it = status_->deviceStateIteratorConst(); it; ++it) pollDevice(it.key(), it.value());
-  stateTimer_->timeMinIs(Mox::now() + pollPeriodSeconds);
 }
 
 void KestSliceDmaSm::doVerify() {
+  auto const self = kept();
+  auto const config = this->config();
   detail::traceSignature(0, detail::handler::doVerify, detail::line::doVerify);
-  for (auto it = config()->switchPortIteratorConst(); it; ++it) {
+  for (auto it = config->switchPortIteratorConst(); it; ++it) {
     verify(status_->switchPort(it->ifName()).created(),
            "status()->switchPort( iterDev->ifName() ).created()", detail::line::verifyCreated);
   }
-  for (auto it = config()->deviceIteratorConst(); it; ++it) {
+  for (auto it = config->deviceIteratorConst(); it; ++it) {
     Mox::String const devName = it->devName();
     bool const registered = status_->device(devName).registered();
-    DeviceState const confState = config()->deviceState(devName);
+    DeviceState const confState = config->deviceState(devName);
     DeviceState const statState = status_->deviceState(devName);
     detail::trace(0, detail::handler::doVerify, detail::line::verifyDevice, [&](std::ostream& out) {
       out << detail::handler::doVerify.name << " device: '" << devName << "' registered "

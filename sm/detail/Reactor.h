@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/mox/Ptr.h"
+#include "sm/detail/Unwind.h"
 
 namespace Hardware::Kest::Slice {
 
@@ -18,31 +19,36 @@ namespace detail {
 template <class Notifiee>
 class Reactor : public Notifiee {
  public:
+  KestSliceDmaSm* kestSliceDmaSm() const noexcept { return kestSliceDmaSm_; }
   void kestSliceDmaSmIs(KestSliceDmaSm* sm) noexcept { kestSliceDmaSm_ = sm; }
 
+  /// Whether that is the notifier; null asks whether there is none. Takes no reference.
+  bool observes(Mox::PtrInterface const* object) const noexcept {
+    return this->rawNotifier() == object;
+  }
+
   /// Deactivating leaves the notifier's observers; activating joins them again if the reactor was
-  /// among them when it was deactivated.
+  /// among them when it was deactivated. One that finds no memory to join stays inactive.
   void hasNotificationActiveIs(bool active) override {
     if (active == this->hasNotificationActive()) return;
-    Notifiee::hasNotificationActiveIs(active);
     if (active) {
       if (wasRegistered_) this->isRegisteredNotifieeIs(true);
     } else {
       wasRegistered_ = this->isRegisteredNotifiee();
       this->isRegisteredNotifieeIs(false);
     }
+    Notifiee::hasNotificationActiveIs(active);
   }
 
   /// Makes the reactor a zombie, or brings it back.
   virtual void moxDoZombieReactors(bool zombie) {
     if (zombie == this->moxMarkedForDeletion()) return;
-    if (this->notifier()) this->hasNotificationActiveIs(!zombie);
+    if (!observes(nullptr)) this->hasNotificationActiveIs(!zombie);
     this->moxMarkedForDeletionIs(zombie);
   }
 
  protected:
   explicit Reactor(KestSliceDmaSm* sm) noexcept : kestSliceDmaSm_(sm) {}
-  KestSliceDmaSm* kestSliceDmaSm() const noexcept { return kestSliceDmaSm_; }
 
  private:
   KestSliceDmaSm* kestSliceDmaSm_;
@@ -60,20 +66,24 @@ Mox::Ptr<R> releaseReactor(Mox::Ptr<R>& field) {
 
 /// Makes the reactor in `field` observe `notifier`: re-points the one that is there, makes one with
 /// `make(notifier)` when there is none, releases it when `notifier` is null. Nothing happens when
-/// it observes that already. `zombie` is the machine's own marked-for-deletion flag.
+/// it observes that already. `field` is one of `machine`, which the caller holds, and the reactor
+/// becomes a zombie or not as the machine is. Without memory nothing has changed.
 template <class R, class Notifier, class Make>
-void bindReactor(Mox::Ptr<R>& field, Mox::Ptr<Notifier> const& notifier, bool zombie,
-                 Make const& make) {
-  bool const bound = field ? field->notifier() == notifier : !notifier;
+void bindReactor(Mox::PtrInterface const& machine, Mox::Ptr<R>& field,
+                 Mox::Ptr<Notifier> const& notifier, Make const& make) {
+  bool const bound = field ? field->observes(notifier.ptr()) : !notifier;
   if (bound) return;
   if (!notifier) {
     releaseReactor(field);
     return;
   }
   if (!field) field = make(notifier);
-  Mox::Ptr<R> const reactor = field;  // what re-pointing sets off may bind anew
+  Mox::Ptr<R> const reactor = field;
+  auto const before = reactor->notifier();
   reactor->notifierIs(notifier);
-  reactor->moxDoZombieReactors(zombie);
+  if (field != reactor) return;  // re-pointing polls, and that let go of the reactor
+  orUndo([&] { reactor->moxDoZombieReactors(machine.moxMarkedForDeletion()); },
+         [&] { reactor->notifierIs(before); });
 }
 
 /// Unbinds and returns what was observed; null when there is no reactor.

@@ -1,3 +1,10 @@
+#include <csignal>
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include "platform/mox/Log.h"
+#include "platform/mox/Trace.h"
 #include "test/exhaustion/EveryAllocation.h"
 #include "test/exhaustion/MachineScene.h"
 
@@ -101,18 +108,143 @@ TEST(MachineExhaustion, ItIsBoundAnewOrAsBefore) {
       });
 }
 
-struct PollingScene : MachineScene {
-  PollingScene() { sm->modeIs(SmMode::smModePolling_); }
-  Mox::Ptr<Mox::Clock> next{new Mox::Clock("next")};
+/// Another observer of the clock, which takes the room there that the timer leaves.
+class Sleeper final : public Mox::Clock::NotifieeConst {
+ public:
+  explicit Sleeper(Mox::Ptr<Mox::Clock> const& clock) {
+    notifierIs(clock);
+    isRegisteredNotifieeIs(true);
+    timeMinIs(Mox::Clock::never);
+  }
 };
 
-TEST(MachineExhaustion, ItsPollGoesOnByTheNewClockOrByTheOld) {
-  atEveryAllocation([] { return PollingScene(); },
-                    [](PollingScene& scene) { scene.sm->stateTimerIs(scene.next); },
-                    [](PollingScene& scene, End end) {
-                      EXPECT_EQ(scene.timerState(),
-                                end == End::done ? " timer on next, set" : " timer on clock, set");
+/// A machine that was silenced, then moved to a configuration that has no room for it yet.
+struct SilentScene : MachineScene {
+  explicit SilentScene(void (*silence)(Sm&)) {
+    sm->modeIs(SmMode::smModePolling_);
+    silence(*sm);
+    sm->configIs(next);
+    sleeper = new Sleeper(clock);
+  }
+  bool hears() const { return next->observers().count() == 1 && timerState() == onClock; }
+  bool isDeaf() const { return next->observers().count() == 0 && timerState() != onClock; }
+
+  static constexpr char const* onClock = " timer on clock, set";
+  Mox::Ptr<KestSliceDmaConfig> next{new KestSliceDmaConfig("next")};
+  Mox::Ptr<Sleeper> sleeper;
+};
+
+TEST(MachineExhaustion, ItHearsOnceActiveOrIsInactiveAndCanBeTriedAgain) {
+  auto const activate = [](SilentScene& scene) { scene.sm->hasNotificationActiveIs(true); };
+  atEveryAllocation([] { return SilentScene([](Sm& sm) { sm.hasNotificationActiveIs(false); }); },
+                    activate,
+                    [&](SilentScene& scene, End end) {
+                      EXPECT_EQ(scene.sm->hasNotificationActive(), end == End::done);
+                      EXPECT_TRUE(end == End::done ? scene.hears() : scene.isDeaf());
+                      activate(scene);
+                      EXPECT_TRUE(scene.hears());
                     });
+}
+
+TEST(MachineExhaustion, ItHearsOnceBroughtBackOrIsAZombieAndCanBeTriedAgain) {
+  auto const bringBack = [](SilentScene& scene) { scene.sm->moxDoZombieReactors(false); };
+  atEveryAllocation([] { return SilentScene([](Sm& sm) { sm.moxDoZombieReactors(true); }); },
+                    bringBack,
+                    [&](SilentScene& scene, End end) {
+                      EXPECT_EQ(scene.sm->moxMarkedForDeletion(), end != End::done);
+                      EXPECT_TRUE(end == End::done ? scene.hears() : scene.isDeaf());
+                      bringBack(scene);
+                      EXPECT_TRUE(scene.hears());
+                    });
+}
+
+TEST(MachineExhaustion, AZombieReactorIsBoundAnewAndHearsOrStaysAsItWas) {
+  struct Scene : MachineScene {
+    Scene() { sm->configReactor()->moxDoZombieReactors(true); }
+    Mox::Ptr<KestSliceDmaConfig> next{new KestSliceDmaConfig("next")};
+  };
+  auto const bind = [](Scene& scene) { scene.sm->configIs(scene.next); };
+  atEveryAllocation([] { return Scene(); }, bind,
+                    [&](Scene& scene, End end) {
+                      EXPECT_EQ(scene.sm->config(), end == End::done ? scene.next : scene.config);
+                      bind(scene);
+                      EXPECT_EQ(scene.sm->config(), scene.next);
+                      EXPECT_EQ(scene.next->observers().count(), 1U);
+                    });
+}
+
+/// A machine whose traces are on, and go nowhere.
+struct TracedScene : MachineScene {
+  TracedScene() {
+    Mox::traceStreamIs(&nowhere());
+    Mox::traceSettingIs("KestSliceDma/*");
+  }
+  ~TracedScene() {
+    Mox::traceSettingIs("KestSliceDma/");
+    Mox::traceStreamIs(nullptr);
+  }
+  TracedScene(TracedScene&&) = delete;
+
+  static std::ostream& nowhere() {
+    static std::ostream stream(nullptr);
+    return stream;
+  }
+};
+
+auto makeTracedScene() {
+  return std::make_unique<TracedScene>();
+}
+
+TEST(MachineExhaustion, ItsModeArmsThePollOrStaysAsItWas) {
+  auto const poll = [](std::unique_ptr<TracedScene>& scene) {
+    scene->sm->modeIs(SmMode::smModePolling_);
+  };
+  atEveryAllocation(makeTracedScene, poll, [&](std::unique_ptr<TracedScene>& scene, End end) {
+    EXPECT_EQ(scene->sm->mode() == SmMode::smModePolling_, end == End::done);
+    poll(scene);
+    EXPECT_NE(scene->clock->timeMin(), Mox::Clock::never);
+  });
+}
+
+TEST(MachineExhaustion, APollThatCannotBeTracedComesAgain) {
+  atEveryAllocation(
+      makeTracedScene, [](std::unique_ptr<TracedScene>& scene) { scene->sm->handleTimerExpired(); },
+      [](std::unique_ptr<TracedScene>& scene, End) {
+        EXPECT_NE(scene->clock->timeMin(), Mox::Clock::never);
+      });
+}
+
+void pollShort(MachineScene& scene, std::size_t at) {
+  Exhaustion::Shortage const shortage(at, Exhaustion::Lasting::forGood);
+  scene.sm->handleTimerExpired();
+}
+
+/// At the allocation of that number memory runs out.
+using MismatchExhaustion = testing::TestWithParam<std::size_t>;
+
+// NOLINTNEXTLINE(readability-function-cognitive-complexity): that of the macro for the end
+TEST_P(MismatchExhaustion, EndsTheProcess) {
+  MachineScene scene;
+  scene.status->deviceStateIs(scene.key, DeviceState::deviceStateDown_);
+  Mox::logSinkIs([](Mox::LogHandle const&, Mox::String8 const&) {});
+  std::string const line = "^handleTimerExpired: " + std::string(scene.key.view()) +
+                           " expected state: down, actual state: up\n$";
+  EXPECT_EXIT(pollShort(scene, GetParam()), testing::KilledBySignal(SIGABRT), line);
+  Mox::logSinkIs(nullptr);
+}
+
+INSTANTIATE_TEST_SUITE_P(Machine, MismatchExhaustion, testing::Range<std::size_t>(1, 9));
+
+TEST(MachineExhaustion, AMovedTimerJoinsItsClockOrEndsTheProcess) {
+  MachineScene scene;
+  Mox::Ptr<Mox::Clock> const next(new Mox::Clock("next"));
+  EXPECT_EXIT(
+      {
+        Exhaustion::Shortage const shortage(1, Exhaustion::Lasting::once);
+        scene.sm->stateTimerIs(next);
+      },
+      testing::KilledBySignal(SIGABRT),
+      "^KestSliceDmaSm: no memory for the device state poll to join its clock\n$");
 }
 
 }  // namespace

@@ -80,8 +80,9 @@ void PlainWorld::wake(unsigned timer) {
     reachIf(silent, Probe::timerSilentAsZombie);
     try {
       if (!silent) handleTimerExpired();
+      if (silent) state.timers[0].timeMin = now() + 2.0;
     } catch (Thrown const&) {
-      reach(Probe::pollStoppedByException);
+      reach(Probe::pollEndsByException);
     }
     return;
   }

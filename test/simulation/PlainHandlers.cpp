@@ -24,8 +24,7 @@ char const* upOrDown(bool isUp) {
 }  // namespace
 
 PlainCell const& PlainWorld::configured(unsigned collection, unsigned key) const {
-  int const config = state.observers[static_cast<unsigned>(state.machine.reactor)].notifier;
-  return state.entities[static_cast<unsigned>(config)].cells[collection][key];
+  return state.entities[static_cast<unsigned>(state.handled)].cells[collection][key];
 }
 
 PlainCell const& PlainWorld::recorded(unsigned collection, unsigned key) const {
@@ -75,6 +74,7 @@ void PlainWorld::assertionFails(char const* place, char const* expression) {
 
 void PlainWorld::handle(unsigned handler, unsigned key) {
   UnderWay const underWay(state.handlers);
+  Meanwhile const begun(state.handled, bound());
   reachIf(state.handlers > 1, Probe::handlerInsideHandler);
   switch (handler) {
     case 0:
@@ -240,7 +240,21 @@ void PlainWorld::handleDeviceState(unsigned key) {
   record(deviceStates, key, wanted);
 }
 
+/// However the pass ends, it comes again: by the timer that is there then.
 void PlainWorld::handleTimerExpired() {
+  auto const again = [this] {
+    if (state.timers[0].held) state.timers[0].timeMin = now() + 2.0;
+  };
+  try {
+    pollDevices();
+  } catch (Thrown const&) {
+    again();
+    throw;
+  }
+  again();
+}
+
+void PlainWorld::pollDevices() {
   trace(8, 84, "handleTimerExpired",
         "void Hardware::Kest::Slice::KestSliceDmaSm::handleTimerExpired()");
   reachIf(state.machine.mode != 2, Probe::pollAfterModeWasLeft);
@@ -252,7 +266,6 @@ void PlainWorld::handleTimerExpired() {
     ++asked;
   }
   reach(asked == 0 ? Probe::pollOfNothing : Probe::pollClean);
-  state.timers[0].timeMin = now() + 2.0;
 }
 
 void PlainWorld::pollDevice(unsigned key, std::int32_t expected) {
@@ -292,6 +305,7 @@ void PlainWorld::pollDevice(unsigned key, std::int32_t expected) {
 
 void PlainWorld::doVerify() {
   constexpr char const* const signature = "void Hardware::Kest::Slice::KestSliceDmaSm::doVerify()";
+  Meanwhile const begun(state.handled, bound());
   trace(0, 34, "doVerify", signature);
   for (unsigned const key : walkOf(switchPorts)) {
     if (configured(switchPorts, key).entry == 0 || recorded(switchPorts, key).number == 1) continue;

@@ -34,6 +34,7 @@ void PlainWorld::dropMachine() {
 void PlainWorld::releaseReactor() {
   int const reactor = state.machine.reactor;
   if (reactor == nobody) return;
+  reachIf(state.handlers > 0, Probe::configUnboundInsideHandler);
   state.machine.reactor = nobody;
   reactorZombieIs(static_cast<unsigned>(reactor), true);
   letGo(static_cast<unsigned>(reactor));
@@ -41,9 +42,7 @@ void PlainWorld::releaseReactor() {
 
 void PlainWorld::configIs(int config) {
   PlainMachine& machine = state.machine;
-  int const bound =
-      isBound() ? state.observers[static_cast<unsigned>(machine.reactor)].notifier : nobody;
-  if (bound == config) return;
+  if (bound() == config) return;
   if (config == nobody) {
     reachIf(state.deliveries > 0, Probe::configUnboundDuringDelivery);
     reach(Probe::machineUnbound);
@@ -67,9 +66,13 @@ void PlainWorld::configIs(int config) {
   reactorZombieIs(static_cast<unsigned>(machine.reactor), machine.zombie);
 }
 
+int PlainWorld::bound() const {
+  return isBound() ? state.observers[static_cast<unsigned>(state.machine.reactor)].notifier
+                   : nobody;
+}
+
 std::string PlainWorld::boundText() const {
-  if (!isBound()) return "none";
-  return entityNames[state.observers[static_cast<unsigned>(state.machine.reactor)].notifier];
+  return bound() == nobody ? "none" : entityNames[bound()];
 }
 
 void PlainWorld::configDel() {
@@ -88,9 +91,12 @@ void PlainWorld::clockIs(int clock) {
   if (timer.held) {
     timerRegisteredIs(0, false);
     timerNotifierIs(0, clock);
-    if (!timer.zombie) {
-      reach(Probe::pollByMovedTimer);
-      handleTimerExpired();
+    try {
+      reachIf(!timer.zombie, Probe::pollByMovedTimer);
+      if (!timer.zombie) handleTimerExpired();
+    } catch (Thrown const&) {
+      timerRegisteredIs(0, true);
+      throw;
     }
     timerRegisteredIs(0, true);
   } else {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "test/simulation/Driver.h"
@@ -91,6 +92,7 @@ struct PlainState {
   std::uint32_t entriesMade = 0;
 
   unsigned handlers = 0;    // of the machine, under way
+  int handled = nobody;     // the configuration that the innermost of them began with
   unsigned deliveries = 0;  // under way
   PlainAnnouncement announcement;
   /// Something has happened after which the status need not tell how the driver was left.
@@ -107,6 +109,19 @@ class UnderWay {
 
  private:
   unsigned& count_;
+};
+
+/// Puts `value` into a place until the end of the scope, however that is left.
+class Meanwhile {
+ public:
+  Meanwhile(int& place, int value) : place_(place), before_(std::exchange(place, value)) {}
+  ~Meanwhile() { place_ = before_; }
+  Meanwhile(Meanwhile const&) = delete;
+  Meanwhile& operator=(Meanwhile const&) = delete;
+
+ private:
+  int& place_;
+  int before_;
 };
 
 }  // namespace Simulation

@@ -32,8 +32,8 @@ void PlainWorld::planned(unsigned place) {
   if (plan->throws) throw Thrown();
 }
 
-/// What a machine that has been called may not be used for: it would lose, in the middle of a
-/// handler, what the handler works on.
+/// A machine is not dropped in the middle of a handler: it would live on until that returns, beside
+/// the next.
 bool PlainWorld::makesSense(Event const& event) const {
   if (event.op == Op::machine) return state.handlers == 0;
   return event.op < Op::machineDrop || (state.machine.exists && machineMakesSense(event));
@@ -44,10 +44,7 @@ bool PlainWorld::machineMakesSense(Event const& event) const {
   bool const hasTimer = state.timers[0].held;
   switch (event.op) {
     case Op::machineDrop:
-    case Op::configDel:
       return state.handlers == 0;
-    case Op::config:
-      return state.handlers == 0 || event.index(0) < configCount;
     case Op::reactor:
       return event.flag(1) ? hasTimer : isBound();
     case Op::handle:
@@ -159,7 +156,7 @@ void PlainWorld::carryOutOnMachine(Event const& event) {
       return dropMachine();
     case Op::config:
       if (!byName) return configIs(config());
-      if (config() == nobody) return state.handlers == 0 ? configDel() : void();
+      if (config() == nobody) return configDel();
       return line("refused: 'config' does not support operation 128");
     case Op::configDel:
       return configDel();

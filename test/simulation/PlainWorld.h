@@ -113,6 +113,7 @@ class PlainWorld {
   void timerZombieIs(bool on);
   void releaseReactor();
   bool isBound() const { return state.machine.reactor != nobody; }
+  int bound() const;
   std::string boundText() const;
 
   // Its handlers (PlainHandlers.cpp).
@@ -123,6 +124,7 @@ class PlainWorld {
   void handleDevice(unsigned key);
   void handleDeviceState(unsigned key);
   void handleTimerExpired();
+  void pollDevices();
   void pollDevice(unsigned key, std::int32_t expected);
   void doVerify();
   PlainCell const& configured(unsigned collection, unsigned key) const;

@@ -41,6 +41,9 @@ constexpr Story all[] = {
     {{"machine config0 status0 on direct", "renew $Q status0", "at $Q $V: config config1 direct",
       "set config0 switchPort $K $V direct", "set config0 nativeVlan $K $V direct",
       "config config0 direct"}},
+    {{"machine config0 status0 on direct", "renew $Q status0", "at $Q $V: config-del by-name",
+      "set config0 switchPort $K $V direct", "set config0 nativeVlan $K $V direct",
+      "config config0 direct"}},
     // Observers in the way of a delivery.
     {{"renew $P config0", "config-del direct", "config config0 direct",
       "at $P 0: config none direct", "notify config0 switchPort $K direct",

@@ -111,6 +111,39 @@ TEST_F(BindingTest, NoConfigDropsTheReactor) {
   EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfdel('et1')"));
 }
 
+TEST_F(BindingTest, NoConfigKeepsAReactorThatObservesNothing) {
+  auto const reactor = sm->configReactor();
+  reactor->notifierIs(nullptr);
+
+  sm->configIs(nullptr);
+  EXPECT_EQ(sm->configReactor(), reactor);
+  EXPECT_FALSE(reactor->moxMarkedForDeletion());
+  sm->configIs(config);
+  EXPECT_EQ(sm->configReactor(), reactor);
+  config->switchPortNotify("et1");
+  EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfdel('et1')"));
+}
+
+TEST_F(BindingTest, ReleasedReactorForgetsTheMachine) {
+  auto const dropped = sm->configReactor();
+  auto const droppedTimer = sm->stateTimerReactor();
+  ASSERT_EQ(dropped->kestSliceDmaSm(), sm.ptr());
+  ASSERT_EQ(droppedTimer->kestSliceDmaSm(), sm.ptr());
+  sm->configIs(nullptr);
+  sm->stateTimerIs(nullptr);
+  EXPECT_EQ(dropped->kestSliceDmaSm(), nullptr);
+  EXPECT_EQ(droppedTimer->kestSliceDmaSm(), nullptr);
+
+  sm->configIs(config);
+  sm->stateTimerIs(clock);
+  auto const deleted = sm->configReactor();
+  auto const deletedTimer = sm->stateTimerReactor();
+  sm->configDel();
+  sm->stateTimerDel();
+  EXPECT_EQ(deleted->kestSliceDmaSm(), nullptr);
+  EXPECT_EQ(deletedTimer->kestSliceDmaSm(), nullptr);
+}
+
 TEST_F(BindingTest, ConfigDelReturnsWhatWasObservedOnce) {
   auto const reactor = sm->configReactor();
 
@@ -165,6 +198,22 @@ TEST_F(BindingTest, AnotherClockMovesTheSameTimerAndPollsAtOnce) {
   EXPECT_THAT(journal.taken(), IsEmpty());
   other->dispatch();
   EXPECT_THAT(journal.taken(), ElementsAre(poll));
+}
+
+TEST_F(BindingTest, MovedTimerPollsWithItsNewClockSetAndJoinsItAfterwards) {
+  givePoll(status, journal);
+  Mox::Ptr<Mox::Clock> const other(new Mox::Clock("other"));
+  bool isSet = false;
+  bool hasJoined = true;
+  driver.reaction = [&] {
+    isSet = sm->stateTimer() == other;
+    hasJoined = sm->stateTimerReactor()->isRegisteredNotifiee();
+  };
+
+  sm->stateTimerIs(other);
+  EXPECT_TRUE(isSet);
+  EXPECT_FALSE(hasJoined);
+  EXPECT_TRUE(sm->stateTimerReactor()->isRegisteredNotifiee());
 }
 
 TEST_F(BindingTest, TimerIsDroppedAndMadeAnewWithoutAPoll) {

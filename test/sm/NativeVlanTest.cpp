@@ -41,6 +41,22 @@ TEST_F(NativeVlanTest, OnlyTheModeOfValueTwoSetsTheFlag) {
   }
 }
 
+TEST_F(NativeVlanTest, VlanRecordedIsTheOneThatWasProgrammed) {
+  driver.reaction = [&] { config->newNativeVlan("et1", 20); };  // announces nothing
+  config->nativeVlanIs("et1", 10);
+  EXPECT_THAT(journal.taken(),
+              ElementsAre("kestDmaNativeVlan('et1', false, 10)", "status nativeVlan et1: 10",
+                          "status switchportMode et1: switchportModeAccess"));
+}
+
+TEST_F(NativeVlanTest, ModeRecordedIsTheOneThatStandsAfterTheDriverAnswered) {
+  driver.reaction = [&] { config->newSwitchportMode("et1", tunnel); };  // announces nothing
+  config->nativeVlanIs("et1", 10);
+  EXPECT_THAT(journal.taken(),
+              ElementsAre("kestDmaNativeVlan('et1', false, 10)", "status nativeVlan et1: 10",
+                          "status switchportMode et1: switchportModeDot1qTunnel"));
+}
+
 TEST_F(NativeVlanTest, AnyOtherVlanIsPassedOn) {
   for (unsigned vlan : {1U, 4095U, 4096U, 65535U}) {
     config->nativeVlanIs("et1", static_cast<std::uint16_t>(vlan));

@@ -1,5 +1,7 @@
 #include <unistd.h>
 
+#include <cstdlib>
+
 #include "platform/mox/Log.h"
 #include "test/sm/SmFixture.h"
 
@@ -21,6 +23,14 @@ void logToStderr(Mox::LogHandle const& message, Mox::String8 const& text) {
                message.flag(), text.charPtr());
 }
 
+/// Leads standard error into a pipe that nobody reads.
+void loseReaderOfStderr() {
+  int ends[2];
+  if (pipe(ends) != 0 || dup2(ends[1], STDERR_FILENO) < 0) std::_Exit(1);
+  close(ends[0]);
+  close(ends[1]);
+}
+
 /// Standard error of a poll that finds the device in another state.
 std::string mismatch(std::string const& devName, std::string const& expected,
                      std::string const& actual) {
@@ -39,6 +49,8 @@ class PollTest : public SmTest {
  protected:
   PollTest() { Mox::logSinkIs(logToStderr); }
   ~PollTest() override { Mox::logSinkIs(nullptr); }
+
+  unsigned calls = 0;  // of the driver, for tests that count them
 
   /// What the status says of the device, and what the driver does.
   void deviceIs(char const* devName, DeviceState expected, bool actuallyUp) {
@@ -90,6 +102,60 @@ TEST_F(PollTest, OnlyTheFirstMismatchInTheCollectionsOrderIsReported) {
   std::string const first = status->deviceStateIteratorConst().key().charPtr();
   journal.echoIs(true);
   EXPECT_ABORT(sm->handleTimerExpired(), mismatch(first, "up", "down"));
+}
+
+TEST_F(PollTest, MismatchAbortsWhateverItsReportThrows) {
+  deviceIs("fap0", up, false);
+  sm->modeIs(SmMode::smModePolling_);
+  Mox::logSinkIs([](Mox::LogHandle const&, Mox::String8 const&) { throw 1; });
+  driver.reaction = [this] {
+    if (++calls == 2) throw 2;  // the dump
+  };
+  journal.echoIs(true);
+  EXPECT_ABORT(pass(2000000),
+               "kestDmaIsDeviceUp('fap0')\n"
+               "handleTimerExpired: fap0 expected state: up, actual state: down\n"
+               "kestDmaDump()\n");
+}
+
+TEST_F(PollTest, MismatchAbortsThoughNobodyReadsItsReport) {
+  deviceIs("fap0", up, false);
+  EXPECT_ABORT(
+      {
+        loseReaderOfStderr();
+        sm->handleTimerExpired();
+      },
+      "");
+}
+
+TEST_F(PollTest, PeriodBeginsAtTheEndOfAPass) {
+  deviceIs("fap0", up, true);
+  deviceIs("fap1", up, true);
+  sm->modeIs(SmMode::smModePolling_);
+  driver.reaction = [this] { time.advance(250000); };
+  pass(2000000);
+  EXPECT_EQ(timeMin(), 4.5);
+}
+
+TEST_F(PollTest, PassThatThrowsComesAgain) {
+  deviceIs("fap0", up, true);
+  sm->modeIs(SmMode::smModePolling_);
+  driver.reaction = [] { throw 1; };
+  pass(2000000);
+  EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIsDeviceUp('fap0')"));
+  EXPECT_EQ(timeMin(), 4.0);
+
+  time.advance(1000000);
+  EXPECT_THROW(sm->handleTimerExpired(), int);
+  EXPECT_EQ(timeMin(), 5.0);
+
+  Mox::Ptr<Mox::Clock> const other(new Mox::Clock("other"));
+  EXPECT_THROW(sm->stateTimerIs(other), int);
+  driver.reaction = nullptr;
+  journal.taken();
+  time.advance(2000000);
+  other->dispatch();
+  EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIsDeviceUp('fap0')"));
 }
 
 TEST_F(PollTest, DriverErrorEndsTheProcess) {

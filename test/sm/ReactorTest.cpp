@@ -143,6 +143,7 @@ TEST_F(ReactorTest, MachineForwardsOnlyARealChangeOfItsZombieFlag) {
 
 TEST_F(ReactorTest, ZombieReactorIgnoresWhatItIsTold) {
   sm->moxDoZombieReactors(true);
+  config->deviceStateIs("fap0", up);  // every handler would have something to do
   configReactor()->onSwitchPort("et1");
   configReactor()->onNativeVlan("et1");
   configReactor()->onSwitchportMode("et1");
@@ -150,6 +151,18 @@ TEST_F(ReactorTest, ZombieReactorIgnoresWhatItIsTold) {
   configReactor()->onDeviceState("fap0");
   timer()->onTime();
   EXPECT_THAT(journal.taken(), IsEmpty());
+}
+
+TEST_F(ReactorTest, WakeUpThatAZombieTimerIgnoresComesAgain) {
+  Mox::Ptr<Mox::Clock> const other(new Mox::Clock("other"));
+  sm->moxDoZombieReactors(true);
+  sm->stateTimerIs(other);
+  time.advance(3000000);
+  other->dispatch();
+  EXPECT_THAT(journal.taken(), IsEmpty());
+
+  sm->moxDoZombieReactors(false);
+  EXPECT_EQ(other->timeMin(), Mox::now() + 2.0);
 }
 
 TEST_F(ReactorTest, ZombieReactorWithoutNotifierKeepsItsActivity) {

@@ -9,12 +9,13 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Runs `onZero` when only observers hold the status any more.
-class ReleaseObserver : public KestSliceDmaStatus::NotifieeConst {
+/// Runs `onZero` when only observers hold the entity any more.
+template <class Entity>
+class ReleaseObserver : public Entity::NotifieeConst {
  public:
-  ReleaseObserver(Mox::Ptr<KestSliceDmaStatus> const& status, std::function<void()> onZero)
+  ReleaseObserver(Mox::Ptr<Entity> const& entity, std::function<void()> onZero)
       : onZero_(std::move(onZero)) {
-    ReleaseObserver::notifierIs(status);
+    ReleaseObserver::notifierIs(entity);
     ReleaseObserver::isRegisteredNotifieeIs(true);
   }
   void onZeroReferences() override { onZero_(); }
@@ -30,7 +31,7 @@ TEST_F(TeardownTest, TimerGoesBeforeTheStatusAndTheStatusBeforeTheConfigReactor)
   std::vector<unsigned> timers;
   std::vector<unsigned> configReactors;
   std::vector<std::size_t> registered;
-  Mox::Ptr<ReleaseObserver> const observer(new ReleaseObserver(status, [&] {
+  Mox::Ptr const observer(new ReleaseObserver<KestSliceDmaStatus>(status, [&] {
     timers.push_back(clock->notifierReferences());
     configReactors.push_back(config->notifierReferences());
     registered.push_back(config->observers().count());
@@ -62,6 +63,8 @@ TEST_F(TeardownTest, ReactorsThatOutliveTheMachineReactToNothing) {
   sm = nullptr;
   EXPECT_TRUE(configReactor->moxMarkedForDeletion());
   EXPECT_TRUE(timer->moxMarkedForDeletion());
+  EXPECT_EQ(configReactor->kestSliceDmaSm(), nullptr);
+  EXPECT_EQ(timer->kestSliceDmaSm(), nullptr);
   EXPECT_EQ(configReactor->references(), 1U);
   EXPECT_EQ(timer->references(), 1U);
   config->switchPortIs(port("et1"));
@@ -70,6 +73,33 @@ TEST_F(TeardownTest, ReactorsThatOutliveTheMachineReactToNothing) {
   pass(2000000);
   timer->onTime();
   EXPECT_THAT(journal.taken(), IsEmpty());
+}
+
+TEST_F(TeardownTest, ReactorThatAloneHoldsItsConfigGoesWithIt) {
+  std::size_t told = 0;
+  Mox::Ptr const observer(new ReleaseObserver<KestSliceDmaConfig>(config, [&] { ++told; }));
+  Mox::Ptr<KestSliceDmaSm::MoxConfig> reactor(new KestSliceDmaSm::MoxConfig(sm.ptr(), config));
+  sm->configIs(nullptr);
+  config = nullptr;
+  ASSERT_EQ(told, 1U);
+
+  reactor = nullptr;
+  EXPECT_EQ(told, 1U);
+  EXPECT_EQ(observer->notifier()->observers().count(), 1U);
+}
+
+TEST_F(TeardownTest, LookingAtTheConfigThatOnlyObserversHoldTellsNobody) {
+  std::size_t told = 0;
+  Mox::Ptr const observer(new ReleaseObserver<KestSliceDmaConfig>(config, [&] { ++told; }));
+  config = nullptr;
+  ASSERT_EQ(told, 1U);
+
+  sm->handleSwitchPort("et1");
+  sm->doVerify();
+  EXPECT_EQ(sm->config()->name().string(), "config");
+  EXPECT_EQ(observer->notifier(), sm->configReactor()->notifier());
+  sm->moxDoZombieReactors(true);
+  EXPECT_EQ(told, 1U);
 }
 
 TEST_F(TeardownTest, MachineWithoutReactorsGoesToo) {
