@@ -46,6 +46,7 @@ using namespace Kest::Agent;
 /// Nothing is refused any more: what escapes from here was not foreseen.
 int runToItsEnd(Agent& agent, StandardStreams& streams) noexcept {
   streams.loopIs(&agent.loop());
+  // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): as above
   Mox::Ptr<Heartbeat> const heartbeat(new Heartbeat(Mox::activityManager()->clock()));
   int const exitCode = agent.run();
   heartbeat->notifierIs(nullptr);
@@ -105,11 +106,12 @@ std::chrono::milliseconds patience(Options const& options, int exitCode) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): what escapes is an end with a line
 int main(int argc, char** argv) {
   std::set_terminate(&abortWithALine);
   std::variant<Options, Exit> const parsed = parseOptions(argc, argv);
   if (Exit const* const exit = std::get_if<Exit>(&parsed)) return static_cast<int>(*exit);
-  Options const& options = std::get<Options>(parsed);
+  auto const& options = std::get<Options>(parsed);
   StandardStreams streams;
   int const exitCode = run(options, streams);
   streams.drain(patience(options, exitCode));
