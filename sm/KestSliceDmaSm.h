@@ -167,7 +167,6 @@ class KEST_SLICE_DMA_API KestSliceDmaSm::MoxStateTimer
 
   /// Polls at once when it is moved to another clock, and joins that afterwards.
   void notifierIs(Mox::Ptr<Mox::PtrInterface const> const& clock) override;
-  /// A zombie does not poll; its wake-up, which the clock has used, comes again.
   void onTime() override;
 
  private:

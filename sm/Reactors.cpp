@@ -68,11 +68,7 @@ void KestSliceDmaSm::MoxStateTimer::joinClock() noexcept {
 }
 
 void KestSliceDmaSm::MoxStateTimer::onTime() {
-  if (moxMarkedForDeletion()) {
-    timeMinIs(Mox::now() + pollPeriodSeconds);
-  } else {
-    kestSliceDmaSm()->handleTimerExpired();
-  }
+  if (!moxMarkedForDeletion()) kestSliceDmaSm()->handleTimerExpired();
 }
 
 }  // namespace Hardware::Kest::Slice

@@ -21,9 +21,7 @@ MoxType const* Clock::fwkType() const {
 
 Seconds Clock::timeMin() const noexcept {
   Seconds earliest = never;
-  for (NotifieeConst const* observer : observers_) {
-    earliest = std::min(earliest, observer->timeMin_);
-  }
+  for (NotifieeConst const* observer : observers_) earliest = std::min(earliest, observer->dueAt());
   return earliest;
 }
 
@@ -32,14 +30,14 @@ void Clock::dispatch() {
   Seconds const now = Mox::now();
   std::vector<Ptr<NotifieeConst>> due;
   for (NotifieeConst const* observer : observers_) {
-    if (observer->timeMin_ <= now) due.emplace_back(const_cast<NotifieeConst*>(observer));
+    if (observer->dueAt() <= now) due.emplace_back(const_cast<NotifieeConst*>(observer));
   }
   std::stable_sort(due.begin(), due.end(),
                    [](auto const& a, auto const& b) { return a->timeMin_ < b->timeMin_; });
   for (Ptr<NotifieeConst> const& observer : due) {
     bool const released = observer->references() == 1;
     bool const stillDue =
-        observer->registered_ && observer->clock() == this && observer->timeMin_ <= now;
+        observer->registered_ && observer->clock() == this && observer->dueAt() <= now;
     if (released || !stillDue) continue;
     observer->timeMin_ = never;
     wake(*observer);

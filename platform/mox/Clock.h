@@ -28,9 +28,10 @@ class MOX_API Clock : public Entity {
 
   /// Wakes every observer whose time has come, by wake-up time, then in order of registration, each
   /// at most once. An observer's `timeMin` goes back to `never` just before its `onTime()`. One
-  /// that is gone, has left or was moved to a later time meanwhile is not woken. An exception that
-  /// leaves `onTime()` is reported to that observer, one that leaves the report to nobody; the
-  /// others are still woken.
+  /// that is gone, has left or was moved to a later time meanwhile is not woken; the wake-up of one
+  /// that is marked for deletion waits until it no longer is. An exception that leaves `onTime()`
+  /// is reported to that observer, one that leaves the report to nobody; the others are still
+  /// woken.
   void dispatch();
 
  private:
@@ -65,6 +66,7 @@ class MOX_API Clock::NotifieeConst : public Mox::Entity::NotifieeConst {
  private:
   friend class Clock;
   Clock const* clock() const noexcept { return static_cast<Clock const*>(rawNotifier()); }
+  Seconds dueAt() const noexcept { return moxMarkedForDeletion() ? never : timeMin_; }
 
   Seconds timeMin_ = 0;
   bool mutable registered_ = false;

@@ -134,18 +134,6 @@ TEST_F(AgentOnce, StartsWhereEverythingIsBoundAtOnce) {
   EXPECT_EQ(agent.errors(), "");
 }
 
-/// A driver may ask to be tried again for a minute.
-TEST_F(AgentOnce, EndsAtOnceWhileItsDriverIsTriedAgain) {
-  fileIs("slice", port(1));
-  fileIs("faults", "fail kestDmaIfadd 'et1' 11 always\n");
-  AgentProcess agent(directory, {"--once", "slice", "--driver-faults", "faults"});
-  agent.outputUntil("config  + switchPort et1\n");
-  agent.signalIs(SIGTERM);
-  EXPECT_EQ(agent.ended(), 128 + SIGTERM);
-  EXPECT_EQ(agent.output(), "status  switchPort et1: not created\nended by SIGTERM\n");
-  EXPECT_EQ(agent.errors(), "");
-}
-
 class AgentRefusal : public ScratchDirectory {
  protected:
   /// The message with which the agent ends, having said and done nothing.

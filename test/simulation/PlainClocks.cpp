@@ -56,7 +56,9 @@ void PlainWorld::dispatch(unsigned clock) {
   std::vector<Due> due;
   for (unsigned const timer : state.listedTimers[clock]) {
     PlainTimer const& self = state.timers[timer];
-    if (self.timeMin <= now()) due.push_back({timer, self.generation, self.timeMin});
+    reachIf(self.zombie && self.timeMin <= now(), Probe::timerSilentAsZombie);
+    if (!self.zombie && self.timeMin <= now())
+      due.push_back({timer, self.generation, self.timeMin});
   }
   double const start = now();
   auto const byTime = [](Due const& a, Due const& b) { return a.timeMin < b.timeMin; };
@@ -64,7 +66,7 @@ void PlainWorld::dispatch(unsigned clock) {
   std::stable_sort(due.begin(), due.end(), byTime);
   for (Due const& one : due) {
     PlainTimer& self = state.timers[one.timer];
-    bool const stillDue = self.generation == one.generation && self.registered &&
+    bool const stillDue = self.generation == one.generation && self.registered && !self.zombie &&
                           self.notifier == static_cast<int>(clock) && self.timeMin <= start;
     reachIf(!stillDue, Probe::timerReleasedBeforeItsTurn);
     if (!stillDue) continue;
@@ -76,11 +78,8 @@ void PlainWorld::dispatch(unsigned clock) {
 
 void PlainWorld::wake(unsigned timer) {
   if (timer == 0) {
-    bool const silent = state.timers[0].zombie;
-    reachIf(silent, Probe::timerSilentAsZombie);
     try {
-      if (!silent) handleTimerExpired();
-      if (silent) state.timers[0].timeMin = now() + 2.0;
+      handleTimerExpired();
     } catch (Thrown const&) {
       reach(Probe::pollEndsByException);
     }

@@ -60,7 +60,7 @@ constexpr Name table[] = {
     {Probe::pollAfterModeWasLeft, "poll comes although the mode was left"},
     {Probe::pollEndsByException, "poll ends by an exception and comes again"},
     {Probe::timerDueAtOnce, "new timer is due at once"},
-    {Probe::timerSilentAsZombie, "zombie timer woken in vain"},
+    {Probe::timerSilentAsZombie, "wake-up of a zombie timer waits"},
     {Probe::timersInOrderOfTime, "timers woken by time, not by registration"},
     {Probe::timerReleasedBeforeItsTurn, "timer released or moved before its turn"},
     {Probe::verifyHolds, "verification holds"},

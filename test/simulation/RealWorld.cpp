@@ -209,7 +209,8 @@ std::string RealWorld::differenceFrom(PlainState const& plain) {
   for (unsigned i = 0; i < clockCount; ++i) {
     Mox::Seconds earliest = Mox::never;
     for (unsigned const timer : plain.listedTimers[i]) {
-      earliest = std::min(earliest, plain.timers[timer].timeMin);
+      PlainTimer const& waiting = plain.timers[timer];
+      if (!waiting.zombie) earliest = std::min(earliest, waiting.timeMin);
     }
     if (clocks_[i]->timeMin() != earliest) found += text("clock ", i, " waits for another time\n");
   }
