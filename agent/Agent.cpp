@@ -3,6 +3,7 @@
 #include <csignal>
 #include <utility>
 
+#include "agent/Collections.h"
 #include "agent/ControlPath.h"
 #include "agent/RunReason.h"
 #include "agent/StatusReport.h"
@@ -11,6 +12,14 @@
 #include "platform/mox/Activity.h"
 
 namespace Kest::Agent {
+
+namespace {
+
+bool anyChanges(Changes const& /*changes*/) {
+  return true;
+}
+
+}  // namespace
 
 Agent::Agent(Options options, Console console, DriverLibrary const& driver)
     : options_(std::move(options)),
@@ -32,7 +41,7 @@ Agent::Agent(Options options, Console console, DriverLibrary const& driver)
               handles_,
               [this] { return application_.isRunning(); },
               [this](std::string const& file, Slice slice, Done done) {
-                apply(file, std::move(slice), std::move(done));
+                apply(file, std::move(slice), anyChanges, std::move(done));
               }} {
   loop_.signalIs(SIGHUP, [this] { reload(); });
   for (int const signal : {SIGTERM, SIGINT}) {
@@ -45,14 +54,14 @@ Agent::~Agent() {
 }
 
 void Agent::start() {
-  wanted_ = readSliceFile(options_.sliceFile);
+  wanted_ = readSliceFile(options_.sliceFile, sliceEnd());
   openControl();
 }
 
 int Agent::run() {
   std::string const reason = runReason(options_);
   if (!reason.empty()) console_.line(reason);
-  applySliceFile(std::exchange(wanted_, {}));
+  applySliceFile(std::exchange(wanted_, {}), anyChanges);
   loop_.run();
   return exitCode_;
 }
@@ -67,28 +76,34 @@ void Agent::openControl() {
   }
 }
 
-void Agent::applySliceFile(Slice wanted) {
-  apply(options_.sliceFile, std::move(wanted), [this](Applied const& outcome) {
+void Agent::applySliceFile(Slice wanted, Application::Decide decide) {
+  auto done = [this](Applied const& outcome) {
     if (options_.poll) sm_->modeIs(Hardware::Kest::SmMode::smModePolling_);
     if (options_.once) {
       exitCode_ = static_cast<int>(outcome.notUp.empty() ? Exit::done : Exit::notUp);
       loop_.stop();
     }
-  });
+  };
+  apply(options_.sliceFile, std::move(wanted), std::move(decide), std::move(done));
 }
 
-/// None may be running.
-void Agent::apply(std::string const& file, Slice wanted, Done done) {
-  Changes changes = changesBetween(*config_, *wanted.config);
-  std::size_t const count = changes.steps.size();
-  std::size_t const unchanged = changes.unchanged;
-  // Devices that go still refer to the old handles; what refers to a handle keeps it.
-  wanted.handles.succeed(handles_);
-  handles_ = std::move(wanted.handles);
-  application_.start(std::move(changes), [this, file, count, unchanged, done = std::move(done)] {
-    done(applied(file, count, unchanged));
-    if (!options_.once && std::exchange(reloadWanted_, false)) reload();
-  });
+/// None may be running. Devices that go still refer to the old handles; what refers to a handle
+/// keeps it.
+void Agent::apply(std::string const& file, Slice wanted, Application::Decide decide, Done done) {
+  wanted.handles.enterTree();
+  auto const handles = std::make_shared<PciHandles>(std::move(wanted.handles));
+  application_.start(
+      wanted.config,
+      [this, handles, decide = std::move(decide)](Changes const& changes) {
+        if (!decide(changes)) return false;
+        handles->succeed(handles_);
+        handles_ = std::move(*handles);
+        return true;
+      },
+      [this, file, done = std::move(done)](std::size_t changes, std::size_t unchanged) {
+        done(applied(file, changes, unchanged));
+        if (!options_.once) reloadIfWanted();
+      });
 }
 
 Applied Agent::applied(std::string const& file, std::size_t changes, std::size_t unchanged) {
@@ -103,22 +118,56 @@ Applied Agent::applied(std::string const& file, std::size_t changes, std::size_t
   return {changes, unchanged, std::move(missing)};
 }
 
+SliceEnd Agent::sliceEnd() const {
+  return options_.requireEnd ? SliceEnd::required : SliceEnd::optional;
+}
+
 /// A file that is refused changes nothing. While changes are being applied the file waits: a step
 /// that belongs to one already taken must not get lost.
 void Agent::reload() {
-  if (application_.isRunning()) {
+  if (reading_ || application_.isRunning()) {
     reloadWanted_ = true;
     return;
   }
-  Slice wanted;
+  reading_ = std::make_unique<SliceFileReading>(options_.sliceFile, sliceEnd());
+  readOn();
+}
+
+void Agent::readOn() {
+  if (!reading_) return;
   try {
-    wanted = readSliceFile(options_.sliceFile);
+    if (reading_->goOn()) return loop_.later([this] { readOn(); });
+    Slice wanted = std::exchange(reading_, nullptr)->slice();
+    if (application_.isRunning()) {  // a client was faster
+      reloadWanted_ = true;
+      return;
+    }
     checkApply(*wanted.config, *config_, *status_);
+    applySliceFile(std::move(wanted),
+                   [this](Changes const& changes) { return mayReload(changes); });
   } catch (std::exception const& refused) {
-    console_.line(std::string("not reloaded: ") + refused.what());
-    return;
+    reading_ = nullptr;
+    notReloaded(refused.what());
   }
-  applySliceFile(std::move(wanted));
+}
+
+/// A file that has been cut off looks like one that most ports have been taken out of.
+bool Agent::mayReload(Changes const& changes) {
+  constexpr std::size_t fewPorts = 4;
+  auto const& ports = collectionOf<Config::SwitchPorts>(*config_);
+  if (changes.portsGone <= fewPorts || changes.portsGone <= ports.count() / 2) return true;
+  notReloaded(options_.sliceFile + " would remove " + std::to_string(changes.portsGone) + " of " +
+              std::to_string(ports.count()) + " ports: if that is meant, use kestctl apply");
+  return false;
+}
+
+void Agent::notReloaded(std::string const& why) {
+  console_.line("not reloaded: " + why);
+  loop_.later([this] { reloadIfWanted(); });
+}
+
+void Agent::reloadIfWanted() {
+  if (std::exchange(reloadWanted_, false)) reload();
 }
 
 /// A terminal and a supervisor send a signal each for the same wish: one is enough.
@@ -127,6 +176,7 @@ void Agent::end(int signal) {
   console_.line(std::string("ended by ") + (signal == SIGTERM ? "SIGTERM" : "SIGINT"));
   constexpr int signalledExit = 128;
   if (options_.once) exitCode_ = signalledExit + signal;
+  reading_ = nullptr;
   application_.abandon();
   loop_.stop();
 }

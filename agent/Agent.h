@@ -12,6 +12,7 @@
 #include "agent/StatusWatcher.h"
 #include "agent/byname/Served.h"
 #include "agent/slice/SliceFile.h"
+#include "agent/slice/SliceFileReading.h"
 #include "platform/mox/ActivityLoop.h"
 #include "sm/KestSliceDmaSm.h"
 
@@ -41,11 +42,16 @@ class Agent {
  private:
   using Done = std::function<void(Applied)>;
 
-  void apply(std::string const& file, Slice wanted, Done done);
+  void apply(std::string const& file, Slice wanted, Application::Decide decide, Done done);
   Applied applied(std::string const& file, std::size_t changes, std::size_t unchanged);
-  void applySliceFile(Slice wanted);
+  void applySliceFile(Slice wanted, Application::Decide decide);
   void openControl();
+  SliceEnd sliceEnd() const;
   void reload();
+  void readOn();
+  bool mayReload(Changes const& changes);
+  void notReloaded(std::string const& why);
+  void reloadIfWanted();
   void end(int signal);
 
   Options options_;
@@ -58,6 +64,7 @@ class Agent {
   Mox::Ptr<StatusWatcher> statusWatcher_;
   Application application_;
   PciHandles handles_;
+  std::unique_ptr<SliceFileReading> reading_;  // while the slice file is read again
   Served served_;
   std::unique_ptr<ControlServer> control_;
   Slice wanted_;  // from the start to the run

@@ -28,6 +28,8 @@ std::variant<Options, Exit> parseOptions(int argc, char const* const* argv) {
                  "/run/kest-slice-agent.sock for root, or kest-slice-agent.sock in "
                  "XDG_RUNTIME_DIR; with --once none unless it is given")
       ->type_name("PATH");
+  app.add_flag("--require-end", options.requireEnd,
+               "Refuse a slice file whose last statement is not 'end'");
   app.add_flag("--once", options.once,
                "End after the file was applied; exit code 1 if a port or device did not come up");
   app.add_flag("--poll", options.poll,

@@ -13,6 +13,7 @@ struct Options {
   std::string driverState;  // empty: it ends with the process
   std::string control;      // empty: the default socket, if there is one; "none": none
   std::string trace;        // empty: as the environment says
+  bool requireEnd = false;
   bool once = false;
   bool poll = false;
   bool verbose = false;

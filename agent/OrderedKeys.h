@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <set>
@@ -37,6 +38,9 @@ class OrderedKeys {
 
   /// Gathers for half a millisecond or so. False once every key has been gathered.
   bool gather();
+
+  /// Keys that have been gathered and not been taken.
+  std::size_t count() const noexcept { return keys_.size(); }
 
   /// The next key in order; nothing once all have been taken. Not before all have been gathered.
   std::optional<Mox::String8> take();

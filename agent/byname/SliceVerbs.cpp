@@ -1,15 +1,184 @@
+#include <algorithm>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "agent/Changes.h"
 #include "agent/byname/ChangeRules.h"
 #include "agent/byname/ControlError.h"
 #include "agent/byname/Verbs.h"
+#include "agent/slice/SliceReader.h"
 #include "agent/slice/SliceWriter.h"
 
 /// Whole slice files.
 namespace Kest::Agent {
 
 namespace {
+
+std::string jsonText(std::string const& string) {
+  return Json(string).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+/// What a request says of a slice file, and the reader of that file.
+std::unique_ptr<SliceReader> readerFor(Request const& request) {
+  std::string const file = request.string("file");
+  SliceForm form = sliceFormOf(file);
+  if (request.find("format") != nullptr) {
+    bool const isJson = request.oneOf("format", {"slice", "json"}) == "json";
+    form = isJson ? SliceForm::json : SliceForm::statements;
+  }
+  return sliceReader(file, form, SliceEnd::optional);
+}
+
+/// Reads a slice file, and does something with the slice.
+class SliceWork : public LongResult {
+ public:
+  explicit SliceWork(Request const& request) : reader_(readerFor(request)) {}
+
+  /// Bytes of the file, before the first `goOn`; or all of them, for `goOn` to read.
+  void take(std::string_view bytes) {
+    try {
+      reader_->take(bytes);
+    } catch (std::exception const&) {
+      throw ControlError::ofException();
+    }
+  }
+  void contentIs(std::string content) { content_ = std::move(content); }
+
+  Progress goOn(std::string& text) override {
+    try {
+      if (!reader_) return carryOn(text);
+      if (readOn()) return Progress::more;
+      begin(reader_->slice());
+      reader_ = nullptr;
+      return Progress::more;
+    } catch (std::exception const&) {
+      throw ControlError::ofException();
+    }
+  }
+
+ protected:
+  virtual void begin(Slice wanted) = 0;
+  virtual Progress carryOn(std::string& text) = 0;
+
+ private:
+  bool readOn() {
+    if (taken_ == content_.size()) return reader_->goOn();
+    std::string_view const rest = std::string_view(content_).substr(taken_);
+    std::string_view const piece = rest.substr(0, sliceBytesAtOnce);
+    reader_->take(piece);
+    taken_ += piece.size();
+    return true;
+  }
+
+  std::unique_ptr<SliceReader> reader_;  // null when the slice has been read
+  std::string content_;
+  std::size_t taken_ = 0;  // bytes of the content
+};
+
+class SliceUpload final : public Upload {
+ public:
+  explicit SliceUpload(std::unique_ptr<SliceWork> work) : work_(std::move(work)) {}
+
+  void take(std::string_view bytes) override { work_->take(bytes); }
+  Answer end() override { return std::unique_ptr<LongResult>(std::move(work_)); }
+
+ private:
+  std::unique_ptr<SliceWork> work_;
+};
+
+/// The file's content is in the request, or follows it.
+Answer answerOf(Request const& request, std::unique_ptr<SliceWork> work) {
+  if (request.find("bytes") != nullptr) {
+    request.checkMembers({"file", "format", "bytes"});
+    return std::unique_ptr<Upload>(std::make_unique<SliceUpload>(std::move(work)));
+  }
+  request.checkMembers({"file", "format", "content"});
+  work->contentIs(request.string("content"));
+  return std::unique_ptr<LongResult>(std::move(work));
+}
+
+class ApplyWork final : public SliceWork {
+ public:
+  using Apply = std::function<void(Slice wanted)>;
+
+  ApplyWork(Request const& request, Apply apply) : SliceWork(request), apply_(std::move(apply)) {}
+
+ protected:
+  void begin(Slice wanted) override { wanted_ = std::move(wanted); }
+  Progress carryOn(std::string& /*text*/) override {
+    apply_(std::move(wanted_));
+    return Progress::later;
+  }
+
+ private:
+  Apply apply_;
+  Slice wanted_;
+};
+
+/// Tells the steps as they are found.
+class DiffWork final : public SliceWork {
+ public:
+  DiffWork(Request const& request, Mox::Ptr<Config const> running)
+      : SliceWork(request), running_(std::move(running)) {}
+
+ protected:
+  void begin(Slice wanted) override { comparison_.emplace(running_, wanted.config); }
+
+  Progress carryOn(std::string& text) override {
+    bool const isMore = comparison_->goOn();
+    auto& [steps, unchanged, portsSet, portsGone] = comparison_->changes();
+    for (Change const& step : std::exchange(steps, {})) {
+      text.append(std::exchange(separator_, ",")).append(jsonText(step.text));
+    }
+    if (isMore) return Progress::more;
+    text.append(*separator_ == ',' ? "" : separator_);
+    text.append("],\"unchanged\":").append(std::to_string(unchanged)).append("}");
+    return Progress::done;
+  }
+
+ private:
+  Mox::Ptr<Config const> running_;
+  std::optional<Comparison> comparison_;
+  char const* separator_ = "{\"steps\":[";  // in front of the next step
+};
+
+/// Finds out whether JSON can hold the strings, which takes writing it, and then tells the file.
+class DumpWork final : public LongResult {
+ public:
+  DumpWork(Mox::Ptr<Config const> config, std::vector<Mox::String8> handles, SliceForm form)
+      : config_(std::move(config)),
+        changeCount_(config_->changeCount()),
+        isOnTrial_(form == SliceForm::json),
+        trial_(config_, handles, form),
+        writer_(config_, std::move(handles), form, SliceWriter::NoUtf8::replaced) {}
+
+  Progress goOn(std::string& text) override {
+    std::string lines;
+    if (isOnTrial_) {
+      try {
+        isOnTrial_ = trial_.goOn(lines);
+        return Progress::more;
+      } catch (std::exception const&) {
+        throw ControlError::ofException();
+      }
+    }
+    bool const isMore = writer_.goOn(lines);
+    std::string const piece = jsonText(lines);
+    text.append(std::exchange(front_, "")).append(piece, 1, piece.size() - 2);
+    if (isMore) return Progress::more;
+    bool const hasChanged = config_->changeCount() != changeCount_;
+    text.append("\",\"changed\":").append(hasChanged ? "true" : "false").append("}");
+    return Progress::done;
+  }
+
+ private:
+  Mox::Ptr<Config const> config_;
+  std::uint64_t changeCount_;
+  bool isOnTrial_;
+  SliceWriter trial_;
+  SliceWriter writer_;
+  char const* front_ = "{\"content\":\"";
+};
 
 Json appliedJson(Applied const& applied) {
   return {
@@ -19,32 +188,25 @@ Json appliedJson(Applied const& applied) {
 }  // namespace
 
 Answer Verbs::apply(Request const& request, Later later) {
-  request.checkMembers({"file", "content"});
-  std::string const file = request.string("file");
   checkIdle();
-  Slice wanted = parseSlice(file, request.string("content"));
-  checkApply(*wanted.config, *served_.config, *served_.status);
-  served_.apply(file, std::move(wanted), [later = std::move(later)](Applied const& applied) {
-    later(appliedJson(applied));
-  });
-  return std::monostate();
+  auto apply = [this, file = request.string("file"), later = std::move(later)](Slice wanted) {
+    checkIdle();
+    checkApply(*wanted.config, *served_.config, *served_.status);
+    served_.apply(file, std::move(wanted),
+                  [later](Applied const& applied) { later(appliedJson(applied)); });
+  };
+  return answerOf(request, std::make_unique<ApplyWork>(request, std::move(apply)));
 }
 
-Json Verbs::diff(Request const& request) {
-  request.checkMembers({"file", "content"});
-  Slice const wanted = parseSlice(request.string("file"), request.string("content"));
-  Changes const changes = changesBetween(*served_.config, *wanted.config);
-  Json steps = Json::array();
-  for (Change const& change : changes.steps) steps.push_back(change.text);
-  return {{"steps", steps}, {"unchanged", changes.unchanged}};
+Answer Verbs::diff(Request const& request, Later /*later*/) {
+  return answerOf(request, std::make_unique<DiffWork>(request, served_.config));
 }
 
-Json Verbs::dump(Request const& request) {
+Answer Verbs::dump(Request const& request, Later /*later*/) {
   request.checkMembers({"format"});
   bool const isJson = request.oneOf("format", {"slice", "json"}) == "json";
-  std::vector<Mox::String8> const handles = served_.handles.paths();
-  return {{"content",
-           isJson ? sliceJson(*served_.config, handles) : sliceText(*served_.config, handles)}};
+  return std::unique_ptr<LongResult>(std::make_unique<DumpWork>(
+      served_.config, served_.handles.paths(), isJson ? SliceForm::json : SliceForm::statements));
 }
 
 }  // namespace Kest::Agent

@@ -1,6 +1,7 @@
 #include "agent/slice/FileError.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Kest::Agent {
 
@@ -44,20 +45,25 @@ Excerpt excerptOf(std::string_view line, std::size_t column) {
   return {text, column - shift};
 }
 
-std::string report(std::string_view file, std::size_t line, std::size_t column,
-                   std::string_view message, std::string_view lineText) {
+}  // namespace
+
+FilePlace::FilePlace(std::size_t line, std::size_t column, std::string_view lineText)
+    : line_(line), column_(column) {
   Excerpt excerpt = excerptOf(lineText, column);
   std::replace(excerpt.text.begin(), excerpt.text.end(), '\0', ' ');  // it would end the report
-  std::string text(file);
-  text.append(":").append(std::to_string(line));
-  text.append(":").append(std::to_string(column + 1));
-  text.append(": ").append(message);
-  text.append("\n  ").append(excerpt.text);
-  text.append("\n  ").append(caretIndent(excerpt.text, excerpt.column)).append("^");
-  return text;
+  excerpt_ = std::move(excerpt.text);
+  excerptColumn_ = excerpt.column;
 }
 
-}  // namespace
+std::string FilePlace::report(std::string_view file, std::string_view message) const {
+  std::string text(file);
+  text.append(":").append(std::to_string(line_));
+  text.append(":").append(std::to_string(column_ + 1));
+  text.append(": ").append(message);
+  text.append("\n  ").append(excerpt_);
+  text.append("\n  ").append(caretIndent(excerpt_, excerptColumn_)).append("^");
+  return text;
+}
 
 FileError FileError::inText(std::string_view file, std::string_view text, std::size_t at,
                             std::string_view message) {
@@ -66,12 +72,11 @@ FileError FileError::inText(std::string_view file, std::string_view text, std::s
   std::size_t const start = before.rfind('\n') + 1;  // 0 in the first line
   std::string_view lineText = text.substr(start, text.substr(start).find('\n'));
   if (lineText.ends_with('\r')) lineText.remove_suffix(1);
-  return {file, line + 1, at - start, message, lineText};
+  return {file, FilePlace(line + 1, at - start, lineText), message};
 }
 
-FileError::FileError(std::string_view file, std::size_t line, std::size_t column,
-                     std::string_view message, std::string_view lineText)
-    : std::runtime_error(report(file, line, column, message, lineText)) {}
+FileError::FileError(std::string_view file, FilePlace const& place, std::string_view message)
+    : std::runtime_error(place.report(file, message)) {}
 
 FileError::FileError(std::string_view file, std::string_view message)
     : std::runtime_error(std::string(file).append(": ").append(message)) {}

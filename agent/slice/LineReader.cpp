@@ -26,6 +26,22 @@ std::string LineReader::word() const {
   return std::string(rest.substr(0, rest.find_first_of(" \t")));
 }
 
+std::vector<Mox::String8> LineReader::strings() const {
+  std::vector<Mox::String8> all;
+  for (Mox::String8::IteratorConst at = at_; !(at == end_);) {
+    if (*at != '\'') {
+      ++at;
+      continue;
+    }
+    try {
+      all.push_back(Mox::sequenceToValue(at, end_, static_cast<Mox::String8*>(nullptr)));
+    } catch (Mox::RangeException const&) {
+      break;  // who reads the line says what is wrong with it
+    }
+  }
+  return all;
+}
+
 void LineReader::refuse(std::string_view expected) const {
   std::string text = "expected ";
   text.append(expected).append(", found '").append(shortened(word())).append("'");

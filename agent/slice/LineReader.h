@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "model/detail/Collection.h"
 #include "platform/mox/Strep.h"
@@ -29,6 +30,9 @@ class LineReader {
 
   /// What comes next, up to a blank; it is not taken.
   std::string word() const;
+
+  /// The strings in apostrophes that come next, whatever is between them; they are not taken.
+  std::vector<Mox::String8> strings() const;
 
   void skip(std::size_t characters) { at_ += characters; }
 

@@ -35,6 +35,7 @@ std::vector<std::string> sliceNames() {
   for (Mox::Attribute const* attribute : sliceAttributes()) {
     all.emplace_back(attribute->name.view());
   }
+  all.emplace_back(endName);
   return all;
 }
 

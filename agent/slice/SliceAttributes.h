@@ -13,11 +13,14 @@ namespace Kest::Agent {
 /// What declares PCI handles in a slice file. Everything else there is an attribute.
 inline constexpr char const* handlesName = "pciHam";
 
+/// What stands last in a slice file, to say that the file is whole.
+inline constexpr char const* endName = "end";
+
 /// The configuration's persistent attributes, in order of registration.
 std::vector<Mox::Attribute const*> sliceAttributes();
 Mox::Attribute const& sliceAttribute(Mox::AttributeId id);
 
-/// The names of all that a slice file may hold, that of the handles first.
+/// The names of all that a slice file may hold, in the order in which they are offered.
 std::vector<std::string> sliceNames();
 
 /// Refuses a name that is none of those, with the one that was probably meant.

@@ -25,6 +25,8 @@ class SliceBuilder {
   void placeIs(std::string place) { place_ = std::move(place); }
 
   void handle(Mox::String8 const& path);
+  /// What `PciHandles::inTree` says, for a text that may be the path of a handle.
+  PciHandles inTree(Mox::String8 const& text) { return slice_.handles.inTree(text); }
   /// Begins an attribute that is no collection.
   void begin(Mox::Attribute const& attribute);
   /// Begins an entry of a collection.

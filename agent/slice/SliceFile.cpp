@@ -1,52 +1,32 @@
 #include "agent/slice/SliceFile.h"
 
-#include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <memory>
-
-#include "agent/slice/FileError.h"
+#include "agent/slice/SliceFileReading.h"
 #include "agent/slice/SliceJson.h"
 #include "agent/slice/SliceStatements.h"
 
 namespace Kest::Agent {
 
-namespace {
-
-constexpr std::size_t mebibyte = std::size_t{1} << 20U;
-
-/// At most one byte more than a slice file may have: enough to see that it is too large.
-std::string fileText(std::string const& path) {
-  auto const refuse = [&] {
-    throw FileError(path, std::string("cannot be read: ") + std::strerror(errno));
-  };
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const file(std::fopen(path.c_str(), "rb"),
-                                                             &std::fclose);
-  if (!file) refuse();
-  std::string text;
-  std::array<char, 4096> block{};
-  while (std::size_t const bytes = std::fread(
-             block.data(), 1, std::min(block.size(), largestSlice + 1 - text.size()), file.get())) {
-    text.append(block.data(), bytes);
-  }
-  if (std::ferror(file.get()) != 0) refuse();
-  return text;
+SliceForm sliceFormOf(std::string_view name) {
+  return name.ends_with(".json") ? SliceForm::json : SliceForm::statements;
 }
 
-}  // namespace
+std::unique_ptr<SliceReader> sliceReader(std::string_view name, SliceForm form, SliceEnd end) {
+  return form == SliceForm::json ? jsonSliceReader(name, end) : statementReader(name, end);
+}
 
 Slice parseSlice(std::string_view name, std::string_view text) {
-  if (text.size() > largestSlice) {
-    throw FileError(
-        name, "expected at most " + std::to_string(largestSlice / mebibyte) + " MiB, found more");
+  auto const reader = sliceReader(name, sliceFormOf(name), SliceEnd::optional);
+  reader->take(text);
+  while (reader->goOn()) {
   }
-  return name.ends_with(".json") ? parseJsonSlice(name, text) : parseStatements(name, text);
+  return reader->slice();
 }
 
-Slice readSliceFile(std::string const& path) {
-  return parseSlice(path, fileText(path));
+Slice readSliceFile(std::string const& path, SliceEnd end) {
+  SliceFileReading reading(path, end);
+  while (reading.goOn()) {
+  }
+  return reading.slice();
 }
 
 }  // namespace Kest::Agent

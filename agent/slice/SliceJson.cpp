@@ -2,9 +2,11 @@
 
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <utility>
 #include <vector>
 
+#include "agent/Steps.h"
 #include "agent/Text.h"
 #include "agent/slice/JsonDocument.h"
 #include "agent/slice/SliceAttributes.h"
@@ -50,21 +52,28 @@ Generic valueFrom(Mox::MoxType const& type, Json const& json) {
   return fromJson(type, json);
 }
 
-class JsonSlice {
+class JsonSliceReader final : public SliceReader {
  public:
-  JsonSlice(std::string_view name, std::string_view text) : document_(name, text) {}
+  JsonSliceReader(std::string_view name, SliceEnd end) : name_(name), end_(end) {}
 
-  Slice parse() {
-    Json const& slice = document_.value();
-    at(JsonPointer(), [&] { expect(slice.is_object(), "an object", slice); });
-    // Before what refers to them, wherever they stand.
-    if (slice.contains(handlesName)) handles(JsonPointer() / handlesName, slice[handlesName]);
-    for (auto const& [name, value] : slice.items()) {
-      if (name != handlesName) member(JsonPointer() / name, value);
+  void take(std::string_view bytes) override {
+    if (bytes.size() > largestJsonSlice - text_.size()) {
+      constexpr std::size_t mebibyte = std::size_t{1} << 20U;
+      throw FileError(name_, "expected at most " + std::to_string(largestJsonSlice / mebibyte) +
+                                 " MiB of JSON, found more");
     }
-    checkStates(slice);
-    return builder_.take();
+    text_.append(bytes);
   }
+
+  bool goOn() override {
+    constexpr std::size_t entriesAtOnce = 50;
+    if (document_) return steps_.take(entriesAtOnce);
+    document_.emplace(name_, text_);
+    begin(document_->value());
+    return true;
+  }
+
+  Slice slice() override { return builder_.take(); }
 
  private:
   /// What `read` refuses is refused at that place.
@@ -73,27 +82,66 @@ class JsonSlice {
     try {
       read();
     } catch (Mox::RangeException const& refused) {
-      throw document_.refusal(place, refused.text().view());
+      throw document_->refusal(place, refused.text().view());
     }
+  }
+
+  void begin(Json const& slice) {
+    at(JsonPointer(), [&] {
+      expect(slice.is_object(), "an object", slice);
+      if (end_ == SliceEnd::required && !slice.contains(endName)) {
+        Mox::throwRangeException(Mox::format("expected a last member '%s', found none", endName));
+      }
+    });
+    // Before what refers to them, wherever they stand.
+    if (slice.contains(handlesName)) handles(JsonPointer() / handlesName, slice[handlesName]);
+    steps_.add([this, &slice, next = slice.begin()]() mutable {
+      if (next == slice.end()) return false;
+      if (!isInCollection_) member(JsonPointer() / next.key(), next.value());
+      if (isInCollection_) nextEntry(JsonPointer() / next.key(), next.value());
+      if (!isInCollection_) ++next;
+      return true;
+    });
+    if (slice.contains(Config::Devices::name)) states(slice[Config::Devices::name]);
   }
 
   void handles(JsonPointer const& place, Json const& paths) {
     at(place, [&] { expect(paths.is_array(), "an array of paths", paths); });
-    for (std::size_t index = 0; index < paths.size(); ++index) {
-      at(place / index, [&] {
-        expect(paths[index].is_string(), "a path", paths[index]);
-        builder_.placeIs((place / index).to_string());
-        builder_.handle(String8(paths[index].get<std::string>()));
-      });
-    }
+    steps_.add([this, place, &paths, index = std::size_t{0}]() mutable {
+      if (index == paths.size()) return false;
+      handle(place / index, paths[index]);
+      ++index;
+      return true;
+    });
   }
 
-  void member(JsonPointer const& place, Json const& value) {
+  void handle(JsonPointer const& place, Json const& path) {
     at(place, [&] {
-      Attribute const& attribute = attributeNamed(place.back());
+      expect(path.is_string(), "a path", path);
+      builder_.placeIs(place.to_string());
+      builder_.handle(String8(path.get<std::string>()));
+    });
+  }
+  void member(JsonPointer const& place, Json const& value) {
+    std::string const name = place.back();
+    at(place, [&] {
+      if (hasEnded_) {
+        Mox::throwRangeException(Mox::format("expected nothing after '%s', found more", endName));
+      }
+      if (name == handlesName) return;
+      if (name == endName) {
+        if (value != true) {
+          Mox::throwRangeException(String8("expected true, found " + shortened(value.dump())));
+        }
+        hasEnded_ = true;
+        return;
+      }
+      Attribute const& attribute = attributeNamed(name);
       if (attribute.introspectionClass == Mox::IntrospectionClass::collection) {
         expect(value.is_object(), "an object of values by their keys", value);
-        for (auto const& [key, one] : value.items()) entry(place / key, attribute, one);
+        collection_ = &attribute;
+        entry_ = value.begin();
+        isInCollection_ = true;
       } else {
         builder_.begin(attribute);
         builder_.store(attribute, nullptr, *valueFrom(*attribute.type, value));
@@ -101,9 +149,22 @@ class JsonSlice {
     });
   }
 
+  void nextEntry(JsonPointer const& place, Json const& entries) {
+    if (entry_ != entries.end()) {
+      entry(place / entry_.key(), *collection_, entry_.value());
+      ++entry_;
+    }
+    isInCollection_ = entry_ != entries.end();
+  }
+
   void entry(JsonPointer const& place, Attribute const& collection, Json const& value) {
     at(place, [&] {
       String8 const key(place.back());
+      std::vector<PciHandles> handles;  // that the fields may refer to
+      for (Json const& field : value) {
+        if (field.is_string())
+          handles.push_back(builder_.inTree(String8(field.get<std::string>())));
+      }
       builder_.begin(collection, key);
       Generic const read = holdsKey(collection) ? record(place, collection, value)
                                                 : valueFrom(*collection.type, value);
@@ -132,22 +193,33 @@ class JsonSlice {
         String8("expected " + key.dump() + ", the key of the entry, found " + found.dump()));
   }
 
-  void checkStates(Json const& slice) const {
-    if (!slice.contains(Config::Devices::name)) return;
-    for (auto const& device : slice[Config::Devices::name].items()) {
-      at(JsonPointer() / Config::Devices::name / device.key(),
-         [&] { builder_.checkHasState(String8(device.key())); });
-    }
+  /// @param devices all of them, by their names
+  void states(Json const& devices) {
+    steps_.add([this, &devices, next = devices.begin()]() mutable {
+      if (next == devices.end()) return false;
+      at(JsonPointer() / Config::Devices::name / next.key(),
+         [&] { builder_.checkHasState(String8(next.key())); });
+      ++next;
+      return true;
+    });
   }
 
-  JsonDocument document_;
+  std::string name_;
+  SliceEnd end_;
+  std::string text_;
+  std::optional<JsonDocument> document_;  // of the whole text
   SliceBuilder builder_;
+  Steps steps_;
+  Attribute const* collection_ = nullptr;  // whose entries are being read
+  Json::const_iterator entry_;             // the next one
+  bool isInCollection_ = false;
+  bool hasEnded_ = false;  // by its last member
 };
 
 }  // namespace
 
-Slice parseJsonSlice(std::string_view name, std::string_view text) {
-  return JsonSlice(name, text).parse();
+std::unique_ptr<SliceReader> jsonSliceReader(std::string_view name, SliceEnd end) {
+  return std::make_unique<JsonSliceReader>(name, end);
 }
 
 }  // namespace Kest::Agent

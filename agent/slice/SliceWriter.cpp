@@ -1,11 +1,13 @@
 #include "agent/slice/SliceWriter.h"
 
 #include <algorithm>
-#include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <string_view>
 #include <utility>
 
-#include "agent/Collections.h"
+#include "agent/OrderedKeys.h"
+#include "agent/Steps.h"
 #include "agent/json/GenericJson.h"
 #include "agent/slice/SliceAttributes.h"
 #include "platform/mox/GenericIfPtrInterface.h"
@@ -33,64 +35,12 @@ std::vector<Attribute const*> attributesInOrder() {
   return all;
 }
 
-/// Walks a configuration in the order of a slice file.
-class SliceWalk {
- public:
-  explicit SliceWalk(Config const& config)
-      : adapter_(Mox::genericOf(Mox::Ptr<Config const>(&config))) {}
-
-  /// The paths of `declared` and of the handles that devices refer to, each once.
-  std::vector<String8> handles(std::vector<String8> const& declared) const {
-    std::vector<String8> paths = declared;
-    for (Attribute const* attribute : attributesInOrder()) {
-      if (!isCollection(*attribute)) continue;
-      for (auto it = adapter_->attributeIteratorConst(attribute->id); *it; ++*it) {
-        forEachField(*it->value(), [&](auto const&, Mox::GenericIf const& field) {
-          bool isHandle = false;
-          auto const handle = Mox::genericRef<Fru::PciHam const>(&field, isHandle);
-          if (handle) paths.push_back(handle->fullName());
-        });
-      }
-    }
-    sortNaturally(paths);
-    paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
-    return paths;
-  }
-
-  Generic scalar(Attribute const& attribute) const {
-    Generic value;
-    adapter_->attributeOp({attribute.id, Mox::AttributeOpCode::read}, nullptr, value);
-    return value;
-  }
-
-  /// Calls `visit(key, value)` for each entry.
-  template <class Visit>
-  void entries(Attribute const& collection, Visit visit) const {
-    std::vector<String8> keys;
-    for (auto it = adapter_->attributeIteratorConst(collection.id); *it; ++*it) {
-      keys.push_back(*Mox::genericVal<String8>(it->key().get()));
-    }
-    sortNaturally(keys);
-    for (String8 const& key : keys) {
-      auto const at = adapter_->attributeIteratorKeyConst(collection.id, Mox::genericOf(key).get());
-      visit(key, *at->value());
-    }
-  }
-
- private:
-  Generic adapter_;
-};
-
-void statement(std::string& text, std::string_view name, std::string const& content) {
-  text.append(name).append(" ").append(content).append("\n");
-}
-
 std::string strep(String8 const& string) {
   return std::string(Mox::valueToStrep(string).view());
 }
 
-/// A text for a report, with every byte above 7 bits escaped.
-std::string escaped(std::string const& text) {
+/// A text with every byte above 7 bits escaped, as in a string's text form.
+std::string escaped(std::string_view text) {
   std::string result;
   for (char const byte : text) {
     auto const code = static_cast<unsigned char>(byte);
@@ -99,89 +49,247 @@ std::string escaped(std::string const& text) {
   return result;
 }
 
-/// JSON on one line; `what` tells people what it is.
-std::string dumped(Json const& json, std::string const& what) {
+bool isUtf8(std::string_view text) {
   try {
-    return json.dump();
+    static_cast<void>(Json(text).dump());
+    return true;
   } catch (Json::type_error const&) {
-    throw Mox::RangeException(String8(escaped(what) +
-                                      " holds bytes that are no UTF-8, which JSON cannot hold; "
-                                      "statements can"));
+    return false;
   }
 }
 
-/// Members of a JSON object that has some, one a line.
-class Members {
+/// How the parts of a slice file are written in one of its forms.
+class Form {
  public:
-  static constexpr std::size_t indent = 2;
-
-  explicit Members(std::size_t level) : indent_(level * indent, ' ') {}
-
-  void add(std::string const& name, std::string const& value) {
-    text_.append(text_.empty() ? "{\n" : ",\n").append(indent_).append(name).append(": ");
-    text_.append(value);
-  }
-  bool empty() const { return text_.empty(); }
-  std::string text() const { return text_ + "\n" + indent_.substr(indent) + "}"; }
-
- private:
-  std::string indent_;
-  std::string text_;
+  virtual ~Form() = default;
+  virtual void handle(std::string& text, String8 const& path) = 0;
+  virtual void scalar(std::string& text, Attribute const& attribute,
+                      Mox::GenericIf const& value) = 0;
+  virtual void entry(std::string& text, Attribute const& collection, String8 const& key,
+                     Mox::GenericIf const& value) = 0;
+  /// After the last handle, or the last entry of a collection.
+  virtual void endList(std::string& text) = 0;
+  virtual void end(std::string& text) = 0;
 };
 
-/// Without a record's key, which stands in front of it.
-Json entryJson(Attribute const& collection, Mox::GenericIf const& value) {
-  Json json = toJson(value);
-  if (holdsKey(collection)) json.erase(std::string(collection.keyName.view()));
-  return json;
+class Statements final : public Form {
+ public:
+  void handle(std::string& text, String8 const& path) override {
+    statement(text, handlesName, strep(path));
+  }
+  void scalar(std::string& text, Attribute const& attribute, Mox::GenericIf const& value) override {
+    statement(text, attribute.name.view(), value.strRep().view());
+  }
+  void entry(std::string& text, Attribute const& collection, String8 const& key,
+             Mox::GenericIf const& value) override {
+    std::string const front = holdsKey(collection) ? "" : strep(key) + " ";
+    statement(text, collection.name.view(), front + value.strRep().charPtr());
+  }
+  void endList(std::string& /*text*/) override {}
+  void end(std::string& text) override { text.append(endName).append("\n"); }
+
+ private:
+  static void statement(std::string& text, std::string_view name, std::string_view content) {
+    text.append(name).append(" ");
+    text.append(isUtf8(content) ? std::string(content) : escaped(content)).append("\n");
+  }
+};
+
+class JsonMembers final : public Form {
+ public:
+  explicit JsonMembers(SliceWriter::NoUtf8 noUtf8) : noUtf8_(noUtf8) {}
+
+  void handle(std::string& text, String8 const& path) override {
+    beginElement(text, handlesName, "[", ",", "]");
+    text.append(
+        dumped(std::string(path.view()), [&] { return handlesName + (" " + strep(path)); }));
+  }
+  void scalar(std::string& text, Attribute const& attribute, Mox::GenericIf const& value) override {
+    beginMember(text, attribute.name.view());
+    text.append(dumped(toJson(value), [&] {
+      return std::string(attribute.name.view()) + " " + value.strRep().charPtr();
+    }));
+  }
+  void entry(std::string& text, Attribute const& collection, String8 const& key,
+             Mox::GenericIf const& value) override {
+    auto const what = [&] { return std::string(collection.name.view()) + " " + strep(key); };
+    Json json = toJson(value);
+    if (holdsKey(collection)) json.erase(std::string(collection.keyName.view()));
+    std::string const name = dumped(std::string(key.view()), what);
+    std::string const content = dumped(json, what);
+    beginElement(text, collection.name.view(), "{\n    ", ",\n    ", "\n  }");
+    text.append(name).append(": ").append(content);
+  }
+  void endList(std::string& text) override { text.append(std::exchange(listEnd_, "")); }
+  void end(std::string& text) override {
+    beginMember(text, endName);
+    text.append("true\n}\n");
+  }
+
+ private:
+  void beginMember(std::string& text, std::string_view name) {
+    text.append(std::exchange(isBegun_, true) ? ",\n  \"" : "{\n  \"").append(name).append("\": ");
+  }
+
+  /// @param opens,separates,closes the list that is the member of that name
+  void beginElement(std::string& text, std::string_view name, char const* opens,
+                    char const* separates, char const* closes) {
+    if (*std::exchange(listEnd_, closes) != '\0') {
+      text.append(separates);
+    } else {
+      beginMember(text, name);
+      text.append(opens);
+    }
+  }
+
+  /// JSON on one line; `what` tells people what it is.
+  template <class What>
+  std::string dumped(Json const& json, What const& what) const {
+    using OnError = Json::error_handler_t;
+    bool const isStrict = noUtf8_ == SliceWriter::NoUtf8::refused;
+    try {
+      return json.dump(-1, ' ', false, isStrict ? OnError::strict : OnError::replace);
+    } catch (Json::type_error const&) {
+      throw Mox::RangeException(String8(escaped(what()) +
+                                        " holds bytes that are no UTF-8, which JSON cannot hold; "
+                                        "statements can"));
+    }
+  }
+
+  SliceWriter::NoUtf8 noUtf8_;
+  bool isBegun_ = false;      // with its first member
+  char const* listEnd_ = "";  // what closes the list that is being written, if one is
+};
+
+std::unique_ptr<Form> newForm(SliceForm form, SliceWriter::NoUtf8 noUtf8) {
+  if (form == SliceForm::json) return std::make_unique<JsonMembers>(noUtf8);
+  return std::make_unique<Statements>();
+}
+
+}  // namespace
+
+/// Walks a configuration in the order of a slice file.
+class SliceWriter::Walk {
+ public:
+  Walk(Mox::Ptr<Config const> const& config, std::vector<String8> handles,
+       std::unique_ptr<Form> form)
+      : adapter_(Mox::genericOf(config)),
+        form_(std::move(form)),
+        handles_(std::move(handles)) {
+    for (Attribute const* attribute : attributesInOrder()) {
+      if (isCollection(*attribute)) findHandles(*attribute);
+    }
+    writeHandles();
+    for (Attribute const* attribute : attributesInOrder()) {
+      isCollection(*attribute) ? writeEntries(*attribute) : writeScalar(*attribute);
+    }
+    addOnce([this] { form_->end(*text_); });
+  }
+
+  bool goOn(std::string& text) {
+    constexpr std::size_t entriesAtOnce = 50;
+    text_ = &text;
+    return steps_.take(entriesAtOnce);
+  }
+
+ private:
+  template <class Work>
+  void addOnce(Work work) {
+    steps_.add([work] {
+      work();
+      return false;
+    });
+  }
+
+  std::shared_ptr<Mox::AttributeIterator> iteratorOf(Attribute const& collection) const {
+    return adapter_->attributeIteratorConst(collection.id);
+  }
+
+  void findHandles(Attribute const& collection) {
+    steps_.add([this, at = iteratorOf(collection)] {
+      if (!*at) return false;
+      forEachField(*at->value(), [&](auto const&, Mox::GenericIf const& field) {
+        bool isHandle = false;
+        auto const handle = Mox::genericRef<Fru::PciHam const>(&field, isHandle);
+        if (handle) handles_.push_back(handle->fullName());
+      });
+      ++*at;
+      return true;
+    });
+  }
+
+  /// Once all have been found.
+  void writeHandles() {
+    OrderedKeys paths;
+    paths.add([this, next = std::size_t{0}]() mutable {
+      return next < handles_.size() ? std::optional(handles_[next++]) : std::nullopt;
+    });
+    steps_.addVisits(std::move(paths), [this](String8 const& path) { form_->handle(*text_, path); });
+    addOnce([this] { form_->endList(*text_); });
+  }
+
+  void writeScalar(Attribute const& attribute) {
+    addOnce([this, &attribute] {
+      Generic value;
+      adapter_->attributeOp({attribute.id, Mox::AttributeOpCode::read}, nullptr, value);
+      form_->scalar(*text_, attribute, *value);
+    });
+  }
+
+  void writeEntries(Attribute const& collection) {
+    OrderedKeys keys;
+    keys.add([at = iteratorOf(collection)]() -> std::optional<String8> {
+      if (!*at) return std::nullopt;
+      String8 const key = *Mox::genericVal<String8>(at->key().get());
+      ++*at;
+      return key;
+    });
+    steps_.addVisits(std::move(keys), [this, &collection](String8 const& key) {
+      writeEntry(collection, key);
+    });
+    addOnce([this] { form_->endList(*text_); });
+  }
+
+  void writeEntry(Attribute const& collection, String8 const& key) {
+    auto const at = adapter_->attributeIteratorKeyConst(collection.id, Mox::genericOf(key).get());
+    if (*at) form_->entry(*text_, collection, key, *at->value());
+  }
+
+  Generic adapter_;
+  std::unique_ptr<Form> form_;
+  std::vector<String8> handles_;  // paths, some of them more than once
+  std::string* text_ = nullptr;
+  Steps steps_;
+};
+
+SliceWriter::SliceWriter(Mox::Ptr<Config const> config, std::vector<String8> handles,
+                         SliceForm form, NoUtf8 noUtf8)
+    : walk_(std::make_unique<Walk>(config, std::move(handles), newForm(form, noUtf8))) {}
+
+SliceWriter::~SliceWriter() = default;
+
+bool SliceWriter::goOn(std::string& text) {
+  return walk_->goOn(text);
+}
+
+namespace {
+
+std::string wholeText(Config const& config, std::vector<String8> const& handles, SliceForm form) {
+  SliceWriter writer(Mox::Ptr<Config const>(&config), handles, form);
+  std::string text;
+  while (writer.goOn(text)) {
+  }
+  return text;
 }
 
 }  // namespace
 
 std::string sliceText(Config const& config, std::vector<String8> const& handles) {
-  SliceWalk const walk(config);
-  std::string text;
-  for (String8 const& path : walk.handles(handles)) statement(text, handlesName, strep(path));
-  for (Attribute const* attribute : attributesInOrder()) {
-    std::string_view const name = attribute->name.view();
-    if (isCollection(*attribute)) {
-      walk.entries(*attribute, [&](String8 const& key, Mox::GenericIf const& value) {
-        std::string const front = holdsKey(*attribute) ? "" : strep(key) + " ";
-        statement(text, name, front + value.strRep().charPtr());
-      });
-    } else {
-      statement(text, name, std::string(walk.scalar(*attribute)->strRep().view()));
-    }
-  }
-  return text;
+  return wholeText(config, handles, SliceForm::statements);
 }
 
 std::string sliceJson(Config const& config, std::vector<String8> const& handles) {
-  SliceWalk const walk(config);
-  Members slice(1);
-  Json paths = Json::array();
-  for (String8 const& path : walk.handles(handles)) {
-    paths.push_back(std::string(path.view()));
-    dumped(paths.back(), std::string(handlesName) + " " + strep(path));
-  }
-  if (!paths.empty()) slice.add(Json(handlesName).dump(), paths.dump());
-  for (Attribute const* attribute : attributesInOrder()) {
-    std::string const name(attribute->name.view());
-    if (isCollection(*attribute)) {
-      Members entries(2);
-      walk.entries(*attribute, [&](String8 const& key, Mox::GenericIf const& value) {
-        std::string const what = name + " " + strep(key);
-        entries.add(dumped(std::string(key.view()), what),
-                    dumped(entryJson(*attribute, value), what));
-      });
-      if (!entries.empty()) slice.add(Json(name).dump(), entries.text());
-    } else {
-      Generic const value = walk.scalar(*attribute);
-      std::string const what = name + " " + value->strRep().charPtr();
-      slice.add(Json(name).dump(), dumped(toJson(*value), what));
-    }
-  }
-  return slice.text() + "\n";
+  return wholeText(config, handles, SliceForm::json);
 }
 
 }  // namespace Kest::Agent

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <sys/stat.h>
+
 #include <csignal>
+#include <filesystem>
 
 #include "test/agent/ScratchDirectory.h"
 
@@ -156,7 +159,7 @@ TEST_F(AgentRefusal, OfTheCommandLine) {
 TEST_F(AgentRefusal, OfTheSliceFile) {
   EXPECT_EQ(refusal({"missing"}),
             "kest-slice-agent: missing: cannot be read: No such file or directory\n");
-  EXPECT_EQ(refusal({"."}), "kest-slice-agent: .: cannot be read: Is a directory\n");
+  EXPECT_EQ(refusal({"."}), "kest-slice-agent: .: cannot be read: it is no regular file\n");
   fileIs("slice", device("fap0") + "nativeVlan 'et1' 4095 # too many\n");
   EXPECT_EQ(refusal({"slice"}),
             "kest-slice-agent: slice:4:18: expected a VLAN id from 1 to 4094, or 0 for none, found "
@@ -292,7 +295,8 @@ TEST_F(AgentReload, OfABadFileChangesNothing) {
   std::filesystem::remove(directory + "/slice");
   std::filesystem::create_directory(directory + "/slice");
   agent.signalIs(SIGHUP);
-  EXPECT_EQ(agent.outputUntil("\n"), "not reloaded: slice: cannot be read: Is a directory\n");
+  EXPECT_EQ(agent.outputUntil("\n"),
+            "not reloaded: slice: cannot be read: it is no regular file\n");
   std::filesystem::remove(directory + "/slice");
   agent.signalIs(SIGHUP);
   EXPECT_EQ(agent.outputUntil("\n"),
@@ -303,6 +307,62 @@ TEST_F(AgentReload, OfABadFileChangesNothing) {
   EXPECT_EQ(agent.outputUntil("left alone\n"),
             "slice: announced 0 changes, 2 unchanged entries left alone\n");
   end(agent, SIGTERM, "SIGTERM");
+}
+
+/// The agent would wait for somebody to write.
+TEST_F(AgentReload, OfAPipeIsRefused) {
+  fileIs("slice", device("fap0"));
+  AgentProcess agent(directory, {"slice"});
+  agent.outputUntil(upAndRunning);
+  std::filesystem::remove(directory + "/slice");
+  ASSERT_EQ(mkfifo((directory + "/slice").c_str(), 0600), 0);
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("\n"),
+            "not reloaded: slice: cannot be read: it is no regular file\n");
+  end(agent, SIGTERM, "SIGTERM");
+}
+
+/// It may have been cut off.
+TEST_F(AgentReload, RemovesHalfOfThePortsAtMostUnlessTheyAreFew) {
+  std::string ports;
+  for (int number = 1; number <= 10; ++number) ports += port(number);
+  fileIs("slice", ports);
+  AgentProcess agent(directory, {"slice"});
+  agent.outputUntil(
+      "port et10 device=- destination=0 MAC=00:00:00:00:00:00 created=yes "
+      "native-VLAN=- mode=-\n");
+  fileIs("slice", port(1) + port(2) + port(3) + port(4));
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(
+      agent.outputUntil("\n"),
+      "not reloaded: slice would remove 6 of 10 ports: if that is meant, use kestctl apply\n");
+  fileIs("slice", port(1) + port(2) + port(3) + port(4) + port(5));
+  agent.signalIs(SIGHUP);
+  agent.outputUntil("slice: announced 5 changes, 5 unchanged entries left alone\n");
+  fileIs("slice", port(1));
+  agent.signalIs(SIGHUP);
+  agent.outputUntil("slice: announced 4 changes, 1 unchanged entries left alone\n");
+  end(agent, SIGTERM, "SIGTERM");
+}
+
+TEST_F(AgentReload, WantsTheEndOfTheFileIfItIsRequired) {
+  fileIs("slice", device("fap0") + "end\n");
+  AgentProcess agent(directory, {"slice", "--require-end"});
+  agent.outputUntil(upAndRunning);
+  fileIs("slice", device("fap0"));
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("^\n"),
+            "not reloaded: slice:4:1: expected 'end' as the last statement, found none\n"
+            "  \n"
+            "  ^\n");
+  end(agent, SIGTERM, "SIGTERM");
+  fileIs("slice", device("fap0"));
+  AgentProcess another(directory, {"slice", "--require-end"});
+  EXPECT_EQ(another.ended(), 2);
+  EXPECT_EQ(another.errors(),
+            "kest-slice-agent: slice:4:1: expected 'end' as the last statement, found none\n"
+            "  \n"
+            "  ^\n");
 }
 
 TEST_F(AgentReload, WaitsUntilTheFirstApplicationIsWhole) {

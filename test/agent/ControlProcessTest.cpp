@@ -32,6 +32,24 @@ std::string from(std::string const& text, std::string const& from) {
   return at == std::string::npos ? "no '" + from + "' in:\n" + text : text.substr(at);
 }
 
+/// What the machine does not see while it looks away it must be told before the rest goes.
+TEST_F(ControlledAgent, RefusesToReloadAFileThatBreaksTheMachinesRules) {
+  fileIs("slice",
+         "pciHam '/pci/5'\ndeviceState 'fap0' 'deviceStateUp'\n"
+         "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** "
+         "{'devName': 'fap0', 'pciHam': EntityPtr('/pci/5', 'Fru::PciHam')})\n");
+  AgentProcess agent(directory, {"slice"});
+  agent.outputUntil("registered=yes state=up\n");
+  ask(R"({"verb":"call","handler":"hasNotificationActiveIs","args":[false]})");
+  ask(R"({"verb":"del","path":"config/device/fap0"})");
+  ask(R"({"verb":"call","handler":"hasNotificationActiveIs","args":[true]})");
+  fileIs("slice", "sliceId 'a'\n");
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(agent.outputUntil("\n"),
+            "not reloaded: device 'fap0' is registered: call handleDevice before its state goes\n");
+  EXPECT_THAT(ask(R"({"verb":"get","path":"config/sliceId"})"), HasSubstr(R"("value":"")"));
+}
+
 TEST_F(ControlledAgent, RecoversByRestartFromADeviceThatChangesBehindItsBack) {
   AgentProcess agent(
       directory,

@@ -19,6 +19,7 @@ using Hardware::Kest::Slice::DeviceState;
 class StatusReport : public testing::Test {
  protected:
   StatusReport() {
+    slice.handles.enterTree();
     device("fap0", true, DeviceState::deviceStateUp_);
     device("fap1", false, DeviceState::deviceStateUnknown_);
     device("fap2", true, DeviceState::deviceStateUnknown_);

@@ -139,7 +139,8 @@ TEST_F(AgentCalls, ASliceFileIsReadWholeOrRefused) {
                     [&] { scene.slice = readSliceFile(directory + "/slice"); });
               },
               [](Scene& scene, std::string const& what) {
-                bool const isRefused = !what.empty() && !what.starts_with("fclose");
+                bool const passes = what.starts_with("close") || what.ends_with(" EINTR");
+                bool const isRefused = !what.empty() && !passes;
                 EXPECT_EQ(scene.refusal.empty(), !isRefused) << scene.refusal;
                 EXPECT_EQ(static_cast<bool>(scene.slice.config), !isRefused);
                 if (isRefused) return;

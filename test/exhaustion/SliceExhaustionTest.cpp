@@ -41,7 +41,9 @@ bool isTreeClean() {
 
 void parse(Scene& scene, char const* name, std::string const& text) {
   try {
-    scene.slice = parseSlice(name, text);
+    Slice slice = parseSlice(name, text);
+    slice.handles.enterTree();
+    scene.slice = std::move(slice);
   } catch (FileError const& refused) {
     Exhaustion::Pause const pause;
     scene.refusal = refused.what();
@@ -57,7 +59,9 @@ void expectWholeOrNothing(Scene const& scene, std::string const& whole, bool isD
 }
 
 std::string contentOfFile(char const* name, std::string const& text) {
-  return contentOf(*parseSlice(name, text).config);
+  Slice slice = parseSlice(name, text);
+  slice.handles.enterTree();
+  return contentOf(*slice.config);
 }
 
 TEST(SliceExhaustion, StatementsAreReadWhollyOrLeaveNothing) {
@@ -82,7 +86,8 @@ TEST(SliceExhaustion, ARefusalIsToldWholeOrNotAtAll) {
 }
 
 TEST(SliceExhaustion, StatementsAreWrittenWhollyOrNotAtAll) {
-  Slice const slice = parseSlice("slice", statements);
+  Slice slice = parseSlice("slice", statements);
+  slice.handles.enterTree();
   std::string const whole = sliceText(*slice.config, slice.handles.paths());
   atEveryAllocation(
       [] { return std::string(); },
@@ -152,7 +157,8 @@ void endsOrLeavesNothing(std::size_t step, Exhaustion::Lasting lasting, Act cons
 TEST(SliceExhaustion, JsonIsReadWhollyOrLeavesNothing) {
   std::string const whole = contentOfFile("slice", statements);
   std::string const json = [] {
-    Slice const slice = parseSlice("slice", statements);
+    Slice slice = parseSlice("slice", statements);
+    slice.handles.enterTree();
     return sliceJson(*slice.config, slice.handles.paths());
   }();
   auto const read = [&] { return contentOfFile("slice.json", json) == whole; };

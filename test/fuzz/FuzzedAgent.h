@@ -87,13 +87,14 @@ class FuzzedAgent {
   }
 
   void apply(Slice wanted, std::function<void(Applied)> done) {
-    Kest::Agent::Changes changes = Kest::Agent::changesBetween(*config_, *wanted.config);
-    std::size_t const count = changes.steps.size(), unchanged = changes.unchanged;
+    wanted.handles.enterTree();
     wanted.handles.succeed(handles_);
     handles_ = std::move(wanted.handles);
-    application_.start(std::move(changes), [this, count, unchanged, done = std::move(done)] {
-      done({count, unchanged, Kest::Agent::notUp(*config_, *status_)});
-    });
+    application_.start(
+        wanted.config, [](Kest::Agent::Changes const&) { return true; },
+        [this, done = std::move(done)](std::size_t announced, std::size_t unchanged) {
+          done({announced, unchanged, Kest::Agent::notUp(*config_, *status_)});
+        });
   }
 
   SocketFolder folder_;

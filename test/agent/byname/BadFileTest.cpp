@@ -9,7 +9,7 @@ TEST_F(BadFile, IsRefusedWithItsWholeReport) {
   expectRefused({
       {R"({"verb":"apply","file":"x.slice","content":"junk"})",
        "file: x.slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, "
-       "switchportMode, device, deviceState, found 'junk'\n  junk\n  ^"},
+       "switchportMode, device, deviceState, end, found 'junk'\n  junk\n  ^"},
       {R"({"verb":"apply","file":"x.slice","content":"sliceId"})",
        "file: x.slice:1:8: expected a string in apostrophes, found the end of the text\n  "
        "sliceId\n         ^"},
@@ -60,7 +60,7 @@ TEST_F(BadFile, IsRefusedWithItsWholeReport) {
        "file: x.json:1:1: expected an object, found array\n  []\n  ^"},
       {R"({"verb":"apply","file":"x.json","content":"{\"sliceID\": \"x\"}"})",
        "file: x.json:1:2: /sliceID: expected one of pciHam, sliceId, switchPort, nativeVlan, "
-       "switchportMode, device, deviceState, found 'sliceID'; did you mean 'sliceId'?\n  "
+       "switchportMode, device, deviceState, end, found 'sliceID'; did you mean 'sliceId'?\n  "
        "{\"sliceID\": \"x\"}\n   ^"},
       {R"({"verb":"apply","file":"x.json","content":"{\"sliceId\": 7}"})",
        "file: x.json:1:2: /sliceId: expected a string, found 7\n  {\"sliceId\": 7}\n   ^"},
@@ -77,10 +77,10 @@ TEST_F(BadFile, IsRefusedWithItsWholeReport) {
        "'et\\x00'\n  {\"nativeVlan\": {\"et\\u0000\": 1}}\n                  ^"},
       {R"({"verb":"apply","file":"","content":"junk"})",
        "file: :1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, "
-       "device, deviceState, found 'junk'\n  junk\n  ^"},
+       "device, deviceState, end, found 'junk'\n  junk\n  ^"},
       {R"({"verb":"diff","file":"x.slice","content":"junk"})",
        "file: x.slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, "
-       "switchportMode, device, deviceState, found 'junk'\n  junk\n  ^"},
+       "switchportMode, device, deviceState, end, found 'junk'\n  junk\n  ^"},
       {R"({"verb":"diff","file":"x.slice","content":"nativeVlan 'et1' 4095"})",
        "file: x.slice:1:18: expected a VLAN id from 1 to 4094, or 0 for none, found 4095\n  "
        "nativeVlan 'et1' 4095\n                   ^"},

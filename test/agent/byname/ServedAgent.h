@@ -41,6 +41,7 @@ class ServedAgent : public testing::Test {
 
   Applied apply(std::string const& /*file*/, Slice wanted) {
     Changes const changes = changesBetween(*config, *wanted.config);
+    wanted.handles.enterTree();
     wanted.handles.succeed(handles);
     handles = std::move(wanted.handles);
     for (Change const& change : changes.steps) change.apply(*config);

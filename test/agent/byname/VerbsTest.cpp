@@ -214,7 +214,7 @@ TEST_F(Verb, ApplyBringsTheConfigurationInLineAndDiffOnlyTells) {
   request["content"] = "nonsense";
   EXPECT_EQ(ask(request.dump()),
             "file: new.slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, "
-            "switchportMode, device, deviceState, found 'nonsense'\n  nonsense\n  ^");
+            "switchportMode, device, deviceState, end, found 'nonsense'\n  nonsense\n  ^");
 }
 
 TEST_F(Verb, WhatDumpWritesApplyReadsBackToNoChange) {

@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
+#include "agent/slice/SliceReader.h"
+#include "agent/slice/SliceStatements.h"
+#include "platform/mox/RangeException.h"
 #include "test/agent/slice/SliceTexts.h"
 
 namespace Kest::Agent {
@@ -15,15 +20,87 @@ TEST(SliceFile, IsRefusedWhenItCannotBeRead) {
     }
   };
   EXPECT_EQ(message("no/such/slice"), "no/such/slice: cannot be read: No such file or directory");
-  EXPECT_EQ(message("/"), "/: cannot be read: Is a directory");
-  EXPECT_EQ(message("/dev/zero"), "/dev/zero: expected at most 16 MiB, found more");
+  EXPECT_EQ(message("/"), "/: cannot be read: it is no regular file");
 }
 
-TEST(SliceFile, IsBoundedInEitherForm) {
-  std::string const largest(std::size_t{16} << 20U, ' ');
-  EXPECT_EQ(refusal(largest), "");
-  EXPECT_EQ(refusal(largest + " "), "slice: expected at most 16 MiB, found more");
-  EXPECT_EQ(jsonRefusal(largest + " "), "slice.json: expected at most 16 MiB, found more");
+TEST(SliceFile, MayBeOfAnySizeAsStatements) {
+  std::string const line = std::string(longestStatement, ' ') + "\n";
+  std::string text;
+  while (text.size() < std::size_t{17} << 20U) text += line;
+  EXPECT_EQ(refusal(text), "");
+}
+
+TEST(SliceFile, IsBoundedAsJson) {
+  auto const reader = sliceReader("slice.json", SliceForm::json, SliceEnd::optional);
+  reader->take(std::string(std::size_t{64} << 20U, ' '));
+  try {
+    reader->take(" ");
+    FAIL() << "not refused";
+  } catch (FileError const& refused) {
+    EXPECT_STREQ(refused.what(), "slice.json: expected at most 64 MiB of JSON, found more");
+  }
+}
+
+/// However its bytes come: a line is refused before it has come whole.
+TEST(SliceFile, HasLinesOf64KiBAtMost) {
+  std::string const line = "sliceId 'a' #" + std::string(longestStatement - 13, 'x');
+  std::string const message =
+      "slice:2:65537: expected a line of at most 65536 bytes, found a "
+      "longer one\n  ..." +
+      std::string(60, 'x') + "\n" + std::string(65, ' ') + "^";
+  EXPECT_EQ(refusal(line), "");
+  EXPECT_EQ(refusal("\n" + line + "x\n"), message);
+  EXPECT_EQ(refusal("\n" + line + "x"), message);
+  for (std::size_t bytes : {1, 7, 4096, 65535}) {
+    auto const reader = sliceReader("slice", SliceForm::statements, SliceEnd::optional);
+    reader->take("\n");
+    std::string_view rest = line;
+    for (; !rest.empty(); rest.remove_prefix(std::min(bytes, rest.size()))) {
+      reader->take(rest.substr(0, bytes));
+    }
+    try {
+      reader->take("x");
+      FAIL() << "not refused";
+    } catch (FileError const& refused) {
+      EXPECT_EQ(refused.what(), message);
+    }
+  }
+}
+
+/// In files, in JSON and in whatever else declares handles.
+TEST(SliceFile, HasPathsOf32StepsAnd255BytesAtMost) {
+  auto const pathOf = [](std::size_t steps, std::size_t bytes) {
+    std::string path;
+    for (std::size_t step = 0; step < steps; ++step) path += "/a";
+    return path.append(bytes - path.size(), 'x');
+  };
+  struct {
+    std::string path;
+    std::string message;
+  } const rows[] = {
+      {pathOf(32, 255), ""},
+      {pathOf(33, 66), "expected a path of at most 32 steps, found one of 33"},
+      {pathOf(4000, 8000), "expected a path of at most 32 steps, found one of 4000"},
+      {pathOf(2, 256), "expected a path of at most 255 bytes, found one of 256"},
+  };
+  auto const firstLine = [](std::string const& text) { return text.substr(0, text.find('\n')); };
+  for (auto const& [path, message] : rows) {
+    bool const isTaken = message.empty();
+    EXPECT_EQ(firstLine(refusal("# handles\npciHam '" + path + "'")),
+              isTaken ? "" : "slice:2:8: " + message);
+    EXPECT_EQ(firstLine(jsonRefusal("{\"pciHam\":\n[\"" + path + "\"]}")),
+              isTaken ? "" : "slice.json:2:2: /pciHam/0: " + message);
+    PciHandles handles;
+    EXPECT_EQ(isTaken, [&] {
+      try {
+        handles.declare(Mox::String8(path));
+        return true;
+      } catch (Mox::RangeException const& refused) {
+        EXPECT_EQ(refused.what(), message);
+        return false;
+      }
+    }());
+  }
 }
 
 /// The letters around the column, whole ones: each of these has two bytes.
@@ -51,7 +128,7 @@ TEST(SliceFile, FoundIsShownInPartWhereANameIsVeryLong) {
   std::string const name(1000, 'x');
   std::string const found =
       "expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, "
-      "deviceState, found '" +
+      "deviceState, end, found '" +
       std::string(90, 'x') + " ... " + std::string(90, 'x') + "'\n";
   std::string const line = std::string(60, 'x') + "...\n";
   EXPECT_EQ(refusal(name + " 1"), "slice:1:1: " + found + "  " + line + "  ^");

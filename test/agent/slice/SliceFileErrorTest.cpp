@@ -15,15 +15,15 @@ TEST_P(SliceFileError, SaysWhereWhatWasFoundAndWhatWasExpected) {
 
 ErrorRow const fileErrors[] = {
     {"UnknownStatement", R"(bogus 'x')",
-     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'bogus'
+     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, end, found 'bogus'
   bogus 'x'
   ^)"},
     {"StatementInWrongCase", R"(SliceId 'x')",
-     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'SliceId'; did you mean 'sliceId'?
+     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, end, found 'SliceId'; did you mean 'sliceId'?
   SliceId 'x'
   ^)"},
     {"NoStatement", R"('et1' 10)",
-     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found ''et1''
+     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, end, found ''et1''
   'et1' 10
   ^)"},
     {"SliceIdWithoutValue", R"(sliceId)",
@@ -88,6 +88,24 @@ sliceId 'a')",
      R"(slice:1:8: expected a path such as '/pci/0000:05:00.0', found 'a\n'
   pciHam 'a\n'
          ^)"},
+    {"EndFollowedByAStatement",
+     R"(sliceId 'a'
+end
+
+nativeVlan 'et1' 1)",
+     R"(slice:4:1: expected nothing after 'end', found 'nativeVlan'
+  nativeVlan 'et1' 1
+  ^)"},
+    {"EndTwice",
+     R"(end
+end)",
+     R"(slice:2:1: expected nothing after 'end', found 'end'
+  end
+  ^)"},
+    {"EndWithValue", R"(end 'a')",
+     R"(slice:1:5: expected the end of the line, found ''a''
+  end 'a'
+      ^)"},
     {"HandleBelowHandle",
      R"(pciHam '/a'
 pciHam '/a/b')",
@@ -425,7 +443,7 @@ switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'i
      "  sliceId\r 'a' b\n"
      "               ^"},
     {"StatementMisspelt", R"(natveVlan 'et1' 10)",
-     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'natveVlan'; did you mean 'nativeVlan'?
+     R"(slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, end, found 'natveVlan'; did you mean 'nativeVlan'?
   natveVlan 'et1' 10
   ^)"},
     {"ControlCharacter", "nativeVlan 'et1' \001",

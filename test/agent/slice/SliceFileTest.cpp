@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <ostream>
 
+#include "agent/slice/SliceReader.h"
 #include "platform/mox/Dir.h"
+#include "platform/mox/RangeException.h"
 #include "test/agent/slice/SliceTexts.h"
 
 namespace Kest::Agent {
@@ -43,7 +45,9 @@ class ValidSliceFile : public testing::TestWithParam<ValidRow> {};
 
 TEST_P(ValidSliceFile, GivesItsEntries) {
   {
-    Slice const slice = parseSlice("slice", GetParam().text);
+    Slice slice = parseSlice("slice", GetParam().text);
+    EXPECT_EQ(Mox::root()->entities(), 0U) << "a file is in the tree before it is applied";
+    slice.handles.enterTree();
     EXPECT_EQ(entriesOf(*slice.config), GetParam().entries);
   }
   EXPECT_EQ(Mox::root()->entities(), 0U) << "the entity tree outlived the slice's handles";
@@ -112,11 +116,19 @@ Mox::Ptr<Mox::Entity> at(char const* path) {
   return Mox::entityAt(path);
 }
 
+/// As it is once it is applied.
+Slice running(std::string const& text) {
+  Slice slice = parseSlice("slice", text);
+  slice.handles.enterTree();
+  return slice;
+}
+
+std::string const fap0OfHandle =
+    fap0Up + "\n" + deviceText("'devName': 'fap0', 'pciHam': EntityPtr('/pci/a', 'Fru::PciHam')");
+
 TEST(SliceHandles, StandAtTheirPathsAsLongAsTheSlice) {
   {
-    Slice const slice = parseSlice("slice", "pciHam '/pci/a'\n" + fap0Up + "\n" +
-                                                deviceText("'devName': 'fap0', 'pciHam': "
-                                                           "EntityPtr('/pci/a', 'Fru::PciHam')"));
+    Slice const slice = running("pciHam '/pci/a'\n" + fap0OfHandle);
     ASSERT_TRUE(at("/pci/a"));
     EXPECT_EQ(slice.config->device("fap0").pciHam().ptr(), at("/pci/a").ptr());
     EXPECT_EQ(at("/pci/a")->fullName(), "/pci/a");
@@ -124,11 +136,31 @@ TEST(SliceHandles, StandAtTheirPathsAsLongAsTheSlice) {
   EXPECT_FALSE(at("/pci"));
 }
 
+/// Whoever reads a file that takes long is in nobody's way.
+TEST(SliceHandles, OfAFileThatIsBeingReadStayOutOfTheTree) {
+  Slice first = parseSlice("first", "pciHam '/pci/a'\n" + fap0OfHandle);
+  EXPECT_FALSE(at("/pci"));
+  Slice const second = running("pciHam '/pci'");
+  EXPECT_TRUE(at("/pci"));
+  EXPECT_THROW(first.handles.enterTree(), Mox::RangeException);
+}
+
+TEST(SliceHandles, AreThoseThatAnotherFileHasBroughtMeanwhile) {
+  auto const reader = sliceReader("slice", SliceForm::statements, SliceEnd::optional);
+  reader->take("pciHam '/pci/a'\n");
+  Slice const other = running("pciHam '/pci/a'");
+  reader->take(fap0OfHandle);
+  EXPECT_FALSE(reader->goOn());
+  Slice slice = reader->slice();
+  slice.handles.enterTree();
+  EXPECT_EQ(slice.config->device("fap0").pciHam().ptr(), at("/pci/a").ptr());
+}
+
 TEST(SliceHandles, KeepTheirIdentityWhenTheFileIsReadAgain) {
-  Slice first = parseSlice("slice", "pciHam '/pci/a'\npciHam '/pci/b'\npciHam '/other/c'");
+  Slice first = running("pciHam '/pci/a'\npciHam '/pci/b'\npciHam '/other/c'");
   Mox::Ptr<Mox::Entity> const a = at("/pci/a");
   {
-    Slice second = parseSlice("slice", "pciHam '/pci/a'\npciHam '/pci/d'");
+    Slice second = running("pciHam '/pci/a'\npciHam '/pci/d'");
     EXPECT_EQ(at("/pci/a").ptr(), a.ptr());
     second.handles.succeed(first.handles);
     first = std::move(second);
@@ -142,14 +174,14 @@ TEST(SliceHandles, KeepTheirIdentityWhenTheFileIsReadAgain) {
 }
 
 TEST(SliceHandles, OfARunningSliceOutliveAFileThatIsRefused) {
-  Slice const running = parseSlice("slice", "pciHam '/pci/a'");
-  EXPECT_NE(refusal("pciHam '/pci/a'\npciHam '/pci/b'\nbogus"), "");
+  Slice const slice = running("pciHam '/pci/a'");
+  EXPECT_NE(refusal("pciHam '/pci/a'\npciHam '/pci/b'\n" + fap0OfHandle + "bogus"), "");
   EXPECT_TRUE(at("/pci/a"));
   EXPECT_FALSE(at("/pci/b"));
 }
 
 TEST(SliceHandles, ThatOnlyTheFileBeforeDeclaredAreRefusedAsAtTheStart) {
-  Slice const running = parseSlice("slice", "pciHam '/pci/a'");
+  Slice const slice = running("pciHam '/pci/a'");
   EXPECT_EQ(refusal("pciHam '/pci/b'\n"
                     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** "
                     "{'devName': 'fap0', 'pciHam': EntityPtr('/pci/a', 'Fru::PciHam')})\n"
@@ -163,7 +195,7 @@ TEST(SliceHandles, ThatOnlyTheFileBeforeDeclaredAreRefusedAsAtTheStart) {
 TEST(SliceHandles, LeaveWhatOthersPutInTheTree) {
   Mox::Ptr<Mox::Dir> const pci = Mox::dirAt("/pci");
   pci->entityIs(Mox::Ptr<Mox::Entity>(new Fru::PciHam("a")));
-  parseSlice("slice", "pciHam '/pci/a'\npciHam '/pci/b'");
+  running("pciHam '/pci/a'\npciHam '/pci/b'");
   EXPECT_TRUE(at("/pci/a"));
   EXPECT_FALSE(at("/pci/b"));
   pci->entityDel("a");
@@ -172,11 +204,23 @@ TEST(SliceHandles, LeaveWhatOthersPutInTheTree) {
 
 TEST(SliceHandles, ThatOthersTookOutOfTheTreeStayOut) {
   {
-    Slice const slice = parseSlice("slice", "pciHam '/pci/a'\npciHam '/pci/b'");
+    Slice const slice = running("pciHam '/pci/a'\npciHam '/pci/b'");
     Mox::dirAt("/pci")->entityDel("a");
     EXPECT_TRUE(at("/pci/b"));
   }
   EXPECT_FALSE(at("/pci"));
+}
+
+TEST(SliceHandles, MayStandAsDeepAsAPathMayBe) {
+  std::string directory;
+  for (std::size_t step = 1; step < PciHandles::deepestPath; ++step) directory += "/abcd";
+  {
+    Slice const slice =
+        running("pciHam '" + directory + "/5'\npciHam '" + directory + "/6'\npciHam '/abcd/7'");
+    EXPECT_EQ(at((directory + "/6").c_str())->fullName(), directory + "/6");
+    EXPECT_EQ(slice.handles.paths().size(), 3U);
+  }
+  EXPECT_EQ(Mox::root()->entities(), 0U);
 }
 
 std::size_t countIf(Config const& config, auto const& holds) {

@@ -29,27 +29,27 @@ null)J",
   null
   ^)J"},
     {"UnknownMember", R"J({"bogus": 1})J",
-     R"J(slice.json:1:2: /bogus: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'bogus'
+     R"J(slice.json:1:2: /bogus: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, end, found 'bogus'
   {"bogus": 1}
    ^)J"},
     {"MisspeltMember", R"J({"sliceId": "a", "natveVlan": {}})J",
-     R"J(slice.json:1:18: /natveVlan: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'natveVlan'; did you mean 'nativeVlan'?
+     R"J(slice.json:1:18: /natveVlan: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, end, found 'natveVlan'; did you mean 'nativeVlan'?
   {"sliceId": "a", "natveVlan": {}}
                    ^)J"},
     {"MemberInWrongCase", R"J({"SliceId": "a"})J",
-     R"J(slice.json:1:2: /SliceId: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'SliceId'; did you mean 'sliceId'?
+     R"J(slice.json:1:2: /SliceId: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, end, found 'SliceId'; did you mean 'sliceId'?
   {"SliceId": "a"}
    ^)J"},
     {"MemberOfEveryEntity", R"J({"name": "config"})J",
-     R"J(slice.json:1:2: /name: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'name'
+     R"J(slice.json:1:2: /name: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, end, found 'name'
   {"name": "config"}
    ^)J"},
     {"EmptyMember", R"J({"": 1})J",
-     R"J(slice.json:1:2: /: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found ''
+     R"J(slice.json:1:2: /: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, end, found ''
   {"": 1}
    ^)J"},
     {"MemberWithControlCharacter", R"J({"slice\nId": 1})J",
-     R"J(slice.json:1:2: /slice\nId: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, found 'slice\nId'; did you mean 'sliceId'?
+     R"J(slice.json:1:2: /slice\nId: expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, deviceState, end, found 'slice\nId'; did you mean 'sliceId'?
   {"slice\nId": 1}
    ^)J"},
     {"SliceIdIsNumber", R"J({"sliceId": 3})J",
@@ -335,7 +335,7 @@ null)J",
     {"LettersOfTwoAndThreeBytesBeforeTheCaret",
      "{\"sliceId\": \"Z\303\274rich \342\200\224\", \"bogus\": 1}",
      "slice.json:1:28: /bogus: expected one of pciHam, sliceId, switchPort, nativeVlan, "
-     "switchportMode, device, deviceState, found 'bogus'\n"
+     "switchportMode, device, deviceState, end, found 'bogus'\n"
      "  {\"sliceId\": \"Z\303\274rich \342\200\224\", \"bogus\": 1}\n"
      "                          ^"},
     {"CarriageReturns",

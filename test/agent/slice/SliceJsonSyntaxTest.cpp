@@ -154,6 +154,24 @@ end)J",
 INSTANTIATE_TEST_SUITE_P(Rows, SliceJsonSyntaxError, testing::ValuesIn(syntaxErrors),
                          [](auto const& row) { return row.param.name; });
 
+ErrorRow const endErrors[] = {
+    {"FollowedByAMember", R"J({"end": true, "sliceId": "a"})J",
+     R"J(slice.json:1:15: /sliceId: expected nothing after 'end', found more
+  {"end": true, "sliceId": "a"}
+                ^)J"},
+    {"FollowedByHandles", R"J({"end": true, "pciHam": []})J",
+     R"J(slice.json:1:15: /pciHam: expected nothing after 'end', found more
+  {"end": true, "pciHam": []}
+                ^)J"},
+    {"False", R"J({"end": false})J",
+     R"J(slice.json:1:2: /end: expected true, found false
+  {"end": false}
+   ^)J"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Ends, SliceJsonSyntaxError, testing::ValuesIn(endErrors),
+                         [](auto const& row) { return row.param.name; });
+
 std::string nested(std::size_t levels) {
   return R"({"sliceId": )" + std::string(levels - 1, '[') + std::string(levels - 1, ']') + "}";
 }

@@ -22,7 +22,8 @@ class ValidSliceJson : public testing::TestWithParam<ValidRow> {};
 
 TEST_P(ValidSliceJson, HoldsTheSameAsItsStatements) {
   {
-    Slice const json = parseSlice("slice.json", GetParam().json);
+    Slice json = parseSlice("slice.json", GetParam().json);
+    json.handles.enterTree();
     Slice const statements = parseSlice("slice", GetParam().statements);
     EXPECT_EQ(entriesOf(*json.config), entriesOf(*statements.config));
     EXPECT_EQ(json.handles.paths(), statements.handles.paths());
@@ -100,7 +101,8 @@ INSTANTIATE_TEST_SUITE_P(Rows, ValidSliceJson, testing::ValuesIn(rows),
                          [](auto const& row) { return row.param.name; });
 
 TEST(SliceJsonHandles, ThatOnlyTheFileBeforeDeclaredAreRefused) {
-  Slice const running = parseSlice("slice", "pciHam '/pci/a'");
+  Slice running = parseSlice("slice", "pciHam '/pci/a'");
+  running.handles.enterTree();
   EXPECT_EQ(jsonRefusal(R"({"deviceState": {"fap0": "deviceStateUp"},
   "device": {"fap0": {"pciHam": "/pci/a"}}})"),
             "slice.json:2:23: /device/fap0/pciHam: expected a pciHam for '/pci/a' before it, found "
@@ -110,7 +112,8 @@ TEST(SliceJsonHandles, ThatOnlyTheFileBeforeDeclaredAreRefused) {
 }
 
 TEST(SliceJsonHandles, OfARunningSliceOutliveAFileThatIsRefused) {
-  Slice const running = parseSlice("slice.json", R"({"pciHam": ["/pci/a"]})");
+  Slice running = parseSlice("slice.json", R"({"pciHam": ["/pci/a"]})");
+  running.handles.enterTree();
   EXPECT_NE(jsonRefusal(R"({"pciHam": ["/pci/a", "/pci/b"], "bogus": 1})"), "");
   EXPECT_TRUE(Mox::entityAt("/pci/a"));
   EXPECT_FALSE(Mox::entityAt("/pci/b"));
@@ -123,8 +126,10 @@ TEST(SliceJson, IsToldByTheNameOfTheFile) {
 }
 
 TEST(SliceExamples, SmallIsTheSameAsJson) {
-  EXPECT_EQ(entriesOf(*readSliceFile(KEST_EXAMPLES "/small.slice.json").config),
-            entriesOf(*readSliceFile(KEST_EXAMPLES "/small.slice").config));
+  Slice json = readSliceFile(KEST_EXAMPLES "/small.slice.json", SliceEnd::required);
+  json.handles.enterTree();
+  EXPECT_EQ(entriesOf(*json.config),
+            entriesOf(*readSliceFile(KEST_EXAMPLES "/small.slice", SliceEnd::required).config));
 }
 
 }  // namespace

@@ -37,6 +37,7 @@ Slice sample() {
           "switchportMode": {"et9": "switchportModeTrunk"}, "nativeVlan": {"et9": 7, "et10": 8},
           "deviceState": {"fap0": "deviceStateUp", "fap1": "deviceStateDown"},
           "device": {"fap1": {"numFaps": 2}, "fap0": {"pciHam": "/pci/10"}}})");
+  slice.handles.enterTree();
   return slice;
 }
 
@@ -67,7 +68,8 @@ TEST(SliceText, HoldsHandlesThenDevicesThenPortsInNaturalOrder) {
               "'00:00:00:00:00:00'") +
           "nativeVlan 'et9' 7\n"
           "nativeVlan 'et10' 8\n"
-          "switchportMode 'et9' 'switchportModeTrunk'\n");
+          "switchportMode 'et9' 'switchportModeTrunk'\n"
+          "end\n");
 }
 
 TEST(SliceJson, HoldsOneEntryALineWithoutTheRecordsKeys) {
@@ -93,14 +95,15 @@ TEST(SliceJson, HoldsOneEntryALineWithoutTheRecordsKeys) {
   },
   "switchportMode": {
     "et9": "switchportModeTrunk"
-  }
+  },
+  "end": true
 }
 )");
 }
 
 TEST(SliceWriters, LeaveOutCollectionsThatAreEmpty) {
-  EXPECT_EQ(sliceText(*emptyConfig()), "sliceId ''\n");
-  EXPECT_EQ(sliceJson(*emptyConfig()), "{\n  \"sliceId\": \"\"\n}\n");
+  EXPECT_EQ(sliceText(*emptyConfig()), "sliceId ''\nend\n");
+  EXPECT_EQ(sliceJson(*emptyConfig()), "{\n  \"sliceId\": \"\",\n  \"end\": true\n}\n");
 }
 
 /// Nobody has to pass the handles that the devices refer to.
@@ -112,7 +115,8 @@ TEST(SliceWriters, DeclareTheHandlesOfDevicesOnce) {
 }
 
 TEST(SliceWriters, GiveTheSmallExample) {
-  Slice const small = readSliceFile(KEST_EXAMPLES "/small.slice");
+  Slice small = readSliceFile(KEST_EXAMPLES "/small.slice");
+  small.handles.enterTree();
   std::ostringstream json;
   json << std::ifstream(KEST_EXAMPLES "/small.slice.json").rdbuf();
   EXPECT_EQ(sliceJson(*small.config), json.str());
@@ -122,7 +126,7 @@ TEST(SliceWriters, GiveTheSmallExample) {
 TEST(SliceWriters, WriteFaithfullyWhatAFileMayNotHold) {
   Mox::Ptr<Config> const config = emptyConfig();
   config->nativeVlanIs("Management1", 5000);
-  EXPECT_EQ(sliceText(*config), "sliceId ''\nnativeVlan 'Management1' 5000\n");
+  EXPECT_EQ(sliceText(*config), "sliceId ''\nnativeVlan 'Management1' 5000\nend\n");
   EXPECT_EQ(refusal(sliceText(*config)),
             "slice:2:12: expected an interface name with 'et' in it, found 'Management1'\n"
             "  nativeVlan 'Management1' 5000\n"
@@ -189,6 +193,7 @@ class RandomConfigs {
   RandomConfigs(std::uint64_t seed, std::vector<std::string> letters)
       : random_(seed), letters_(std::move(letters)) {
     for (int i = 0; i < 5; ++i) handles_.declare(String8("/pci/" + name()));
+    handles_.enterTree();
   }
 
   Mox::Ptr<Config> config() {
