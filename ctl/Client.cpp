@@ -18,7 +18,6 @@ namespace Kest::Ctl {
 
 namespace {
 
-constexpr std::size_t longestReply = std::size_t{16} << 20;
 constexpr int deepestReply = 100;  // nested arrays and objects: they are walked recursively
 
 [[noreturn]] void throwNoAgent(std::string const& path, std::string const& why) {
@@ -132,10 +131,10 @@ std::string Client::line(Deadline deadline) {
     if (end != std::string::npos) {
       std::string line = input_.substr(0, end);
       input_.erase(0, end + 1);
-      if (line.size() > longestReply) throwBadReply("it is too long");
+      if (line.size() > longestReply_) throwBadReply("it is too long");
       return line;
     }
-    if (input_.size() > longestReply) throwBadReply("it is too long");
+    if (input_.size() > longestReply_) throwBadReply("it is too long");
     searched = input_.size();
     await(POLLIN, deadline);
     std::array<char, 65536> block{};
@@ -159,8 +158,9 @@ Json Client::receive(Deadline deadline) {
   return message;
 }
 
-Json Client::ask(Json const& request, Deadline deadline) {
+Json Client::ask(Json const& request, Deadline deadline, std::string_view following) {
   send(request.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n", deadline);
+  send(following, deadline);
   Json reply = receive(deadline);
   auto const member = [](Json const& object, char const* name) -> Json const& {
     auto const found = object.find(name);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "ctl/Json.h"
 
@@ -23,9 +25,13 @@ class Client {
   Client(Client const&) = delete;
   Client& operator=(Client const&) = delete;
 
+  /// Replies may be as long as the largest files.
+  void longReplyIs() noexcept { longestReply_ = std::size_t{1} << 30; }
+
   /// Sends a request and returns the result of its reply. `Failure` of the reply's kind when the
   /// agent refuses.
-  Json ask(Json const& request, Deadline deadline);
+  /// @param following bytes that come after the request
+  Json ask(Json const& request, Deadline deadline, std::string_view following = {});
   /// The next message, such as an event.
   Json receive(Deadline deadline);
 
@@ -37,6 +43,7 @@ class Client {
 
   int fd_;
   std::string input_;
+  std::size_t longestReply_ = std::size_t{16} << 20;  // bytes
 };
 
 }  // namespace Kest::Ctl

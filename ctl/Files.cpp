@@ -22,6 +22,8 @@ namespace Kest::Ctl {
 
 namespace {
 
+constexpr std::size_t longestFile = std::size_t{1} << 30;  // bytes: no slice file comes near
+constexpr char const* standardInput = "standard input";
 constexpr mode_t permissions = 0777;
 constexpr mode_t modeOfNewFiles = 0666;  // less the umask
 
@@ -38,21 +40,41 @@ void requireUtf8(std::string_view content, std::string const& name) {
   }
 }
 
-std::string streamContent(std::FILE* stream, std::string const& name) {
+struct CloseFile {
+  void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+File opened(std::string const& file) {
+  File stream(std::fopen(file.c_str(), "rb"));
+  if (!stream) throw usageFailure(file + " cannot be read: " + std::strerror(errno));
+  return stream;
+}
+
+std::string streamBytes(std::FILE* stream, std::string const& name, std::size_t most) {
   std::string content;
   std::array<char, 65536> block{};
   while (std::size_t const bytes = std::fread(block.data(), 1, block.size(), stream)) {
     content.append(block.data(), bytes);
-    if (content.size() > Wire::longestRequest) {
-      throw usageFailure(name + " is too long: more than " + std::to_string(Wire::longestRequest) +
-                         " bytes");
+    if (content.size() > most) {
+      throw usageFailure(name + " is too long: more than " + std::to_string(most) + " bytes");
     }
   }
   if (std::ferror(stream) != 0) {
     throw usageFailure(name + " cannot be read: " + std::strerror(errno));
   }
+  return content;
+}
+
+std::string streamContent(std::FILE* stream, std::string const& name) {
+  std::string content = streamBytes(stream, name, Wire::longestRequest);
   requireUtf8(content, name);
   return content;
+}
+
+bool isSame(struct stat const& a, struct stat const& b) {
+  return a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec &&
+         a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
 /// Waits where the descriptor does not block. False, with `errno`, when it cannot be written.
@@ -109,15 +131,29 @@ bool replace(std::string const& file, std::string const& content) {
 
 }  // namespace
 
+std::string bytesOf(std::string const& file) {
+  File const stream = opened(file);
+  struct stat before {};
+  struct stat after {};
+  bool const isKnown = fstat(fileno(stream.get()), &before) == 0;
+  std::string content = streamBytes(stream.get(), file, longestFile);
+  if (isKnown && S_ISREG(before.st_mode) && fstat(fileno(stream.get()), &after) == 0 &&
+      !isSame(before, after)) {
+    throw usageFailure(file + " changed while it was read");
+  }
+  return content;
+}
+
+std::string bytesOfInput() {
+  return streamBytes(stdin, standardInput, longestFile);
+}
+
 std::string contentOf(std::string const& file) {
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const stream(std::fopen(file.c_str(), "rb"),
-                                                               &std::fclose);
-  if (!stream) throw usageFailure(file + " cannot be read: " + std::strerror(errno));
-  return streamContent(stream.get(), file);
+  return streamContent(opened(file).get(), file);
 }
 
 std::string contentOfInput() {
-  return streamContent(stdin, "standard input");
+  return streamContent(stdin, standardInput);
 }
 
 void replaceFile(std::string const& file, std::string const& content) {

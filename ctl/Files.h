@@ -6,6 +6,11 @@
 /// cannot be read or written.
 namespace Kest::Ctl {
 
+/// A file as it is, to follow a request.
+std::string bytesOf(std::string const& file);
+/// The same of standard input.
+std::string bytesOfInput();
+
 /// A text file that fits into a request, in UTF-8.
 std::string contentOf(std::string const& file);
 /// The same from standard input.

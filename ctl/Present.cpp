@@ -1,5 +1,6 @@
 #include "ctl/Present.h"
 
+#include "ctl/Failure.h"
 #include "ctl/Text.h"
 
 namespace Kest::Ctl {
@@ -236,6 +237,10 @@ Shown presentSteps(Json const& result, Options const&, bool) {
 
 /// For a file or a pipe as much as for people: as it is.
 Shown presentContent(Json const& result, Options const&, bool) {
+  if (result.value("changed", false)) {
+    throw Failure(Exit::failed, "busy",
+                  "the configuration changed while it was written: try again");
+  }
   return {result.at("content").get<std::string>()};
 }
 

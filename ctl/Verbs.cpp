@@ -38,9 +38,20 @@ Json handlerAndArguments(Options const& options) {
   return {{"handler", options.arguments.at(0)}, {"args", arguments}};
 }
 
-Json fileAndContent(Options const& options) {
+/// No statement begins like a JSON object.
+bool beginsAsJson(std::string const& content) {
+  std::size_t const first = content.find_first_not_of(" \t\r\n");
+  return first != std::string::npos && content[first] == '{';
+}
+
+std::string sliceFile(Options const& options, Json& request) {
   std::string const& file = options.arguments.at(0);
-  return {{"file", file}, {"content", contentOf(file)}};
+  bool const isInput = file == "-";
+  std::string content = isInput ? bytesOfInput() : bytesOf(file);
+  request["file"] = isInput ? "standard input" : file;
+  if (isInput) request["format"] = beginsAsJson(content) ? "json" : "slice";
+  request["bytes"] = content.size();
+  return content;
 }
 
 Json driverAction(Options const& options) {
@@ -122,17 +133,22 @@ std::span<Verb const> verbs() {
        {},
        nothing,
        presentSlice},
-      {"apply",
-       "Bring the configuration in line with a slice file",
-       {file},
-       fileAndContent,
-       presentApplied,
-       applyTimeout},
-      {"diff",
-       "Show what apply would change; fails if that is anything",
-       {file},
-       fileAndContent,
-       presentSteps},
+      {.name = "apply",
+       .help = "Bring the configuration in line with a slice file",
+       .parameters = {file},
+       .request = nothing,
+       .present = presentApplied,
+       .timeout = applyTimeout,
+       .file = sliceFile,
+       .isLong = true},
+      {.name = "diff",
+       .help = "Show what apply would change; fails if that is anything",
+       .parameters = {file},
+       .request = nothing,
+       .present = presentSteps,
+       .timeout = applyTimeout,
+       .file = sliceFile,
+       .isLong = true},
       {.name = "dump",
        .help = "Write the configuration as a slice file",
        .parameters = {},
@@ -140,6 +156,7 @@ std::span<Verb const> verbs() {
          return {{"format", options.format}};
        },
        .present = presentContent,
+       .isLong = true,
        .isDump = true},
       {.name = "watch",
        .help = "Show changes of configuration and status as they happen",

@@ -50,9 +50,11 @@ Exit carryOut(Command const& command) {
   Options const& options = command.options;
   Json request{{"verb", verb.name}};
   request.update(verb.request(options));
+  std::string const file = verb.file == nullptr ? "" : verb.file(options, request);
   Client::Deadline const deadline = Client::after(options.timeout.value_or(verb.timeout));
   Client client(socketOf(options), deadline);
-  Json const result = client.ask(request, deadline);
+  if (verb.isLong) client.longReplyIs();
+  Json const result = client.ask(request, deadline, file);
   if (verb.isWatch) {
     showEvents(client, options);
     return Exit::done;

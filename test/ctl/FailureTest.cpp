@@ -123,10 +123,10 @@ TEST_F(KestctlFailure, AFileThatCannotBeReadIsNamedBeforeAnythingIsAsked) {
   EXPECT_TRUE(missing.requests.empty());
   Outcome const folder = run({"diff", "."}, {});
   EXPECT_EQ(folder.errors, "kestctl: . cannot be read: Is a directory\n");
-  EXPECT_EQ(run({"apply", "/dev/zero"}, {}).errors,
+  EXPECT_EQ(run({"driver", "fault", "/dev/zero"}, {}).errors,
             "kestctl: /dev/zero is too long: more than 1048576 bytes\n");
-  fileIs("latin", "sliceId 'a'\n# caf\xe9\n");
-  EXPECT_EQ(run({"apply", "latin"}, {}).errors, "kestctl: latin:2: expected UTF-8\n");
+  fileIs("latin", "# one\n# caf\xe9\n");
+  EXPECT_EQ(run({"driver", "fault", "latin"}, {}).errors, "kestctl: latin:2: expected UTF-8\n");
 }
 
 TEST_F(KestctlFailure, AnInputThatCannotBeReadReplacesNoFaults) {

@@ -101,9 +101,10 @@ class ScriptedAgent {
       client_.end();
       return;
     }
-    for (std::size_t end = input_.find('\n'); end != std::string::npos; end = input_.find('\n')) {
+    for (std::size_t end = wholeRequest(); end <= input_.size() && !isOver_; end = wholeRequest()) {
       requests.push_back(input_.substr(0, end));
-      input_.erase(0, end + 1);
+      if (requests.back().ends_with('\n')) requests.back().pop_back();
+      input_.erase(0, end);
       answer();
     }
   }
@@ -111,6 +112,18 @@ class ScriptedAgent {
   bool isOver() const { return isOver_; }
 
  private:
+  /// Where the first request ends, with the bytes that follow it; beyond the input if they have not
+  /// come.
+  std::size_t wholeRequest() const {
+    std::size_t const end = input_.find('\n');
+    if (end == std::string::npos) return input_.size() + 1;
+    std::string const member = "\"bytes\":";
+    std::size_t const bytes = input_.substr(0, end).find(member);
+    std::size_t const following =
+        bytes == std::string::npos ? 0 : std::stoul(input_.substr(bytes + member.size()));
+    return end + 1 + following;
+  }
+
   void answer() {
     if (replies_.empty()) return;  // it never does
     std::string const& reply = replies_.at(answered_++);

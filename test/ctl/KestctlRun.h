@@ -13,7 +13,8 @@ struct Outcome {
   int exit = -1;  ///< its exit code, or minus the signal that ended it
   std::string out;
   std::string errors;
-  std::vector<std::string> requests;  ///< what the agent was asked, line by line
+  /// What the agent was asked, line by line, each with the bytes that follow it.
+  std::vector<std::string> requests;
 };
 
 class ScriptedAgent;

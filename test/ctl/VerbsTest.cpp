@@ -189,7 +189,8 @@ TEST_F(Kestctl, ShowSaysOnceWhatAllSidesSay) {
 
 TEST_F(Kestctl, SendsSliceFilesAndSaysWhatTheyDo) {
   fileIs("my.slice", "sliceId 'x'\n");
-  std::string const content = R"("file":"my.slice","content":"sliceId 'x'\n"})";
+  std::string const content = R"("file":"my.slice","bytes":12})"
+                              "\nsliceId 'x'";
   expect({{"diff", "my.slice"},
           R"({"verb":"diff",)" + content,
           R"({"steps":["~ sliceId 'x'"],"unchanged":3})",
@@ -208,6 +209,37 @@ TEST_F(Kestctl, SendsSliceFilesAndSaysWhatTheyDo) {
           R"({"announced":1,"unchanged":0,"notUp":["port et1"]})",
           "announced 1 change, 0 unchanged\nnot up: port et1\n",
           1});
+}
+
+/// Whatever it holds: the agent judges it.
+TEST_F(Kestctl, SendsSliceFilesOfAnySizeAsTheyAre) {
+  std::string const content = "# caf\xe9\n" + std::string(std::size_t{3} << 20, '#') + "x";
+  fileIs("my.slice", content);
+  Outcome const outcome = run({"diff", "my.slice"}, {ok(R"({"steps":[],"unchanged":0})")});
+  EXPECT_EQ(outcome.errors, "");
+  ASSERT_EQ(outcome.requests.size(), 1U);
+  EXPECT_TRUE(outcome.requests[0] == R"({"verb":"diff","file":"my.slice","bytes":)" +
+                                         std::to_string(content.size()) + "}\n" + content);
+}
+
+TEST_F(Kestctl, SendsSlicesFromStandardInputInTheirForm) {
+  Replies const replies{ok(R"({"steps":[],"unchanged":0})")};
+  EXPECT_EQ(run({"diff", "-"}, replies, "sliceId 'x'").requests,
+            std::vector<std::string>{
+                R"({"verb":"diff","file":"standard input","format":"slice","bytes":11})"
+                "\nsliceId 'x'"});
+  EXPECT_EQ(run({"diff", "-"}, replies, "\n {}").requests,
+            std::vector<std::string>{
+                R"({"verb":"diff","file":"standard input","format":"json","bytes":4})"
+                "\n\n {}"});
+}
+
+TEST_F(Kestctl, ADumpOfAConfigurationThatChangedIsNoFile) {
+  fileIs("out", "old");
+  Outcome const outcome = run({"dump", "-o", "out"}, {ok(R"({"content":"new","changed":true})")});
+  EXPECT_EQ(outcome.errors, "kestctl: the configuration changed while it was written: try again\n");
+  EXPECT_EQ(outcome.exit, 1);
+  EXPECT_EQ(contentOf("out"), "old");
 }
 
 TEST_F(Kestctl, DumpGoesToStandardOutputOrAFile) {
