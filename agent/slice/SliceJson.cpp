@@ -123,7 +123,7 @@ class JsonSliceReader final : public SliceReader {
     });
   }
   void member(JsonPointer const& place, Json const& value) {
-    std::string const name = place.back();
+    std::string const& name = place.back();
     at(place, [&] {
       if (hasEnded_) {
         Mox::throwRangeException(Mox::format("expected nothing after '%s', found more", endName));

@@ -173,9 +173,7 @@ class SliceWriter::Walk {
  public:
   Walk(Mox::Ptr<Config const> const& config, std::vector<String8> handles,
        std::unique_ptr<Form> form)
-      : adapter_(Mox::genericOf(config)),
-        form_(std::move(form)),
-        handles_(std::move(handles)) {
+      : adapter_(Mox::genericOf(config)), form_(std::move(form)), handles_(std::move(handles)) {
     for (Attribute const* attribute : attributesInOrder()) {
       if (isCollection(*attribute)) findHandles(*attribute);
     }
@@ -224,7 +222,8 @@ class SliceWriter::Walk {
     paths.add([this, next = std::size_t{0}]() mutable {
       return next < handles_.size() ? std::optional(handles_[next++]) : std::nullopt;
     });
-    steps_.addVisits(std::move(paths), [this](String8 const& path) { form_->handle(*text_, path); });
+    steps_.addVisits(std::move(paths),
+                     [this](String8 const& path) { form_->handle(*text_, path); });
     addOnce([this] { form_->endList(*text_); });
   }
 
@@ -244,9 +243,8 @@ class SliceWriter::Walk {
       ++*at;
       return key;
     });
-    steps_.addVisits(std::move(keys), [this, &collection](String8 const& key) {
-      writeEntry(collection, key);
-    });
+    steps_.addVisits(std::move(keys),
+                     [this, &collection](String8 const& key) { writeEntry(collection, key); });
     addOnce([this] { form_->endList(*text_); });
   }
 
