@@ -70,7 +70,8 @@ int Agent::run() {
 void Agent::openControl() {
   std::optional<std::string> const path = controlPath(options_);
   if (path) {
-    control_ = std::make_unique<ControlServer>(loop_, *path, served_);
+    control_ = std::make_unique<ControlServer>(
+        loop_, *path, served_, SocketAccess{options_.controlMode, options_.controlGroup});
   } else if (options_.control.empty() && !options_.once) {
     console_.line("no control socket: --control names one, where XDG_RUNTIME_DIR is not set");
   }

@@ -1,10 +1,25 @@
 #include "agent/Options.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 
 #include "agent/Version.h"
 
 namespace Kest::Agent {
+
+namespace {
+
+/// Makes a decimal number of octal digits.
+std::string octalMode(std::string const& digits) {
+  constexpr unsigned most = 0777;
+  unsigned mode = 0;
+  char const* const end = digits.data() + digits.size();
+  auto const read = std::from_chars(digits.data(), end, mode, 8);
+  if (read.ec == std::errc() && read.ptr == end && mode <= most) return std::to_string(mode);
+  throw CLI::ValidationError("expected octal digits up to 777, found '" + digits + "'");
+}
+
+}  // namespace
 
 std::variant<Options, Exit> parseOptions(int argc, char const* const* argv) {
   Options options;
@@ -28,6 +43,14 @@ std::variant<Options, Exit> parseOptions(int argc, char const* const* argv) {
                  "/run/kest-slice-agent.sock for root, or kest-slice-agent.sock in "
                  "XDG_RUNTIME_DIR; with --once none unless it is given")
       ->type_name("PATH");
+  app.add_option("--control-mode", options.controlMode,
+                 "Mode of the control socket's file, in octal digits: who may connect, and so read "
+                 "(default 0660)")
+      ->type_name("MODE")
+      ->transform(octalMode);
+  app.add_option("--control-group", options.controlGroup,
+                 "Group of the control socket's file, by name or number")
+      ->type_name("GROUP");
   app.add_flag("--require-end", options.requireEnd,
                "Refuse a slice file whose last statement is not 'end'");
   app.add_flag("--once", options.once,

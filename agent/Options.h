@@ -12,7 +12,9 @@ struct Options {
   std::string faultFile;    // empty: none
   std::string driverState;  // empty: it ends with the process
   std::string control;      // empty: the default socket, if there is one; "none": none
-  std::string trace;        // empty: as the environment says
+  unsigned controlMode = 0660;
+  std::string controlGroup;  // empty: the process's
+  std::string trace;         // empty: as the environment says
   bool requireEnd = false;
   bool once = false;
   bool poll = false;

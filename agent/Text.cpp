@@ -7,11 +7,11 @@
 
 namespace Kest::Agent {
 
-std::string shortened(std::string const& text) {
+std::string shortened(std::string_view text) {
   constexpr std::size_t most = 200;
   constexpr std::size_t kept = 90;  // at either end
-  if (text.size() <= most) return text;
-  return text.substr(0, kept) + " ... " + text.substr(text.size() - kept);
+  if (text.size() <= most) return std::string(text);
+  return std::string(text.substr(0, kept)) + " ... " + std::string(text.substr(text.size() - kept));
 }
 
 std::string shortEnumerator(std::string_view typeName, std::string_view enumerator) {

@@ -17,7 +17,7 @@ namespace Kest::Agent {
 std::string nameText(Mox::String8 const& name);
 
 /// What was found, for a message: without its middle if it is long.
-std::string shortened(std::string const& text);
+std::string shortened(std::string_view text);
 
 /// An enumerator's name without the name of its type in front, as in `polling` for `smModePolling`.
 std::string shortEnumerator(std::string_view typeName, std::string_view enumerator);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -34,6 +35,9 @@ class LongResult {
 
   virtual ~LongResult() = default;
 
+  /// About how many bytes of memory it holds: they count as the client's.
+  virtual std::size_t held() const { return std::size_t{16} << 10; }
+
   /// Goes on for a millisecond at most. Appends the next piece of the result's JSON text, or
   /// nothing while the result is still being found.
   /// @throw as `Verbs::carryOut`, before any text has been appended; after that nothing but
@@ -46,6 +50,9 @@ class LongResult {
 class Upload {
  public:
   virtual ~Upload() = default;
+
+  /// About how many bytes of memory it holds: they count as the client's.
+  virtual std::size_t held() const { return std::size_t{16} << 10; }
 
   /// The next bytes, cut anywhere; some ten KiB at a time.
   /// @throw as `Verbs::carryOut`: the request is refused, and what is left of the bytes skipped

@@ -15,7 +15,7 @@ namespace {
 using Wire::ErrorKind;
 
 std::string inQuotes(std::string const& word) {
-  return "'" + nameText(Mox::String8(word)) + "'";
+  return "'" + nameText(Mox::String8(shortened(word))) + "'";
 }
 
 std::string listed(std::initializer_list<char const*> words) {

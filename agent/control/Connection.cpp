@@ -1,14 +1,15 @@
 #include "agent/control/Connection.h"
 
+#include <sys/epoll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <nlohmann/json.hpp>
+#include <new>
 #include <utility>
+#include <variant>
 
-#include "agent/byname/ControlError.h"
 #include "agent/control/RequestText.h"
 
 namespace Kest::Agent {
@@ -17,217 +18,298 @@ namespace {
 
 using Wire::ErrorKind;
 
-constexpr std::size_t blockBytes = std::size_t{64} << 10;
+constexpr std::size_t blockBytes = std::size_t{16} << 10;
 /// A client that has more than this to read is not served before it has read.
-constexpr std::size_t patience = std::size_t{256} << 10;
-constexpr uid_t superuser = 0;
+constexpr std::size_t patience = std::size_t{64} << 10;
+constexpr std::uint32_t readable = EPOLLIN;
+constexpr std::uint32_t writable = EPOLLOUT;
+constexpr char const* resultLead = "{\"ok\":true,\"result\":";
 
-uid_t peerOf(int fd) {
-  ucred peer{};
-  socklen_t bytes = sizeof peer;
-  bool const isKnown = getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &bytes) == 0;
-  return isKnown ? peer.uid : static_cast<uid_t>(-1);  // which is nobody's
+std::string text(Json const& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-std::string lineOf(Json const& message) {
-  return message.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+/// A reply but for its end.
+std::string refusalLead(ControlError const& refused) {
+  Json error{{"kind", Wire::name(refused.kind())}, {"message", refused.what()}};
+  if (!refused.suggestion().empty()) error["suggestion"] = refused.suggestion();
+  return "{\"ok\":false,\"error\":" + text(error);
 }
 
-bool wouldBlock() {
-  return errno == EAGAIN || errno == EINTR;
+/// The refusal that the exception being handled is. A lack of memory is thrown on.
+ControlError refusalOfException() {
+  try {
+    return ControlError::ofException();
+  } catch (std::bad_alloc const&) {
+    throw;
+  } catch (std::exception const& failed) {
+    return {ErrorKind::internal, failed.what()};
+  }
 }
 
 }  // namespace
 
-Connection::Connection(Mox::ActivityLoop& loop, Descriptor socket, Serve serve, Gone gone)
-    : loop_(loop),
-      socket_(std::move(socket)),
+void Connection::sendRefusal(int fd, ErrorKind kind, std::string const& message) {
+  std::string const line = refusalLead({kind, message}) + "}\n";
+  send(fd, line.data(), line.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+}
+
+Connection::Connection(Turns& turns, Account& account, Descriptor socket, Peer const& peer,
+                       Serve serve, Gone gone)
+    : socket_(std::move(socket)),
       serve_(std::move(serve)),
       gone_(std::move(gone)),
-      user_(peerOf(fd())) {}
+      peer_(peer),
+      share_(account),
+      turns_(turns, *this, fd(), peer_.mayChange),
+      heardAt_(Mox::now()) {}
 
-Connection::~Connection() {
-  loop_.fdDel(fd());
-  loop_.fdWritableDel(fd());
-}
-
-bool Connection::mayChange() const noexcept {
-  return user_ == superuser || user_ == geteuid();
-}
-
-void Connection::readable() {
+/// Does what may lack memory; the client then loses its connection. Keeps it alive meanwhile.
+template <class Work>
+void Connection::atItsOwnCost(Work const& work) {
   auto const self = shared_from_this();
-  std::array<char, blockBytes> block{};
-  ssize_t const bytes = recv(fd(), block.data(), block.size(), 0);
-  if (bytes < 0 && wouldBlock()) return;
-  if (bytes <= 0) {
-    inputEnded_ = true;
-  } else {
-    std::size_t const known = input_.size();
-    input_.append(block.data(), static_cast<std::size_t>(bytes));
-    if (lineEnd_ == std::string::npos) lineEnd_ = input_.find('\n', known);
-  }
-  serveNext();
-}
-
-bool Connection::hasRequest() const {
-  return lineEnd_ != std::string::npos || input_.size() > Wire::longestRequest;
-}
-
-bool Connection::canServe() const {
-  return !isServing_ && !closing_ && unread() <= patience && (hasRequest() || inputEnded_);
-}
-
-/// Serves one request, if there is one whose turn has come; half of one at the end of the input is
-/// nobody's.
-void Connection::serveNext() {
-  auto const self = shared_from_this();
-  if (canServe()) {
-    if (!hasRequest()) {
-      closing_ = true;
-    } else if (lineEnd_ > Wire::longestRequest) {
-      refuseTooLong();
-    } else {
-      std::string const line = input_.substr(0, lineEnd_);
-      input_.erase(0, lineEnd_ + 1);
-      lineEnd_ = input_.find('\n');
-      serveLine(line);
-    }
-  }
-  update();
-}
-
-void Connection::refuseTooLong() {
-  id_ = Json(Json::value_t::discarded);
-  refuse(Wire::name(ErrorKind::request),
-         "expected a request of at most " + std::to_string(Wire::longestRequest) +
-             " bytes, found a longer one",
-         "");
-  closing_ = true;
-}
-
-void Connection::serveLine(std::string_view line) {
-  isServing_ = true;
-  id_ = Json(Json::value_t::discarded);
   try {
-    Json const request = readRequest(line);
-    if (auto const id = request.find("id"); id != request.end()) id_ = *id;
-    serve_(*this, request);
-  } catch (ControlError const& refused) {
-    refuse(Wire::name(refused.kind()), refused.what(), refused.suggestion());
-  } catch (std::exception const& failed) {
-    refuse(Wire::name(ErrorKind::internal), failed.what(), "");
+    work();
+  } catch (std::bad_alloc const&) {
+    end();
   }
 }
 
-void Connection::reply(Json result) {
-  answer({{"ok", true}, {"result", std::move(result)}});
-}
-
-void Connection::refuse(char const* kind, std::string const& message,
-                        std::string const& suggestion) {
-  Json error{{"kind", kind}, {"message", message}};
-  if (!suggestion.empty()) error["suggestion"] = suggestion;
-  answer({{"ok", false}, {"error", std::move(error)}});
-}
-
-void Connection::answer(Json reply) {
-  auto const self = shared_from_this();
-  if (!id_.is_discarded()) reply["id"] = id_;
-  isServing_ = false;
-  send(lineOf(reply));
-  if (unread() > Wire::mostUnreadOutput) return end();
-  update();
-}
-
-void Connection::event(std::string const& line) {
-  if (lost_ > 0 || unread() + line.size() > Wire::mostUnreadOutput) {
-    ++lost_;
-  } else {
-    send(line);
-  }
-  update();
-}
-
-void Connection::sayLost() {
-  if (lost_ == 0 || closing_ || unread() > patience) return;
-  send(lineOf({{"event", "lost"}, {"count", std::exchange(lost_, 0)}}));
-}
-
-void Connection::send(std::string_view bytes) {
-  output_.append(bytes);
-  writable();
-}
-
-void Connection::writable() {
-  while (unread() > 0) {
-    ssize_t const bytes =
-        ::send(fd(), output_.data() + written_, unread(), MSG_NOSIGNAL | MSG_DONTWAIT);
-    if (bytes < 0) {
-      if (!wouldBlock()) {  // the client has gone, and with it all that it was to read
-        inputEnded_ = closing_ = true;
-        written_ = output_.size();
-      }
-      break;
-    }
-    written_ += static_cast<std::size_t>(bytes);
-  }
-  if (written_ > output_.size() / 2) {
-    output_.erase(0, written_);
-    written_ = 0;
+/// Does a step of the request that is being served, which it may be refused for.
+template <class Step>
+void Connection::orRefused(Step const& step) {
+  try {
+    step();
+  } catch (std::exception const&) {
+    ControlError const refused = refusalOfException();
+    upload_.reset();
+    long_.reset();
+    if (isTelling_) return end();  // nothing can be said within a reply
+    refuse(refused);
   }
 }
 
-/// Puts the next request off to the next round, so that others get their turn.
-void Connection::schedule() {
-  if (std::exchange(isScheduled_, true)) return;
-  loop_.later([weak = weak_from_this()] {
-    auto const connection = weak.lock();
-    if (!connection) return;
-    connection->isScheduled_ = false;
-    connection->serveNext();
+void Connection::start() {
+  atItsOwnCost([this] { update(); });
+}
+
+void Connection::turn() {
+  if (isEnded_) return;
+  atItsOwnCost([this] {
+    work();
+    std::size_t const before = output_.unread();
+    if (!output_.sendTo(fd())) return end();
+    if (output_.unread() < before) heardAt_ = Mox::now();
+    update();
   });
 }
 
-/// Has the loop watch for what can be done next.
-void Connection::update() {
-  auto const self = shared_from_this();
-  sayLost();
-  if (closing_ && unread() == 0) return end();
-  if (canServe()) schedule();
-  readsIs(!inputEnded_ && !closing_ && !isServing_ && !hasRequest() && unread() <= patience);
-  writesIs(unread() > 0);
-}
-
-/// Work that is watched for already is left alone: replaced, it would miss its turn in this round.
-void Connection::readsIs(bool reads) {
-  if (std::exchange(reads_, reads) == reads) return;
-  if (reads) {
-    loop_.fdIs(fd(), [this] { readable(); });
-  } else {
-    loop_.fdDel(fd());
+/// One piece of it.
+void Connection::work() {
+  if (canTell()) {
+    tellOn();
+  } else if (canSkip()) {
+    takeFollowing();
+  } else if (canServe()) {
+    serveNext();
+  } else if (wantsInput()) {
+    read();
   }
 }
 
-void Connection::writesIs(bool writes) {
-  if (std::exchange(writes_, writes) == writes) return;
-  if (writes) {
-    loop_.fdWritableIs(fd(), [this] {
-      auto const alive = shared_from_this();
-      writable();
-      serveNext();
-    });
-  } else {
-    loop_.fdWritableDel(fd());
+bool Connection::canTell() const {
+  return long_ && output_.unread() <= patience;
+}
+
+bool Connection::canSkip() const {
+  return following_ > 0 && !input_.isEmpty();
+}
+
+bool Connection::isLineTooLong() const {
+  std::size_t const bytes = input_.hasLine() ? input_.line().size() : input_.bytes().size();
+  return bytes > longestLine();
+}
+
+bool Connection::canServe() const {
+  return !isServing_ && !closing_ && following_ == 0 && output_.unread() <= patience &&
+         (input_.hasLine() || isLineTooLong() || inputEnded_);
+}
+
+bool Connection::wantsInput() const {
+  if (inputEnded_ || closing_) return false;
+  if (following_ > 0) return input_.isEmpty();
+  return !isServing_ && output_.unread() <= patience && !input_.hasLine() && !isLineTooLong();
+}
+
+void Connection::read() {
+  std::array<char, blockBytes> block{};
+  ssize_t const bytes = recv(fd(), block.data(), block.size(), MSG_DONTWAIT);
+  if (bytes > 0) {
+    heardAt_ = Mox::now();
+    input_.add({block.data(), static_cast<std::size_t>(bytes)});
+  } else if (bytes == 0 || (errno != EAGAIN && errno != EINTR)) {
+    inputEnded_ = true;
+    if (following_ > 0) closing_ = true;  // the rest does not come any more
   }
 }
 
-void Connection::end() {
+/// Serves a request; an incomplete last line is ignored.
+void Connection::serveNext() {
+  if (isLineTooLong()) return refuseTooLong();
+  if (!input_.hasLine()) {
+    closing_ = true;
+    return;
+  }
+  isServing_ = true;
+  orRefused([this] {
+    std::string_view const line = input_.line();
+    std::size_t const bytes = line.size();
+    Json request;
+    try {
+      request = readRequest(line);
+    } catch (ControlError const&) {
+      input_.dropLine();
+      throw;
+    }
+    input_.dropLine();
+    serveRequest(bytes, request);
+  });
+}
+
+void Connection::serveRequest(std::size_t lineBytes, Json const& request) {
+  following_ = announcedBytes(request);
+  id_ = idText(request);
+  bool const isTooLong = !peer_.mayChange && following_ > Wire::longestRequest - lineBytes;
+  if (isTooLong) return refuseTooLong();
+  take(serve_(*this, request));
+}
+
+std::size_t Connection::longestLine() const noexcept {
+  return peer_.mayChange ? Wire::longestTrustedRequest : Wire::longestRequest;
+}
+
+void Connection::refuseTooLong() {
+  refuse({ErrorKind::request, "expected a request of at most " + std::to_string(longestLine()) +
+                                  " bytes, found a longer one"});
+  following_ = 0;
   closing_ = true;
-  output_.clear();
-  written_ = 0;
-  readsIs(false);
-  writesIs(false);
+}
+
+void Connection::take(Answer answer) {
+  if (auto const* const result = std::get_if<Json>(&answer)) {
+    tell(*result);
+  } else if (auto* const longer = std::get_if<std::unique_ptr<LongResult>>(&answer)) {
+    long_ = std::move(*longer);
+  } else if (auto* const upload = std::get_if<std::unique_ptr<Upload>>(&answer)) {
+    upload_ = std::move(*upload);
+    if (following_ == 0) endUpload();
+  }
+}
+
+void Connection::takeFollowing() {
+  std::size_t const most = std::min<std::uint64_t>(following_, blockBytes);
+  std::string_view const bytes = input_.bytes().substr(0, most);
+  std::size_t const count = bytes.size();
+  following_ -= count;
+  if (upload_) {
+    orRefused([&] {
+      upload_->take(bytes);
+      if (following_ == 0) endUpload();
+    });
+  }
+  input_.drop(count);
+}
+
+void Connection::endUpload() {
+  auto const upload = std::move(upload_);
+  take(upload->end());
+}
+
+void Connection::tellOn() {
+  orRefused([this] {
+    std::string piece;
+    auto const progress = long_->goOn(piece);
+    if (!piece.empty() && !std::exchange(isTelling_, true)) piece.insert(0, resultLead);
+    if (progress == LongResult::Progress::done) piece += tail();
+    output_.add(piece);
+    if (progress != LongResult::Progress::more) long_.reset();
+    if (progress == LongResult::Progress::done) replied();
+  });
+}
+
+std::string Connection::tail() const {
+  return id_.empty() ? "}\n" : ",\"id\":" + id_ + "}\n";
+}
+
+void Connection::tell(Json const& result) {
+  output_.add(resultLead + text(result) + tail());
+  replied();
+}
+
+void Connection::refuse(ControlError const& refused) {
+  output_.add(refusalLead(refused) + tail());
+  replied();
+}
+
+void Connection::replied() {
+  isServing_ = false;
+  isTelling_ = false;
+  std::string().swap(id_);
+  heardAt_ = Mox::now();
+}
+
+void Connection::reply(Json const& result) {
+  if (isEnded_) return;
+  atItsOwnCost([&] {
+    tell(result);
+    update();
+  });
+}
+
+void Connection::event(std::string_view line) {
+  if (isEnded_) return;
+  atItsOwnCost([&] {
+    output_.addEvent(line);
+    update();
+  });
+}
+
+void Connection::loseEvent() noexcept {
+  output_.loseEvent();
+  turns_.ready();
+}
+
+void Connection::dismiss(std::string const& why) {
+  atItsOwnCost([&] {
+    if (output_.isBetweenLines()) sendRefusal(fd(), ErrorKind::busy, why);
+    end();
+  });
+}
+
+Mox::Seconds Connection::silentAt() const noexcept {
+  bool const isWaiting = isServing_ && !long_ && !upload_;
+  return watching_ || isWaiting ? Mox::never : heardAt_ + Wire::longestSilence;
+}
+
+std::size_t Connection::held() const {
+  return sizeof *this + input_.held() + output_.held() + id_.capacity() +
+         (upload_ ? upload_->held() : 0) + (long_ ? long_->held() : 0);
+}
+
+/// Counts the memory, and has the loop watch for what can be done next.
+void Connection::update() {
+  if (isEnded_) return;
+  if (closing_ && !output_.isWaiting()) return end();
+  share_.is(held());
+  if (isEnded_) return;  // it was this one that held most
+  if (canTell() || canSkip() || canServe()) turns_.ready();
+  turns_.watch((wantsInput() ? readable : 0U) | (output_.isWaiting() ? writable : 0U));
+}
+
+/// What the client holds goes with the connection: it may be in use just now.
+void Connection::end() {
+  isEnded_ = true;
+  turns_.watch(0);
   if (Gone const gone = std::exchange(gone_, nullptr)) gone(*this);
 }
 

@@ -1,98 +1,129 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 
-#include "agent/control/Listener.h"
-#include "agent/json/GenericJson.h"
-#include "platform/mox/ActivityLoop.h"
+#include "agent/byname/Answer.h"
+#include "agent/byname/ControlError.h"
+#include "agent/control/Account.h"
+#include "agent/control/Descriptor.h"
+#include "agent/control/Input.h"
+#include "agent/control/Output.h"
+#include "agent/control/Peer.h"
+#include "agent/control/Turns.h"
+#include "platform/mox/Time.h"
 
 namespace Kest::Agent {
 
 /// One client of the control socket.
 ///
-/// It is served one request in a round of the loop; the next is looked at once the reply to the
-/// last has been given, and only while the client reads what it is sent. So neither a client that
-/// floods nor one that never reads takes more than its turn, or more memory than the bounds of
-/// `agent/wire/Protocol.h`.
+/// A turn reads a block, serves a request, or does a piece of a long one; then what there is to
+/// read is sent. The next request is looked at when the last has its reply, and only while the
+/// client reads what it is sent. What there is no memory for costs the client its connection.
 ///
 /// Ownership. Shared by its server, which lets go of it when it is told that the client has gone,
 /// and by the call that is under way. Whoever replies later keeps a weak reference.
-class Connection : public std::enable_shared_from_this<Connection> {
+class Connection final : public std::enable_shared_from_this<Connection>, private Turns::Taker {
  public:
-  /// Serves one request, an object: calls `reply` or `refuse`, now or later.
-  using Serve = std::function<void(Connection& connection, Json const& request)>;
+  /// Carries a request, an object, out.
+  /// @throw std::exception what it is refused with
+  using Serve = std::function<Answer(Connection& connection, Json const& request)>;
   /// The client has gone, or has been sent away.
   using Gone = std::function<void(Connection& connection)>;
 
-  Connection(Mox::ActivityLoop& loop, Descriptor socket, Serve serve, Gone gone);
-  ~Connection();
+  /// Sends the reply to a request that could not be read, or to none, as far as there is room.
+  static void sendRefusal(int fd, Wire::ErrorKind kind, std::string const& message);
+
+  Connection(Turns& turns, Account& account, Descriptor socket, Peer const& peer, Serve serve,
+             Gone gone);
   Connection(Connection const&) = delete;
   Connection& operator=(Connection const&) = delete;
 
   /// Begins to read.
-  void start() { update(); }
+  void start();
 
   int fd() const noexcept { return socket_.fd(); }
-  /// The user that the client runs as, by the socket's peer credentials.
-  uid_t user() const noexcept { return user_; }
-  bool mayChange() const noexcept;
+  Peer const& peer() const noexcept { return peer_; }
 
-  /// Answers the request that is being served.
-  void reply(Json result);
-  void refuse(char const* kind, std::string const& message, std::string const& suggestion);
+  /// The result of a request whose answer was none yet.
+  void reply(Json const& result);
 
   /// Events are sent from now on.
   void watch() noexcept { watching_ = true; }
   bool isWatching() const noexcept { return watching_; }
   /// @param line an event, with its newline; dropped and counted while there is no room
-  void event(std::string const& line);
+  void event(std::string_view line);
+  /// There was no memory for an event.
+  void loseEvent() noexcept;
 
-  /// Bytes that the client has not read yet.
-  std::size_t unread() const noexcept { return output_.size() - written_; }
+  /// Sends the client away; tells it why if there is room and it is not within a reply.
+  void dismiss(std::string const& why);
+
+  /// When the client will have been silent for too long, unless something comes before; the wait
+  /// for its reply is not the client's silence.
+  Mox::Seconds silentAt() const noexcept;
+  /// Bytes of memory that the client takes.
+  std::size_t share() const noexcept { return share_.bytes(); }
 
  private:
-  void readable();
-  void writable();
-  bool hasRequest() const;
+  template <class Work>
+  void atItsOwnCost(Work const& work);
+  template <class Step>
+  void orRefused(Step const& step);
+
+  void turn() override;
+  void work();
+  void read();
   bool canServe() const;
+  bool canTell() const;
+  bool canSkip() const;
+  bool wantsInput() const;
+  bool isLineTooLong() const;
+
   void serveNext();
+  void serveRequest(std::size_t lineBytes, Json const& request);
   void refuseTooLong();
-  void schedule();
-  void serveLine(std::string_view line);
-  void answer(Json reply);
-  void send(std::string_view bytes);
-  void sayLost();
+  void take(Answer answer);
+  void takeFollowing();
+  void endUpload();
+  void tellOn();
+
+  std::size_t longestLine() const noexcept;
+  std::string tail() const;
+  void tell(Json const& result);
+  void refuse(ControlError const& refused);
+  void replied();
+  std::size_t held() const;
   void update();
-  void readsIs(bool reads);
-  void writesIs(bool writes);
   void end();
 
-  Mox::ActivityLoop& loop_;
   Descriptor socket_;
   Serve serve_;
   Gone gone_;
-  uid_t user_;
-  std::string input_;
-  std::size_t lineEnd_ = std::string::npos;  // of the first line, if it has come whole
-  std::string output_;
-  std::size_t written_ = 0;  // of the output
-  /// Of the request that is being served; discarded if it has none.
-  Json id_ = Json(Json::value_t::discarded);
-  bool isServing_ = false;  // a request is waiting for its reply
-  bool isScheduled_ = false;
-  bool reads_ = false;  // the loop watches for input
-  bool writes_ = false;
+  Peer peer_;
+  Account::Share share_;
+  Turns::Member turns_;
+  Input input_;
+  Output output_;
+  Mox::Seconds heardAt_;
+
+  // Of the request that is being served.
+  bool isServing_ = false;          // it waits for its reply
+  std::string id_;                  // as JSON text; empty if it has none
+  std::uint64_t following_ = 0;     // bytes that are still to come after its line
+  std::unique_ptr<Upload> upload_;  // which takes them; null: they are skipped
+  std::unique_ptr<LongResult> long_;
+  bool isTelling_ = false;  // part of its reply has been told
+
   bool inputEnded_ = false;
   bool closing_ = false;  // once the output has gone
+  bool isEnded_ = false;
   bool watching_ = false;
-  std::size_t lost_ = 0;  // events that there was no room for
 };
 
 }  // namespace Kest::Agent

@@ -1,100 +1,185 @@
 #include "agent/control/ControlServer.h"
 
+#include <sys/epoll.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 
 #include <algorithm>
+#include <cmath>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
 
 #include "agent/byname/ControlError.h"
+#include "platform/mox/Activity.h"
 
 namespace Kest::Agent {
 
 namespace {
 
-/// Anyone whom the directories on the way let through may connect, and read.
-constexpr mode_t socketMode = 0666;
-constexpr int clientsPerRound = 64;
+using Wire::ErrorKind;
 
-/// As many descriptors as there may be connections, and some for the rest of the process, as far as
-/// the system lets it.
-void raiseDescriptorLimit() {
-  constexpr rlim_t wanted = Wire::mostConnections + 64;
+constexpr int clientsPerTurn = 16;
+constexpr std::size_t mostHeldByReaders = std::size_t{16} << 20;
+constexpr std::size_t mostHeldByTrusted = std::size_t{8} << 20;
+/// How long clients wait at the door while the system lets none in.
+constexpr Mox::Seconds pauseWhenStuck = 1;
+
+constexpr char const* noDescriptors =
+    R"({"ok":false,"error":{"kind":"busy",)"
+    R"("message":"the agent has no file descriptors left: try again later"}})"
+    "\n";
+
+/// As many connections as there may be, with descriptors left for the rest of the process, as far
+/// as the system lets it.
+std::size_t raiseDescriptorLimit() {
+  constexpr rlim_t forTheRest = 64;
+  constexpr rlim_t wanted = Wire::mostConnections + forTheRest;
   rlimit limit{};
-  if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= wanted) return;
-  limit.rlim_cur = std::min(wanted, limit.rlim_max);
-  setrlimit(RLIMIT_NOFILE, &limit);  // without it, clients are turned away earlier
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return Wire::mostConnections;
+  if (limit.rlim_cur < wanted) {
+    rlimit const raised{std::min(wanted, limit.rlim_max), limit.rlim_max};
+    if (setrlimit(RLIMIT_NOFILE, &raised) == 0) limit = raised;
+  }
+  rlim_t const few = limit.rlim_cur / 2;
+  rlim_t const places = limit.rlim_cur > 2 * forTheRest ? limit.rlim_cur - forTheRest : few;
+  return static_cast<std::size_t>(std::min<rlim_t>(places, Wire::mostConnections));
 }
 
 }  // namespace
 
-ControlServer::ControlServer(Mox::ActivityLoop& loop, std::string const& path, Served const& served)
-    : loop_(loop),
-      listener_(path, socketMode),
+ControlServer::ControlServer(Mox::ActivityLoop& loop, std::string const& path, Served const& served,
+                             SocketAccess const& access)
+    : listener_(path, access),
       verbs_(served),
+      places_(raiseDescriptorLimit()),
+      readers_(mostHeldByReaders, [this] { relieve(false); }),
+      trusted_(mostHeldByTrusted, [this] { relieve(true); }),
+      turns_(loop),
+      taking_(turns_, *this, listener_.fd(), true),
+      alarm_(new Alarm(Mox::activityManager()->clock(), [this] { onAlarm(); })),
       configFeed_(
           new ConfigFeed(served.config, "config", [this](Json const& event) { publish(event); })),
       statusFeed_(
           new StatusFeed(served.status, "status", [this](Json const& event) { publish(event); })) {
-  raiseDescriptorLimit();
-  loop_.fdIs(listener_.fd(), [this] { accept(); });
+  taking_.watch(EPOLLIN);
 }
 
 ControlServer::~ControlServer() {
-  loop_.fdDel(listener_.fd());
+  alarm_->notifierIs(nullptr);
   configFeed_->notifierIs(nullptr);
   statusFeed_->notifierIs(nullptr);
 }
 
-void ControlServer::accept() {
-  for (int taken = 0; taken < clientsPerRound; ++taken) {
-    Descriptor client = listener_.accept();
-    if (!client.isOpen()) return;
-    add(std::move(client));
+/// Takes clients. One that there is no memory for is turned away without a word.
+void ControlServer::turn() {
+  for (int taken = 0; taken < clientsPerTurn; ++taken) {
+    try {
+      if (!accept()) return;
+    } catch (std::bad_alloc const&) {
+    }
   }
+  taking_.ready();
 }
 
-void ControlServer::add(Descriptor client) {
+bool ControlServer::accept() {
+  Descriptor client = listener_.accept(noDescriptors);
+  if (listener_.isStuck()) {
+    taking_.watch(0);
+    alarmAt(Mox::now() + pauseWhenStuck);
+  }
+  if (!client.isOpen()) return false;
+  Peer const peer = Peer::of(client.fd());
+  std::string const refusal = places_.refusal(peer);
+  if (refusal.empty()) {
+    add(std::move(client), peer);
+  } else {
+    Connection::sendRefusal(client.fd(), ErrorKind::busy, refusal);
+  }
+  return true;
+}
+
+void ControlServer::add(Descriptor client, Peer const& peer) {
   int const fd = client.fd();
   auto const connection = std::make_shared<Connection>(
-      loop_, std::move(client),
-      [this](Connection& from, Json const& request) { serve(from, request); },
-      [this](Connection& gone) { connections_.erase(gone.fd()); });
-  if (connections_.size() >= Wire::mostConnections) {
-    connection->refuse(Wire::name(Wire::ErrorKind::busy),
-                       "there are " + std::to_string(Wire::mostConnections) +
-                           " connections already: try again later",
-                       "");
-    return;
+      turns_, peer.mayChange ? trusted_ : readers_, std::move(client), peer,
+      [this](Connection& from, Json const& request) { return serve(from, request); },
+      [this](Connection& gone) { leave(gone); });
+  places_.take(peer);
+  try {
+    connections_.emplace(fd, connection);
+  } catch (std::bad_alloc const&) {
+    places_.giveBack(peer);
+    throw;
   }
-  connections_[fd] = connection;
+  alarmAt(connection->silentAt());
   connection->start();
 }
 
-void ControlServer::serve(Connection& connection, Json const& request) {
+void ControlServer::leave(Connection& gone) noexcept {
+  places_.giveBack(gone.peer());
+  connections_.erase(gone.fd());
+}
+
+/// Sends the client away that holds most.
+void ControlServer::relieve(bool ofTrusted) {
+  Client most;
+  for (auto const& [fd, connection] : connections_) {
+    if (connection->peer().mayChange != ofTrusted) continue;
+    if (!most || connection->share() > most->share()) most = connection;
+  }
+  if (most) most->dismiss("clients hold too much of the agent's memory, and this one most of it");
+}
+
+/// It comes no later than that.
+void ControlServer::alarmAt(Mox::Seconds at) {
+  alarm_->timeMinIs(std::min(alarm_->timeMin(), at));
+}
+
+/// Ends those who have been silent for too long, and looks for new ones again.
+void ControlServer::onAlarm() {
+  taking_.watch(EPOLLIN);
+  Mox::Seconds const now = Mox::now();
+  for (auto next = connections_.begin(); next != connections_.end();) {
+    Client const connection = (next++)->second;
+    Mox::Seconds const silentAt = connection->silentAt();
+    if (silentAt <= now) {
+      connection->dismiss("the connection was silent for too long");
+    } else {
+      alarmAt(std::min(silentAt, now + Wire::longestSilence));
+    }
+  }
+}
+
+Answer ControlServer::serve(Connection& connection, Json const& request) {
   if (Request(request).string("verb") == "watch") {
     Request(request).checkMembers({});
     connection.watch();
-    connection.reply({{"watching", true}});
-    return;
+    return Json{{"watching", true}};
   }
-  auto later = [weak = connection.weak_from_this()](Json result) {
-    if (auto const there = weak.lock()) there->reply(std::move(result));
+  auto later = [weak = connection.weak_from_this()](Json const& result) {
+    if (auto const there = weak.lock()) there->reply(result);
   };
-  Answer answer = verbs_.carryOut(request, connection.mayChange(), std::move(later));
-  if (auto* const result = std::get_if<Json>(&answer)) connection.reply(std::move(*result));
+  return verbs_.carryOut(request, connection.peer().mayChange, std::move(later));
 }
 
-void ControlServer::publish(Json const& event) {
-  std::vector<std::shared_ptr<Connection>> watching;
-  for (auto const& [fd, connection] : connections_) {
-    if (connection->isWatching()) watching.push_back(connection);
+/// An event that there is no memory for is lost, and counted as such.
+void ControlServer::publish(Json const& event) noexcept {
+  bool const isWatched = std::any_of(connections_.begin(), connections_.end(),
+                                     [](auto const& entry) { return entry.second->isWatching(); });
+  if (!isWatched) return;
+  try {
+    std::string const line = event.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+    std::vector<Client> watching;
+    for (auto const& [fd, connection] : connections_) {
+      if (connection->isWatching()) watching.push_back(connection);
+    }
+    for (auto const& connection : watching) connection->event(line);
+  } catch (std::bad_alloc const&) {
+    for (auto const& [fd, connection] : connections_) {
+      if (connection->isWatching()) connection->loseEvent();
+    }
   }
-  if (watching.empty()) return;
-  std::string const line = event.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
-  for (auto const& connection : watching) connection->event(line);
 }
 
 }  // namespace Kest::Agent

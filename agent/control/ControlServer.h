@@ -1,23 +1,30 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "agent/byname/ChangeFeed.h"
 #include "agent/byname/Verbs.h"
+#include "agent/control/Account.h"
+#include "agent/control/Alarm.h"
 #include "agent/control/Connection.h"
 #include "agent/control/Listener.h"
+#include "agent/control/Places.h"
+#include "agent/control/Turns.h"
 #include "platform/mox/ActivityLoop.h"
 
 namespace Kest::Agent {
 
 /// Serves the control protocol (`doc/control-protocol.md`) on the agent's activity.
-class ControlServer {
+class ControlServer final : private Turns::Taker {
  public:
   /// Takes clients from now on. What is served must outlive this, as the loop must.
   /// @throw ControlSocketError
-  ControlServer(Mox::ActivityLoop& loop, std::string const& path, Served const& served);
+  ControlServer(Mox::ActivityLoop& loop, std::string const& path, Served const& served,
+                SocketAccess const& access = {});
   ~ControlServer();
   ControlServer(ControlServer const&) = delete;
   ControlServer& operator=(ControlServer const&) = delete;
@@ -25,15 +32,27 @@ class ControlServer {
   std::size_t connections() const noexcept { return connections_.size(); }
 
  private:
-  void accept();
-  void add(Descriptor client);
-  void serve(Connection& connection, Json const& request);
-  void publish(Json const& event);
+  using Client = std::shared_ptr<Connection>;
 
-  Mox::ActivityLoop& loop_;
+  void turn() override;
+  bool accept();
+  void add(Descriptor client, Peer const& peer);
+  void leave(Connection& gone) noexcept;
+  void relieve(bool ofTrusted);
+  void alarmAt(Mox::Seconds at);
+  void onAlarm();
+  Answer serve(Connection& connection, Json const& request);
+  void publish(Json const& event) noexcept;
+
   Listener listener_;
   Verbs verbs_;
-  std::map<int, std::shared_ptr<Connection>> connections_;
+  Places places_;
+  Account readers_;
+  Account trusted_;  // root and the agent's user
+  Turns turns_;
+  Turns::Member taking_;
+  std::map<int, Client> connections_;
+  Mox::Ptr<Alarm> alarm_;
   Mox::Ptr<ConfigFeed> configFeed_;
   Mox::Ptr<StatusFeed> statusFeed_;
 };

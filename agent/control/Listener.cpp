@@ -1,6 +1,7 @@
 #include "agent/control/Listener.h"
 
 #include <fcntl.h>
+#include <grp.h>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -8,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <utility>
 
@@ -15,7 +17,8 @@ namespace Kest::Agent {
 
 namespace {
 
-constexpr int backlog = 512;
+/// So few that whoever comes last is taken within some rounds of the loop.
+constexpr int backlog = 256;
 
 Descriptor openSpare() {
   return Descriptor(open("/dev/null", O_RDONLY | O_CLOEXEC));
@@ -55,24 +58,12 @@ class FileMask {
 
 }  // namespace
 
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-  std::swap(fd_, other.fd_);
-  return *this;
-}
-
-Descriptor::~Descriptor() {
-  if (fd_ >= 0) close(fd_);
-}
-
-int Descriptor::take() noexcept {
-  return std::exchange(fd_, -1);
-}
-
-Listener::Listener(std::string path, mode_t mode) : path_(std::move(path)), spare_(openSpare()) {
+Listener::Listener(std::string path, SocketAccess const& access)
+    : path_(std::move(path)), spare_(openSpare()) {
   checkPath();
   lock();
   removeStale();
-  bind(mode);
+  bind(access);
 }
 
 Listener::~Listener() {
@@ -119,45 +110,73 @@ void Listener::removeStale() const {
   if (unlink(path_.c_str()) != 0) refuseErrno("cannot be replaced");
 }
 
-void Listener::bind(mode_t mode) {
+void Listener::bind(SocketAccess const& access) {
   sockaddr_un const address = addressOf(path_);
   socket_ = openSocket();
   if (!socket_.isOpen()) refuseErrno("cannot be made");
   // The file takes the socket's mode, less the mask.
   FileMask const mask(0);
   bool const isBound =
-      fchmod(socket_.fd(), mode) == 0 &&
+      fchmod(socket_.fd(), access.mode) == 0 &&
       ::bind(socket_.fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0;
   if (!isBound) refuseErrno("cannot be made");
-  struct stat file {};
-  bool const isReady = lstat(path_.c_str(), &file) == 0 && listen(socket_.fd(), backlog) == 0;
-  if (!isReady) {
-    int const error = errno;
+  try {
+    struct stat file {};
+    if (lstat(path_.c_str(), &file) != 0) refuseErrno("cannot be made");
+    // Nobody can connect before there is somebody who listens.
+    if (!access.group.empty()) groupIs(access.group);
+    if (listen(socket_.fd(), backlog) != 0) refuseErrno("cannot be made");
+    device_ = file.st_dev;
+    inode_ = file.st_ino;
+  } catch (ControlSocketError const&) {
     unlink(path_.c_str());
-    errno = error;
-    refuseErrno("cannot be made");
+    throw;
   }
-  device_ = file.st_dev;
-  inode_ = file.st_ino;
 }
 
-Descriptor Listener::accept() {
+void Listener::groupIs(std::string const& group) const {
+  gid_t number = 0;
+  char const* const end = group.data() + group.size();
+  auto const read = std::from_chars(group.data(), end, number);
+  if (read.ec != std::errc() || read.ptr != end) {
+    struct group const* const known = getgrnam(group.c_str());
+    if (known == nullptr) refuse("cannot be made: there is no group '" + group + "'");
+    number = known->gr_gid;
+  }
+  constexpr uid_t sameOwner = static_cast<uid_t>(-1);
+  if (lchown(path_.c_str(), sameOwner, number) == 0) return;
+  refuseErrno(("cannot be given to the group '" + group + "'").c_str());
+}
+
+Descriptor Listener::accept(std::string_view refusal) {
+  constexpr int mostTurnedAway = 16;
+  isStuck_ = false;
   if (!spare_.isOpen()) spare_ = openSpare();  // there was none to be had the last time
-  while (true) {
+  for (int turnedAway = 0; turnedAway < mostTurnedAway;) {
     Descriptor client(accept4(fd(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (client.isOpen()) return client;
-    bool const isGone = errno == ECONNABORTED || errno == EINTR;
+    int error = errno;
+    bool const isGone = error == ECONNABORTED || error == EINTR;
     if (isGone) continue;
-    if (errno == EMFILE || errno == ENFILE) turnAway();
-    return Descriptor();
+    bool const isOut = error == EMFILE || error == ENFILE;
+    if (isOut) error = turnOneAway(refusal);
+    isStuck_ = error != 0 && error != EAGAIN;
+    if (error != 0) break;
+    ++turnedAway;
   }
+  return Descriptor();
 }
 
-void Listener::turnAway() {
+/// With the descriptor that is kept for it.
+/// @return 0, or the error for which nobody was
+int Listener::turnOneAway(std::string_view refusal) {
   spare_ = Descriptor();
-  while (Descriptor(accept4(fd(), nullptr, nullptr, SOCK_CLOEXEC)).isOpen()) {
-  }
+  Descriptor client(accept4(fd(), nullptr, nullptr, SOCK_CLOEXEC));
+  int const error = client.isOpen() ? 0 : errno;
+  if (error == 0) send(client.fd(), refusal.data(), refusal.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+  client = Descriptor();
   spare_ = openSpare();
+  return error;
 }
 
 }  // namespace Kest::Agent

@@ -1,8 +1,12 @@
 #pragma once
 
 #include <sys/types.h>
+
 #include <stdexcept>
 #include <string>
+#include <string_view>
+
+#include "agent/control/Descriptor.h"
 
 namespace Kest::Agent {
 
@@ -12,20 +16,10 @@ class ControlSocketError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// An open file descriptor, closed with this.
-class Descriptor {
- public:
-  explicit Descriptor(int fd = -1) noexcept : fd_(fd) {}
-  Descriptor(Descriptor&& other) noexcept : fd_(other.take()) {}
-  Descriptor& operator=(Descriptor&& other) noexcept;
-  ~Descriptor();
-
-  int fd() const noexcept { return fd_; }
-  bool isOpen() const noexcept { return fd_ >= 0; }
-  int take() noexcept;
-
- private:
-  int fd_;
+/// Who may connect to a control socket.
+struct SocketAccess {
+  mode_t mode = 0660;  // as of a file
+  std::string group;   // that the file belongs to, by name or number; empty: the process's
 };
 
 /// A UNIX stream socket in the file system that clients connect to.
@@ -37,18 +31,20 @@ class Descriptor {
 /// file stays: removed, it could be held by two.
 class Listener {
  public:
-  /// @param mode who may connect, as of a file
   /// @throw ControlSocketError
-  Listener(std::string path, mode_t mode);
+  Listener(std::string path, SocketAccess const& access);
   ~Listener();
   Listener(Listener const&) = delete;
   Listener& operator=(Listener const&) = delete;
 
   int fd() const noexcept { return socket_.fd(); }
 
-  /// The next client that waits, non-blocking; none open when there is no more. When the process is
-  /// out of descriptors, the clients that wait are turned away.
-  Descriptor accept();
+  /// The next client that waits, non-blocking; none open when there is none to be had now. When the
+  /// process is out of descriptors, a few of those who wait are sent `refusal` and turned away.
+  Descriptor accept(std::string_view refusal);
+  /// Whether the system did not let the last `accept` take one, although there may be one: then it
+  /// should be left alone for a while.
+  bool isStuck() const noexcept { return isStuck_; }
 
  private:
   [[noreturn]] void refuse(std::string const& why) const;
@@ -56,8 +52,9 @@ class Listener {
   void checkPath() const;
   void lock();
   void removeStale() const;
-  void bind(mode_t mode);
-  void turnAway();
+  void bind(SocketAccess const& access);
+  void groupIs(std::string const& group) const;
+  int turnOneAway(std::string_view refusal);
 
   std::string path_;
   Descriptor lock_;
@@ -65,6 +62,7 @@ class Listener {
   Descriptor socket_;
   dev_t device_ = 0;
   ino_t inode_ = 0;
+  bool isStuck_ = false;
 };
 
 }  // namespace Kest::Agent

@@ -7,8 +7,8 @@
 namespace Kest::Agent {
 
 /// The JSON object that a text of whatever origin is. `Mox::RangeException` "expected ..., found
-/// ..." when it is none, or nests deeper than `Wire::deepestRequest`: what works through JSON goes
-/// down as deep as it does.
+/// ..." when it is none, nests deeper than `Wire::deepestRequest`, as what works through JSON goes
+/// down as deep as it does, or has more than `Wire::mostRequestValues` names and values.
 Json objectFromText(std::string_view text);
 
 }  // namespace Kest::Agent

@@ -11,10 +11,23 @@
 /// What both ends of the control protocol (`doc/control-protocol.md`) know.
 namespace Kest::Wire {
 
-inline constexpr std::size_t longestRequest = std::size_t{1} << 20;    // bytes, without newline
-inline constexpr std::size_t deepestRequest = 16;                      // nested arrays and objects
-inline constexpr std::size_t mostUnreadOutput = std::size_t{4} << 20;  // bytes, a connection
+// Sizes are in bytes; that of a request is without its newline.
+
+/// A request, with the bytes that follow it, of a client that may not change anything.
+inline constexpr std::size_t longestRequest = std::size_t{64} << 10;
+/// A request of root or the agent's user, without the bytes that follow it.
+inline constexpr std::size_t longestTrustedRequest = std::size_t{1} << 20;
+inline constexpr std::size_t deepestRequest = 16;      // nested arrays and objects
+inline constexpr std::size_t mostRequestValues = 256;  // names of members included
+inline constexpr std::size_t longestId = 1024;         // as JSON text
+/// Further events are lost, and counted.
+inline constexpr std::size_t mostWaitingEvents = std::size_t{64} << 10;
+
 inline constexpr std::size_t mostConnections = 1000;
+inline constexpr std::size_t mostConnectionsOfUser = 64;  // but for root and the agent's user
+inline constexpr std::size_t connectionsKept = 32;        // for root and the agent's user
+/// How long a client may neither send nor read anything, in seconds, unless it watches.
+inline constexpr double longestSilence = 600;
 
 /// Kinds of errors that the agent replies with.
 enum class ErrorKind { request, path, value, refused, denied, busy, file, internal };

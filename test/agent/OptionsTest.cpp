@@ -29,6 +29,8 @@ TEST(Options, HaveDefaults) {
   EXPECT_EQ(options.sliceFile, "a.slice");
   EXPECT_EQ(options.driver, "sim");
   EXPECT_EQ(options.faultFile, "");
+  EXPECT_EQ(options.controlMode, 0660U);
+  EXPECT_EQ(options.controlGroup, "");
   EXPECT_EQ(options.trace, "");
   EXPECT_FALSE(options.once);
   EXPECT_FALSE(options.verbose);
@@ -38,11 +40,14 @@ TEST(Options, HaveDefaults) {
 TEST(Options, AreTakenInAnyOrderAndForm) {
   Options const options =
       std::get<Options>(parse({"-v", "--driver=/lib/tap.so", "--once", "--supervise", "a.slice",
-                               "--driver-faults", "b.faults", "--trace", "KestSliceDma/0-2"})
+                               "--driver-faults", "b.faults", "--trace", "KestSliceDma/0-2",
+                               "--control-mode", "0666", "--control-group", "netadmin"})
                             .result);
   EXPECT_EQ(options.sliceFile, "a.slice");
   EXPECT_EQ(options.driver, "/lib/tap.so");
   EXPECT_EQ(options.faultFile, "b.faults");
+  EXPECT_EQ(options.controlMode, 0666U);
+  EXPECT_EQ(options.controlGroup, "netadmin");
   EXPECT_EQ(options.trace, "KestSliceDma/0-2");
   EXPECT_TRUE(options.once);
   EXPECT_TRUE(options.verbose);
@@ -61,9 +66,10 @@ TEST(Options, HelpNamesEveryOptionAndExitCodeAndEnds) {
     Outcome const outcome = parse({option});
     EXPECT_EQ(std::get<Exit>(outcome.result), Exit::done);
     EXPECT_EQ(outcome.err, "");
-    for (char const* part : {"SLICEFILE", "--driver ", "--driver-faults", "--once", "--verbose",
-                             "--trace", "--supervise", "--version", "SIGHUP",
-                             "Exit codes: 0 done, 1 ", "NO_COLOR", "KEST_LAST_END"}) {
+    for (char const* part :
+         {"SLICEFILE", "--driver ", "--driver-faults", "--once", "--verbose", "--trace",
+          "--supervise", "--version", "SIGHUP", "--control ", "--control-mode", "--control-group",
+          "Exit codes: 0 done, 1 ", "NO_COLOR", "KEST_LAST_END"}) {
       EXPECT_NE(outcome.out.find(part), std::string::npos) << part;
     }
   }
@@ -79,6 +85,10 @@ TEST(Options, AreRefusedWithAMessage) {
            {{"a", "b"}, "The following argument was not expected: b\n"},
            {{"a", "--twice"}, "The following argument was not expected: --twice\n"},
            {{"a", "--driver"}, "--driver: 1 required DRIVER missing\n"},
+           {{"a", "--control-mode", "0888"},
+            "--control-mode: expected octal digits up to 777, found '0888'\n"},
+           {{"a", "--control-mode", "1000"},
+            "--control-mode: expected octal digits up to 777, found '1000'\n"},
        }) {
     Outcome const outcome = parse(row.arguments);
     EXPECT_EQ(std::get<Exit>(outcome.result), Exit::usage);

@@ -21,6 +21,7 @@
 #include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
 #include "driver/sim/SimDriver.h"
+#include "platform/mox/Activity.h"
 #include "platform/mox/RangeException.h"
 #include "test/agent/ScratchDirectory.h"
 #include "test/agent/control/Client.h"
@@ -76,7 +77,7 @@ TEST_F(AgentCalls, AListenerIsThereOrSaysWhyAndLeavesTheWayFree) {
   };
   auto const act = [&](Scene& scene) {
     scene.refusal = refusalOf<ControlSocketError>(
-        [&] { scene.listener = std::make_unique<Listener>(path, 0666); });
+        [&] { scene.listener = std::make_unique<Listener>(path, SocketAccess()); });
   };
   auto const judge = [&](Scene& scene, std::string const& what) {
     EXPECT_EQ(scene.refusal.empty(), static_cast<bool>(scene.listener));
@@ -87,7 +88,7 @@ TEST_F(AgentCalls, AListenerIsThereOrSaysWhyAndLeavesTheWayFree) {
     if (!scene.listener) act(scene);
     ASSERT_TRUE(scene.listener) << scene.refusal;
     Client const client(path);
-    EXPECT_TRUE(scene.listener->accept().isOpen());
+    EXPECT_TRUE(scene.listener->accept("").isOpen());
     scene.listener = nullptr;
     EXPECT_FALSE(fs::exists(path));
   };
@@ -101,7 +102,9 @@ TEST_F(AgentCalls, AListenerThatIsRefusedLeavesNoSocketOfItsOwn) {
   };
   atEveryCall(
       prepare,
-      [&](int) { refusalOf<ControlSocketError>([&] { Listener const listener(path, 0666); }); },
+      [&](int) {
+        refusalOf<ControlSocketError>([&] { Listener const listener(path, SocketAccess()); });
+      },
       [&](int, std::string const& what) {
         // The end of one that was made cannot remove it then.
         bool const mayStay = what.starts_with("lstat") || what.starts_with("unlink");
@@ -112,18 +115,18 @@ TEST_F(AgentCalls, AListenerThatIsRefusedLeavesNoSocketOfItsOwn) {
 /// A listener that is out of descriptors gives its spare one up to turn clients away. If somebody
 /// else gets it, it takes another one as soon as there is one.
 TEST_F(AgentCalls, TheSpareDescriptorComesBack) {
-  Listener listener(path, 0666);
+  Listener listener(path, SocketAccess());
   std::size_t const before = Exhaustion::openDescriptors();
   Client const client(path);
   {
     constexpr std::size_t emfile = 1;  // of what does not pass by itself
     Exhaustion::FailingCall const failing(1, emfile, Exhaustion::Lasting::forGood);
-    EXPECT_FALSE(listener.accept().isOpen());
+    EXPECT_FALSE(listener.accept("").isOpen());
     EXPECT_EQ(failing.what(), "accept4 EMFILE");
   }
   EXPECT_EQ(Exhaustion::openDescriptors(), before)
       << "with the client's own, without the spare one";
-  EXPECT_TRUE(listener.accept().isOpen());
+  EXPECT_TRUE(listener.accept("").isOpen());
   EXPECT_EQ(Exhaustion::openDescriptors(), before + 1);
 }
 
@@ -286,7 +289,8 @@ TEST_F(AgentCalls, AConsoleGoesOnAfterALineThatCouldNotBeWritten) {
 /// A served agent, its loop and a client that reads and one that changes something.
 class ServedScene {
  public:
-  explicit ServedScene(std::string path) : path_(std::move(path)) {}
+  explicit ServedScene(std::string path) : path_(std::move(path)) { Mox::timeSourceIs(&time_); }
+  ~ServedScene() { Mox::timeSourceIs(nullptr); }
   ServedScene(ServedScene const&) = delete;
   ServedScene& operator=(ServedScene const&) = delete;
 
@@ -302,6 +306,12 @@ class ServedScene {
 
   void rounds(int count) {
     for (int i = 0; i < count; ++i) loop_.runOnce(0);
+  }
+
+  /// As long as the server waits when the system lets nobody in.
+  void aSecondPasses() {
+    time_.advance(1);
+    Mox::activityManager()->clock()->dispatch();
   }
 
   /// What a client is answered when nothing goes wrong any more.
@@ -322,6 +332,7 @@ class ServedScene {
 
  private:
   std::string path_;
+  Mox::ManualTimeSource time_;
   Mox::ActivityLoop loop_{nullptr};
   Mox::Ptr<Status> status_{new Status("status")};
   Mox::Ptr<Hardware::Kest::Slice::KestSliceDmaSm> sm_{
@@ -360,9 +371,14 @@ TEST_F(AgentCalls, TheServerLivesAndAnswersWholly) {
     refusalOf<std::system_error>([&] { scene->rounds(8); });
   };
   atEveryCall(prepare, act, [&](std::unique_ptr<ServedScene>& scene, std::string const& what) {
+    scene->aSecondPasses();
     scene->rounds(8);  // now that all works
-    std::vector<std::string> const found = scene->received();
+    std::vector<std::string> found = scene->received();
     bool const mayEnd = isEnding.contains(what);
+    if (what.starts_with("accept4 E") && mayEnd && found.size() == 1) {
+      EXPECT_NE(found[0].find("no file descriptors left"), std::string::npos) << found[0];
+      found.clear();
+    }
     ASSERT_TRUE(found.size() == 2 || (mayEnd && found.size() < 2)) << found.size();
     // Whom it does not know it lets change nothing.
     bool const isDenied = what.starts_with("getsockopt");

@@ -111,7 +111,7 @@ std::vector<std::string> judge(Options const& options, Findings const& found) {
   if (found.most > found.before + options.mostGrowth * 1024) {
     wrong.push_back("the agent grew by more than " + std::to_string(options.mostGrowth) + " MiB");
   }
-  if (found.takenFromStalled > Wire::mostUnreadOutput) {
+  if (found.takenFromStalled > mostTakenFromStalled) {
     wrong.push_back("the agent took " + std::to_string(found.takenFromStalled) +
                     " bytes of requests from a client that does not read the replies");
   }

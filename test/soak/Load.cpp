@@ -12,8 +12,6 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "agent/wire/Protocol.h"
-
 namespace Kest::Soak {
 
 namespace {
@@ -40,11 +38,12 @@ constexpr std::size_t mostQuietTurns = 120 * 1000 / turnMilliseconds;
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// A request of the client that never reads. Its id comes back with the reply, so that a few
-/// hundred are more than the agent may keep for a client.
+/// A request of the client that never reads: long, with a reply of some KiB, so that a few hundred
+/// are more than the agent may keep for a client either way.
 std::string stalledRequest() {
-  constexpr std::size_t idBytes = std::size_t{16} << 10;
-  return R"({"verb":"get","path":"status","id":")" + std::string(idBytes, 'i') + "\"}\n";
+  constexpr std::size_t bytes = std::size_t{16} << 10;
+  std::string request = R"({"verb":"describe","type":"KestSliceDmaConfig"})";
+  return request + std::string(bytes - request.size(), ' ') + "\n";
 }
 constexpr std::size_t stalledRequestCount = 32;  // at a time
 
@@ -145,7 +144,7 @@ Load::Load(std::string const& path, std::size_t clients)
 /// The client that never reads has all turns but one for so long that it would get more replies
 /// than the agent may keep.
 void Load::stallAlone() {
-  std::size_t const turns = 2 * Wire::mostUnreadOutput / stalledRequest().size();
+  std::size_t const turns = 2 * mostTakenFromStalled / stalledRequest().size();
   for (std::size_t i = 0; i < turns; ++i) {
     stall();
     expect(replies_.front(), readers_.front().connection.ask(std::string(readRequests[0]) + "\n"));

@@ -8,6 +8,9 @@
 
 namespace Kest::Soak {
 
+/// More bytes of requests than the system and the agent keep for a client that does not read.
+inline constexpr std::size_t mostTakenFromStalled = std::size_t{4} << 20;
+
 /// One connection to the agent.
 class Connection {
  public:

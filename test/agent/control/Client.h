@@ -66,6 +66,13 @@ class Client {
     receive();
     return std::exchange(received_, "");
   }
+  /// At most so much of what has come; only before anything else has been taken.
+  std::string receivedSome(std::size_t most) const {
+    std::string some(most, '\0');
+    ssize_t const bytes = recv(fd_, some.data(), most, 0);
+    some.resize(bytes < 0 ? 0 : static_cast<std::size_t>(bytes));
+    return some;
+  }
   /// The whole lines among it.
   std::vector<std::string> lines() {
     receive();

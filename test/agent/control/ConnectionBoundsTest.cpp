@@ -12,31 +12,18 @@ using ::testing::Le;
 
 class ConnectionBoundsTest : public Connected {
  protected:
-  /// Sends everything while the loop runs.
-  void sendAll(Client const& client, std::string_view bytes) {
-    while (!bytes.empty()) {
-      bytes.remove_prefix(client.sendSome(bytes));
-      rounds(1);
-    }
-  }
-
-  /// Reads while the loop runs, until nothing more comes: a whole request may need some rounds.
-  std::string readAll(Client& client) {
-    std::string all;
-    for (int quiet = 0; quiet < 20; ++quiet) {
-      rounds(1);
-      std::string const more = client.received();
-      if (!more.empty()) quiet = 0;
-      all += more;
-    }
-    return all;
-  }
-
   /// A request of so many bytes, without its newline.
   static std::string requestOf(std::size_t bytes) {
     std::string request = R"({"verb":"echo","text":"long","pad":""})";
     request.insert(request.size() - 2, bytes - request.size(), 'p');
     return request;
+  }
+
+  /// A request with so many names and values.
+  static std::string requestWith(std::size_t values) {
+    std::string request = R"({"verb":"echo","text":"x","list":[)";
+    for (std::size_t rest = values - 8; rest > 0; --rest) request += "0,";
+    return request + "0]}\n";
   }
 
   static std::string event(int number, std::size_t bytes) {
@@ -46,41 +33,55 @@ class ConnectionBoundsTest : public Connected {
   }
 };
 
-constexpr char const* tooLong =
-    R"({"ok":false,"error":{"kind":"request","message":)"
-    R"("expected a request of at most 1048576 bytes, found a longer one"}})"
-    "\n";
-
-TEST_F(ConnectionBoundsTest, TheLongestRequestIsServed) {
-  Pair pair = connected();
-  sendAll(pair.client, requestOf(Wire::longestRequest) + "\n" + echo("next"));
-  EXPECT_EQ(readAll(pair.client), echoed("long") + echoed("next"));
-}
-
-TEST_F(ConnectionBoundsTest, ALongerOneIsRefusedAndEndsTheConnection) {
-  Pair pair = connected();
-  sendAll(pair.client, requestOf(Wire::longestRequest + 1) + "\n");
-  EXPECT_EQ(readAll(pair.client), tooLong);
-  EXPECT_TRUE(isGone(pair));
-  EXPECT_EQ(served, 0);
+TEST_F(ConnectionBoundsTest, ARequestHasALongestLengthThatDependsOnWhoAsks) {
+  struct Row {
+    bool mayChange;
+    std::size_t longest;
+  };
+  for (Row const& row :
+       {Row{false, Wire::longestRequest}, Row{true, Wire::longestTrustedRequest}}) {
+    Pair pair = connected(row.mayChange);
+    sendAll(pair.client, requestOf(row.longest) + "\n" + echo("next"));
+    EXPECT_EQ(readAll(pair.client), echoed("long") + echoed("next"));
+    sendAll(pair.client, requestOf(row.longest + 1) + "\n");
+    EXPECT_EQ(readAll(pair.client),
+              refused("expected a request of at most " + std::to_string(row.longest) +
+                      " bytes, found a longer one"));
+    EXPECT_TRUE(isGone(pair));
+  }
+  EXPECT_EQ(served, 4);
 }
 
 TEST_F(ConnectionBoundsTest, ALineWithoutAnEndIsRefusedAsSoonAsItIsTooLong) {
-  Pair pair = connected();
+  Pair pair = connected(false);
   sendAll(pair.client, std::string(Wire::longestRequest, '['));
   EXPECT_EQ(readAll(pair.client), "");
   pair.client.send("[");
-  EXPECT_EQ(readAll(pair.client), tooLong);
+  EXPECT_EQ(readAll(pair.client),
+            refused("expected a request of at most 65536 bytes, found a longer one"));
   EXPECT_TRUE(isGone(pair));
 }
 
 TEST_F(ConnectionBoundsTest, ABombOfBracketsCostsAnErrorOnly) {
   Pair pair = connected();
-  sendAll(pair.client, std::string(Wire::longestRequest, '[') + "\n" + echo("on"));
-  EXPECT_EQ(readAll(pair.client), R"({"ok":false,"error":{"kind":"request","message":)"
-                                  R"("expected at most 16 nested arrays and objects, found more"}})"
-                                  "\n" +
-                                      echoed("on"));
+  sendAll(pair.client, std::string(Wire::longestTrustedRequest, '[') + "\n" + echo("on"));
+  EXPECT_EQ(readAll(pair.client),
+            refused("expected at most 16 nested arrays and objects, found more") + echoed("on"));
+}
+
+TEST_F(ConnectionBoundsTest, SoDoManyMembers) {
+  Pair pair = connected();
+  sendAll(pair.client, requestWith(Wire::mostRequestValues));
+  EXPECT_EQ(readAll(pair.client), echoed("x"));
+  std::string const tooMany = refused("expected at most 256 names and values, found more");
+  sendAll(pair.client, requestWith(Wire::mostRequestValues + 1));
+  EXPECT_EQ(readAll(pair.client), tooMany);
+  for (char const* member : {R"("":0,)", R"("":{},)", "0,"}) {
+    std::string bomb = member == std::string("0,") ? R"({"id":[)" : "{";
+    while (bomb.size() < Wire::longestTrustedRequest - 10) bomb += member;
+    sendAll(pair.client, bomb + "\n");
+    EXPECT_EQ(readAll(pair.client), tooMany);
+  }
 }
 
 TEST_F(ConnectionBoundsTest, AClientThatNeverReadsIsServedNoMoreAndHoldsNobodyUp) {
@@ -89,15 +90,15 @@ TEST_F(ConnectionBoundsTest, AClientThatNeverReadsIsServedNoMoreAndHoldsNobodyUp
   std::string const request =
       "{\"verb\":\"times\",\"count\":10000}" + std::string(1000, ' ') + "\n";
   std::string flood;
-  while (flood.size() < Wire::mostUnreadOutput) flood += request;
+  while (flood.size() < std::size_t{4} << 20) flood += request;
   std::size_t sent = 0;
   for (int i = 0; i < 200; ++i) {
     sent += stalled.client.sendSome(std::string_view(flood).substr(sent));
     rounds(1);
   }
   int const servedThen = served;
-  EXPECT_THAT(stalled.connection->unread(),
-              AllOf(Ge(std::size_t{100000}), Le(Wire::mostUnreadOutput / 8)));
+  EXPECT_THAT(stalled.connection->share(),
+              AllOf(Ge(std::size_t{64} << 10), Le(std::size_t{256} << 10)));
   EXPECT_LT(sent, flood.size() / 2);
   other.client.send(echo("on"));
   rounds(100);
@@ -111,27 +112,21 @@ TEST_F(ConnectionBoundsTest, AClientThatNeverReadsIsServedNoMoreAndHoldsNobodyUp
   EXPECT_TRUE(readAll(stalled.client) == expected);
 }
 
-TEST_F(ConnectionBoundsTest, AReplyBeyondTheBoundEndsTheConnection) {
-  Pair pair = connected();
-  pair.client.send("{\"verb\":\"times\",\"count\":" +
-                   std::to_string(Wire::mostUnreadOutput + Wire::longestRequest) + "}\n");
-  rounds(1);
-  EXPECT_TRUE(isGone(pair));
-  EXPECT_EQ(pair.connection->unread(), 0U);
-}
-
 TEST_F(ConnectionBoundsTest, AWatcherThatDoesNotReadLosesEventsAndIsToldHowMany) {
   Pair pair = connected();
   pair.connection->watch();
   constexpr int count = 200;
-  constexpr std::size_t bytes = 50000;
-  for (int i = 0; i < count; ++i) pair.connection->event(event(i, bytes));
-  EXPECT_THAT(pair.connection->unread(),
-              AllOf(Ge(Wire::mostUnreadOutput - bytes), Le(Wire::mostUnreadOutput)));
+  constexpr std::size_t bytes = 10000;
+  for (int i = 0; i < count; ++i) {
+    pair.connection->event(event(i, bytes));
+    rounds(1);
+  }
+  EXPECT_LE(pair.connection->share(), 5 * Wire::mostWaitingEvents);
 
   std::string const got = readAll(pair.client);
   int const kept = static_cast<int>(got.size() / bytes);
-  EXPECT_GE(kept, static_cast<int>(Wire::mostUnreadOutput / bytes));
+  EXPECT_GE(kept, static_cast<int>(Wire::mostWaitingEvents / bytes));
+  EXPECT_LT(kept, count / 2);
   std::string expected;
   for (int i = 0; i < kept; ++i) expected += event(i, bytes);
   expected += R"({"event":"lost","count":)" + std::to_string(count - kept) + "}\n";
@@ -139,22 +134,35 @@ TEST_F(ConnectionBoundsTest, AWatcherThatDoesNotReadLosesEventsAndIsToldHowMany)
 
   pair.connection->event(event(count, 100));
   pair.client.send(echo("on"));
-  rounds(1);
+  rounds(2);
   EXPECT_EQ(pair.client.received(), event(count, 100) + echoed("on"));
 }
 
 TEST_F(ConnectionBoundsTest, AnEventThatNoRoomIsEnoughForIsLostAtOnce) {
   Pair pair = connected();
   pair.connection->watch();
-  pair.connection->event(event(0, Wire::mostUnreadOutput + 1));
+  pair.connection->event(event(0, Wire::mostWaitingEvents + 1));
+  rounds(1);
   pair.connection->event(event(1, 100));
+  rounds(1);
   EXPECT_EQ(pair.client.received(), "{\"event\":\"lost\",\"count\":1}\n" + event(1, 100));
+}
+
+TEST_F(ConnectionBoundsTest, AnEventThatThereIsNoMemoryForIsLostAndCounted) {
+  Pair pair = connected();
+  pair.connection->watch();
+  pair.connection->loseEvent();
+  rounds(1);
+  EXPECT_EQ(pair.client.received(), "{\"event\":\"lost\",\"count\":1}\n");
 }
 
 TEST_F(ConnectionBoundsTest, AWatcherThatLeavesBehindABacklogIsGone) {
   Pair pair = connected();
   pair.connection->watch();
-  for (int i = 0; i < 200; ++i) pair.connection->event(event(i, 50000));
+  for (int i = 0; i < 200; ++i) {
+    pair.connection->event(event(i, 10000));
+    rounds(1);
+  }
   pair.client.close();
   rounds(2);
   EXPECT_TRUE(isGone(pair));
@@ -163,7 +171,6 @@ TEST_F(ConnectionBoundsTest, AWatcherThatLeavesBehindABacklogIsGone) {
 TEST_F(ConnectionBoundsTest, EventsDoNotKeepAWatcherFromAsking) {
   Pair setting = connected();
   Pair watching = connected();
-  ASSERT_LT(setting.connection->fd(), watching.connection->fd());
   watching.connection->watch();
   onEcho = [&] {
     if (served % 2 != 0) watching.connection->event("{}\n");
@@ -174,6 +181,48 @@ TEST_F(ConnectionBoundsTest, EventsDoNotKeepAWatcherFromAsking) {
     rounds(1);
     EXPECT_EQ(watching.client.received(), "{}\n" + echoed("asked"));
   }
+}
+
+TEST_F(ConnectionBoundsTest, MemoryIsCountedAndGivenBack) {
+  Pair pair = connected();
+  std::size_t const idle = account.held();
+  sendAll(pair.client, requestOf(100000));
+  rounds(10);
+  EXPECT_GT(account.held(), idle + 100000);
+  pair.client.send("\n");
+  rounds(1);
+  EXPECT_EQ(readAll(pair.client), echoed("long"));
+  EXPECT_EQ(account.held(), idle);
+  std::string const times = "{\"verb\":\"times\",\"count\":1000000}\n";
+  pair.client.send(times);
+  rounds(1);
+  EXPECT_GT(account.held(), idle + 700000);
+  readAll(pair.client);
+  EXPECT_EQ(account.held(), idle);
+  pair.client.send("{\"verb\":\"pieces\",\"count\":1000}\n");
+  rounds(3);
+  EXPECT_GT(account.held(), idle + 16384);
+  pair.client.close();
+  rounds(2);
+  pair.connection.reset();
+  EXPECT_EQ(account.held(), 0U);
+}
+
+TEST_F(ConnectionBoundsTest, WhoIsSentAwayIsToldWhyUnlessItIsWithinAReply) {
+  Pair quiet = connected();
+  Pair reading = connected();
+  reading.client.send("{\"verb\":\"times\",\"count\":1000000}\n");
+  rounds(1);
+  for (Pair* const pair : {&quiet, &reading}) {
+    pair->connection->dismiss("go");
+    EXPECT_TRUE(isGone(*pair));
+    pair->connection.reset();
+  }
+  EXPECT_TRUE(quiet.client.isEnded());
+  EXPECT_EQ(quiet.client.received(), R"({"ok":false,"error":{"kind":"busy","message":"go"}})"
+                                     "\n");
+  std::string const cut = readAll(reading.client);
+  EXPECT_EQ(cut.find('\n'), cut.npos);
 }
 
 }  // namespace

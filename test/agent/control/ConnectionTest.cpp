@@ -8,7 +8,6 @@ namespace Kest::Agent {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 using ConnectionTest = Connected;
 
@@ -34,28 +33,33 @@ TEST_F(ConnectionTest, ARequestMayComeByteByByte) {
   EXPECT_EQ(pair.client.received(), echoed("a") + echoed("b"));
 }
 
-TEST_F(ConnectionTest, OneOfManyRequestsIsServedARound) {
-  Pair pair = connected();
-  pair.client.send(echo("1") + echo("2") + echo("3"));
-  for (char const* reply : {"1", "2", "3"}) {
-    rounds(1);
-    EXPECT_EQ(pair.client.received(), echoed(reply));
-  }
-  rounds(2);
-  EXPECT_EQ(pair.client.received(), "");
-}
-
 TEST_F(ConnectionTest, AClientThatFloodsHoldsNobodyUp) {
   Pair flooding = connected();
   Pair other = connected();
+  onEcho = [&] { time.advance(Turns::budget / 4); };
   std::string requests;
-  for (int i = 0; i < 1000; ++i) requests += echo("x");
+  for (int i = 0; i < 100; ++i) requests += echo("x");
   flooding.client.send(requests);
-  rounds(3);
+  rounds(1);
+  EXPECT_EQ(served, 4);
   other.client.send(echo("y"));
   rounds(1);
   EXPECT_EQ(other.client.received(), echoed("y"));
-  EXPECT_EQ(served, 5);
+  EXPECT_EQ(served, 8);
+}
+
+TEST_F(ConnectionTest, WhoMayChangeIsServedFirst) {
+  std::vector<Pair> flooding;
+  for (int i = 0; i < 20; ++i) {
+    flooding.push_back(connected(false));
+    for (int k = 0; k < 20; ++k) flooding.back().client.send(echo("x"));
+  }
+  onEcho = [&] { time.advance(Turns::budget); };
+  rounds(3);
+  Pair trusted = connected();
+  trusted.client.send(echo("y"));
+  rounds(2);
+  EXPECT_EQ(trusted.client.received(), echoed("y"));
 }
 
 TEST_F(ConnectionTest, AReplyThatComesLaterKeepsTheOrderAndHoldsNobodyElseUp) {
@@ -98,6 +102,19 @@ TEST_F(ConnectionTest, TheIdComesBackWhateverItIs) {
             R"({"ok":false,"error":{"kind":"path","message":"not there","suggestion":"here"},"id":)" +
                 id + "}"));
   }
+}
+
+TEST_F(ConnectionTest, ALongerIdIsRefusedAndNotKept) {
+  Pair pair = connected();
+  auto const request = [](std::size_t bytes) {
+    return R"({"verb":"echo","text":"x","id":")" + std::string(bytes - 2, 'i') + "\"}\n";
+  };
+  pair.client.send(request(Wire::longestId) + request(Wire::longestId + 1));
+  rounds(1);
+  std::string const longest(Wire::longestId - 2, 'i');
+  EXPECT_EQ(pair.client.received(),
+            R"({"ok":true,"result":"x","id":")" + longest + "\"}\n" +
+                refused("expected an 'id' of at most 1024 bytes, found a longer one"));
 }
 
 TEST_F(ConnectionTest, WhatServingThrowsIsAnInternalErrorAndTheConnectionLivesOn) {
@@ -144,6 +161,7 @@ TEST_F(ConnectionTest, AReplyToAClientThatHasLeftIsDropped) {
   destroyed.connection.reset();
   ASSERT_EQ(replies.size(), 2U);
   for (auto const& reply : replies) reply("nobody");
+  rounds(1);
   EXPECT_TRUE(isGone(pair));
   EXPECT_TRUE(destroyed.client.isEnded());
   EXPECT_EQ(destroyed.client.received(), "");
@@ -163,10 +181,18 @@ TEST_F(ConnectionTest, IdleClientsCostNoRounds) {
   EXPECT_TRUE(isGone(pair));
 }
 
-TEST_F(ConnectionTest, TheClientIsWhoItsCredentialsSay) {
-  Pair pair = connected();
-  EXPECT_EQ(pair.connection->user(), geteuid());
-  EXPECT_TRUE(pair.connection->mayChange());
+TEST_F(ConnectionTest, WhatThereIsNoMemoryForCostsTheClientItsConnectionAlone) {
+  for (std::string const request :
+       {R"({"verb":"starve"})", R"({"verb":"pieces","count":0,"end":"starved"})",
+        R"({"verb":"pieces","count":3,"end":"starved"})"}) {
+    Pair starving = connected();
+    Pair other = connected();
+    starving.client.send(request + "\n" + echo("no more"));
+    other.client.send(echo("on"));
+    rounds(3);
+    EXPECT_TRUE(isGone(starving)) << request;
+    EXPECT_EQ(other.client.received(), echoed("on"));
+  }
 }
 
 }  // namespace

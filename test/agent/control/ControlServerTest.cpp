@@ -25,7 +25,8 @@ struct Scratch : ScratchDirectory {
 class DescriptorLimit {
  public:
   DescriptorLimit() { getrlimit(RLIMIT_NOFILE, &before_); }
-  ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &before_); }
+  ~DescriptorLimit() { restore(); }
+  void restore() const { setrlimit(RLIMIT_NOFILE, &before_); }
   bool is(rlim_t soft) const {
     rlimit const wanted{soft, before_.rlim_max};
     return setrlimit(RLIMIT_NOFILE, &wanted) == 0;
@@ -42,7 +43,7 @@ class ControlServerTest : public ServedAgent {
     served.apply = [this](std::string const&, Slice, std::function<void(Applied)> done) {
       applied.push_back(std::move(done));
     };
-    server = std::make_unique<ControlServer>(loop, path, served);
+    server = std::make_unique<ControlServer>(loop, path, served, SocketAccess{0666, ""});
   }
 
   void rounds(int count) {
@@ -55,6 +56,24 @@ class ControlServerTest : public ServedAgent {
     return client.received();
   }
 
+  /// A client that runs as that user; for root alone.
+  std::unique_ptr<Client> clientOf(uid_t user) const {
+    EXPECT_EQ(seteuid(user), 0);
+    std::unique_ptr<Client> client;
+    EXPECT_NO_THROW(client = std::make_unique<Client>(path));
+    EXPECT_EQ(seteuid(0), 0);
+    return client;
+  }
+
+  /// Time passes for the clients.
+  void passes(double seconds) {
+    constexpr double micro = 1e6;
+    time.advance(static_cast<std::int64_t>(seconds * micro));
+    Mox::activityManager()->clock()->dispatch();
+  }
+
+  static constexpr char const* applyRequest =
+      R"({"verb":"apply","file":"a.slice","content":"sliceId 'Linecard1'\n"})";
   static constexpr char const* getSlice = R"({"verb":"get","path":"config/sliceId"})";
   static constexpr char const* theSlice =
       R"({"ok":true,"result":{"path":"config/sliceId","type":"Mox::String","value":"Linecard1"}})"
@@ -119,8 +138,51 @@ TEST_F(ControlServerTest, WithoutDescriptorsClientsAreTurnedAwayAndTheOthersServ
   ASSERT_TRUE(limit.is(static_cast<rlim_t>(free)));
   rounds(1);
   EXPECT_TRUE(turnedAway.isEnded());
+  EXPECT_EQ(turnedAway.received(), R"({"ok":false,"error":{"kind":"busy","message":)"
+                                   R"("the agent has no file descriptors left: try again later"}})"
+                                   "\n");
   EXPECT_EQ(ask(kept, getSlice), theSlice);
   EXPECT_EQ(server->connections(), 1U);
+}
+
+TEST_F(ControlServerTest, WhereTheSystemLetsNobodyInTheyWaitAndTheLoopDoesNotSpin) {
+  Client waiting(path);
+  ASSERT_TRUE(limit.is(3));  // not even the spare descriptor comes back
+  rounds(1);
+  limit.restore();
+  rounds(3);
+  EXPECT_EQ(server->connections(), 0U);  // nobody looks
+  passes(1);
+  rounds(1);
+  EXPECT_EQ(ask(waiting, getSlice), theSlice);
+}
+
+TEST_F(ControlServerTest, ASilentClientIsToldSoAndEnded) {
+  Client silent(path);
+  Client asking(path);
+  Client watching(path);
+  Client waiting(path);
+  rounds(1);
+  ask(watching, R"({"verb":"watch"})");
+  ask(waiting, applyRequest);
+  passes(Wire::longestSilence - 1);
+  EXPECT_EQ(ask(asking, getSlice), theSlice);
+  EXPECT_EQ(server->connections(), 4U);
+  passes(1);
+  EXPECT_EQ(server->connections(), 3U);
+  EXPECT_TRUE(silent.isEnded());
+  EXPECT_EQ(silent.received(), R"({"ok":false,"error":{"kind":"busy","message":)"
+                               R"("the connection was silent for too long"}})"
+                               "\n");
+  passes(Wire::longestSilence - 1);
+  EXPECT_TRUE(asking.isEnded());
+  applied.at(0)({});
+  rounds(2);
+  EXPECT_NE(waiting.received(), "");
+  passes(2 * Wire::longestSilence);
+  EXPECT_TRUE(waiting.isEnded());
+  EXPECT_EQ(server->connections(), 1U);
+  EXPECT_FALSE(watching.isEnded());
 }
 
 TEST_F(ControlServerTest, AWatcherSeesEveryChangeInOrder) {
@@ -144,10 +206,7 @@ TEST_F(ControlServerTest, AWatcherSeesEveryChangeInOrder) {
 TEST_F(ControlServerTest, OthersThanRootAndTheAgentsUserMayOnlyRead) {
   if (geteuid() != 0) GTEST_SKIP() << "not root";
   constexpr uid_t nobody = 65534;
-  ASSERT_EQ(seteuid(nobody), 0);
-  std::unique_ptr<Client> other;
-  EXPECT_NO_THROW(other = std::make_unique<Client>(path));
-  ASSERT_EQ(seteuid(0), 0);
+  std::unique_ptr<Client> const other = clientOf(nobody);
   rounds(1);
   EXPECT_EQ(ask(*other, setSlice),
             R"({"ok":false,"error":{"kind":"denied","message":)"
@@ -156,12 +215,60 @@ TEST_F(ControlServerTest, OthersThanRootAndTheAgentsUserMayOnlyRead) {
   EXPECT_EQ(ask(*other, getSlice), theSlice);
 }
 
+TEST_F(ControlServerTest, WhoHoldsMostGoesWhenReadersHoldTooMuch) {
+  if (geteuid() != 0) GTEST_SKIP() << "not root";
+  constexpr std::size_t users = 6;
+  constexpr std::size_t count = users * Wire::mostConnectionsOfUser;
+  if (!limit.is(2 * count + 100)) GTEST_SKIP() << "too few descriptors";
+  Client root(path);
+  std::vector<Client> halves;
+  std::unique_ptr<Client> small = clientOf(1000);
+  small->send("{");
+  std::string const half = R"({"verb":")" + std::string(60000, 'v');
+  for (std::size_t i = 0; i < count - 1; ++i) {
+    halves.push_back(std::move(*clientOf(1000 + static_cast<uid_t>(i % users))));
+    halves.back().send(half);
+    rounds(5);
+  }
+  std::size_t gone = 0;
+  for (Client& client : halves) {
+    if (!client.isEnded()) continue;
+    ++gone;
+    EXPECT_EQ(client.received(),
+              R"({"ok":false,"error":{"kind":"busy","message":)"
+              R"("clients hold too much of the agent's memory, and this one most of it"}})"
+              "\n");
+  }
+  constexpr std::size_t mostBytes = std::size_t{16} << 20;
+  EXPECT_LE((count - gone) * half.size(), mostBytes);
+  EXPECT_GE((count - gone) * half.size(), mostBytes / 2);
+  EXPECT_FALSE(small->isEnded());
+  EXPECT_EQ(ask(root, getSlice), theSlice);
+}
+
+TEST_F(ControlServerTest, AUserTakesAFewPlacesAndRootStillGetsOne) {
+  if (geteuid() != 0) GTEST_SKIP() << "not root";
+  std::vector<std::unique_ptr<Client>> clients;
+  for (std::size_t i = 0; i <= Wire::mostConnectionsOfUser; ++i) clients.push_back(clientOf(1000));
+  rounds(10);
+  EXPECT_EQ(server->connections(), Wire::mostConnectionsOfUser);
+  EXPECT_EQ(clients.back()->received(),
+            R"({"ok":false,"error":{"kind":"busy","message":)"
+            R"("there are 64 connections of user 1000 already: try again later"}})"
+            "\n");
+  clients.erase(clients.begin());
+  rounds(1);
+  std::unique_ptr<Client> again = clientOf(1000);
+  Client root(path);
+  rounds(1);
+  EXPECT_EQ(ask(*again, getSlice), theSlice);
+  EXPECT_EQ(ask(root, getSlice), theSlice);
+}
+
 TEST_F(ControlServerTest, AnApplyIsAnsweredWhenItIsDone) {
   Client client(path);
   rounds(1);
-  std::string const request =
-      R"({"verb":"apply","file":"a.slice","content":"sliceId 'Linecard1'\n"})";
-  EXPECT_EQ(ask(client, request + "\n" + getSlice), "");
+  EXPECT_EQ(ask(client, applyRequest + ("\n" + std::string(getSlice))), "");
   ASSERT_EQ(applied.size(), 1U);
   applied[0]({1, 2, {"port et3/1"}});
   rounds(1);
@@ -172,13 +279,11 @@ TEST_F(ControlServerTest, AnApplyIsAnsweredWhenItIsDone) {
 }
 
 TEST_F(ControlServerTest, AnApplyMayBeDoneAfterItsClientAndItsServerAreGone) {
-  std::string const request =
-      R"({"verb":"apply","file":"a.slice","content":"sliceId 'Linecard1'\n"})";
   Client leaving(path);
   Client staying(path);
   rounds(1);
-  ask(leaving, request);
-  ask(staying, request);
+  ask(leaving, applyRequest);
+  ask(staying, applyRequest);
   ASSERT_EQ(applied.size(), 2U);
   leaving.close();
   applied[0]({});

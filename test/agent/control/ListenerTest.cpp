@@ -4,9 +4,11 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "test/agent/ScratchDirectory.h"
 #include "test/agent/control/Client.h"
@@ -19,9 +21,9 @@ namespace fs = std::filesystem;
 class ListenerTest : public ScratchDirectory {
  protected:
   /// What a listener at the path is refused with; empty if it is not.
-  static std::string refusal(std::string const& at) {
+  static std::string refusal(std::string const& at, SocketAccess const& access = {}) {
     try {
-      Listener const listener(at, 0666);
+      Listener const listener(at, access);
     } catch (ControlSocketError const& refused) {
       return refused.what();
     }
@@ -51,17 +53,18 @@ class ListenerTest : public ScratchDirectory {
   }
 
   std::string path = directory + "/agent.sock";
+  static constexpr char const* turnedAwayWith = "full\n";
 };
 
 TEST_F(ListenerTest, TakesClientsInTheirOrderWithoutWaiting) {
-  Listener listener(path, 0666);
-  EXPECT_FALSE(listener.accept().isOpen());
+  Listener listener(path, SocketAccess());
+  EXPECT_FALSE(listener.accept(turnedAwayWith).isOpen());
   Client const first(path);
   Client const second(path);
   first.send("1");
   second.send("2");
   for (char const expected : {'1', '2'}) {
-    Descriptor const client = listener.accept();
+    Descriptor const client = listener.accept(turnedAwayWith);
     char byte = 0;
     EXPECT_EQ(recv(client.fd(), &byte, 1, 0), 1);
     EXPECT_EQ(byte, expected);
@@ -69,7 +72,7 @@ TEST_F(ListenerTest, TakesClientsInTheirOrderWithoutWaiting) {
     EXPECT_EQ(errno, EAGAIN);
     EXPECT_EQ(fcntl(client.fd(), F_GETFD), FD_CLOEXEC);
   }
-  EXPECT_FALSE(listener.accept().isOpen());
+  EXPECT_FALSE(listener.accept(turnedAwayWith).isOpen());
 }
 
 TEST_F(ListenerTest, TheFileHasItsModeWhateverTheMask) {
@@ -77,7 +80,7 @@ TEST_F(ListenerTest, TheFileHasItsModeWhateverTheMask) {
     for (mode_t const mode : {0666U, 0600U, 0660U}) {
       mode_t const before = umask(mask);
       {
-        Listener const listener(path, mode);
+        Listener const listener(path, {mode, ""});
         EXPECT_EQ(modeOf(path), mode_t{S_IFSOCK} | mode) << std::oct << mask;
       }
       EXPECT_EQ(umask(before), mask);
@@ -88,18 +91,18 @@ TEST_F(ListenerTest, TheFileHasItsModeWhateverTheMask) {
 TEST_F(ListenerTest, ASocketThatADeadAgentLeftIsReplaced) {
   foreignSocket(path);
   ASSERT_TRUE(fs::is_socket(path));
-  Listener listener(path, 0666);
+  Listener listener(path, SocketAccess());
   Client const client(path);
-  EXPECT_TRUE(listener.accept().isOpen());
+  EXPECT_TRUE(listener.accept(turnedAwayWith).isOpen());
 }
 
 TEST_F(ListenerTest, ARunningAgentKeepsItsSocket) {
-  Listener listener(path, 0666);
+  Listener listener(path, SocketAccess());
   ino_t const before = inode(path);
   EXPECT_EQ(refusal(path), "control socket " + path + " is in use by another agent");
   EXPECT_EQ(inode(path), before);
   Client const client(path);
-  EXPECT_TRUE(listener.accept().isOpen());
+  EXPECT_TRUE(listener.accept(turnedAwayWith).isOpen());
 }
 
 TEST_F(ListenerTest, ASocketThatSomebodyListensToIsLeftAloneWithoutALockToo) {
@@ -142,37 +145,116 @@ TEST_F(ListenerTest, APathThatCannotBeIsRefusedAndLeavesNothingBehind) {
 }
 
 TEST_F(ListenerTest, TheFileGoesWithItsListenerAndThePathIsFreeAgain) {
-  { Listener const listener(path, 0666); }
+  { Listener const listener(path, SocketAccess()); }
   EXPECT_FALSE(fs::exists(path));
   EXPECT_EQ(refusal(path), "");
 }
 
 TEST_F(ListenerTest, AFileThatTookThePlaceIsNotRemoved) {
   {
-    Listener const listener(path, 0666);
+    Listener const listener(path, SocketAccess());
     fs::rename(path, path + ".moved");  // so that its inode is not free for the next
     foreignSocket(path);
   }
   EXPECT_TRUE(fs::is_socket(path));
 }
 
-TEST_F(ListenerTest, WithoutDescriptorsWhoeverWaitsIsTurnedAway) {
-  Listener listener(path, 0666);
+TEST_F(ListenerTest, ByDefaultOnlyOwnerAndGroupMayConnect) {
+  Listener const listener(path, {});
+  EXPECT_EQ(modeOf(path), mode_t{S_IFSOCK} | 0660U);
+}
+
+TEST_F(ListenerTest, TheFileHasItsGroup) {
+  if (geteuid() != 0) GTEST_SKIP() << "not root";
+  constexpr gid_t games = 60;  // as in every Debian
+  for (char const* group : {"60", "games"}) {
+    Listener const listener(path, {0660, group});
+    struct stat file {};
+    ASSERT_EQ(lstat(path.c_str(), &file), 0);
+    EXPECT_EQ(file.st_gid, games);
+    EXPECT_EQ(file.st_uid, 0U);
+    EXPECT_EQ(file.st_mode, mode_t{S_IFSOCK} | 0660U);
+  }
+}
+
+TEST_F(ListenerTest, AGroupThatCannotBeIsRefusedAndLeavesNoSocket) {
+  EXPECT_EQ(refusal(path, {0660, "no such"}),
+            "control socket " + path + " cannot be made: there is no group 'no such'");
+  EXPECT_FALSE(fs::exists(path));
+  if (geteuid() == 0) return;
+  EXPECT_EQ(
+      refusal(path, {0660, "0"}),
+      "control socket " + path + " cannot be given to the group '0': Operation not permitted");
+  EXPECT_FALSE(fs::exists(path));
+}
+
+/// As few descriptors as are open now, until this goes.
+class NoMoreDescriptors {
+ public:
+  NoMoreDescriptors() {
+    EXPECT_EQ(getrlimit(RLIMIT_NOFILE, &before_), 0);
+    int const free = dup(0);
+    close(free);
+    rlimit const none{static_cast<rlim_t>(free), before_.rlim_max};
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  }
+  ~NoMoreDescriptors() { setrlimit(RLIMIT_NOFILE, &before_); }
+  NoMoreDescriptors(NoMoreDescriptors const&) = delete;
+  NoMoreDescriptors& operator=(NoMoreDescriptors const&) = delete;
+
+ private:
+  rlimit before_{};
+};
+
+TEST_F(ListenerTest, WithoutDescriptorsWhoeverWaitsIsToldSoAndTurnedAway) {
+  Listener listener(path, SocketAccess());
   Client turnedAway(path);
   Client alsoTurnedAway(path);
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
-  int const free = dup(listener.fd());
-  close(free);
-  rlimit const none{static_cast<rlim_t>(free), before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-  bool const isOpen = listener.accept().isOpen();
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  bool isOpen = true;
+  {
+    NoMoreDescriptors const none;
+    isOpen = listener.accept(turnedAwayWith).isOpen();
+    EXPECT_FALSE(listener.isStuck());
+  }
   EXPECT_FALSE(isOpen);
-  EXPECT_TRUE(turnedAway.isEnded());
-  EXPECT_TRUE(alsoTurnedAway.isEnded());
+  for (Client* const client : {&turnedAway, &alsoTurnedAway}) {
+    EXPECT_TRUE(client->isEnded());
+    EXPECT_EQ(client->received(), "full\n");
+  }
   Client taken(path);
-  EXPECT_TRUE(listener.accept().isOpen());
+  EXPECT_TRUE(listener.accept(turnedAwayWith).isOpen());
+}
+
+TEST_F(ListenerTest, ItTurnsAwayAFewAtATime) {
+  Listener listener(path, SocketAccess());
+  std::vector<Client> waiting;
+  for (int i = 0; i < 20; ++i) waiting.emplace_back(path);
+  NoMoreDescriptors const none;
+  auto const ended = [&] {
+    return std::count_if(waiting.begin(), waiting.end(),
+                         [](Client& client) { return client.isEnded(); });
+  };
+  listener.accept(turnedAwayWith);
+  EXPECT_EQ(ended(), 16);
+  listener.accept(turnedAwayWith);
+  EXPECT_EQ(ended(), 20);
+}
+
+TEST_F(ListenerTest, WithoutTheSpareDescriptorEitherItIsStuckAndNobodyIsLost) {
+  Listener listener(path, SocketAccess());
+  std::optional<Client> waiting;
+  {
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    waiting.emplace(path);
+    rlimit const none{3, before.rlim_max};  // the spare one does not come back
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    listener.accept(turnedAwayWith);
+    EXPECT_TRUE(listener.isStuck());
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  }
+  EXPECT_TRUE(listener.accept(turnedAwayWith).isOpen());
+  EXPECT_FALSE(listener.isStuck());
 }
 
 }  // namespace

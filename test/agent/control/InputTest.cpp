@@ -1,0 +1,42 @@
+#include "agent/control/Input.h"
+
+#include <gtest/gtest.h>
+
+namespace Kest::Agent {
+namespace {
+
+TEST(Input, LinesAndBytesComeOutAsTheyCameIn) {
+  Input input;
+  input.add("on");
+  EXPECT_FALSE(input.hasLine());
+  input.add("e\n\ntwo\nhalf");
+  for (char const* line : {"one", "", "two"}) {
+    ASSERT_TRUE(input.hasLine());
+    EXPECT_EQ(input.line(), line);
+    input.dropLine();
+  }
+  EXPECT_FALSE(input.hasLine());
+  input.add("\nraw\nbytes\nlast\n");
+  ASSERT_TRUE(input.hasLine());
+  EXPECT_EQ(input.line(), "half");
+  input.dropLine();
+  EXPECT_TRUE(input.hasLine());
+  input.drop(10);  // with a line end, which is none
+  EXPECT_EQ(input.bytes(), "last\n");
+  EXPECT_EQ(input.hasLine() ? input.line() : "none", "last");
+  input.dropLine();
+  EXPECT_TRUE(input.isEmpty());
+}
+
+TEST(Input, HoldsNothingOnceItIsEmpty) {
+  std::size_t const idle = Input().held();
+  Input input;
+  input.add(std::string(100000, 'x') + "\n");
+  EXPECT_GT(input.held(), 100000U);
+  ASSERT_TRUE(input.hasLine());
+  input.dropLine();
+  EXPECT_EQ(input.held(), idle);
+}
+
+}  // namespace
+}  // namespace Kest::Agent
