@@ -2,6 +2,7 @@
 
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -12,13 +13,15 @@
 #include <cstring>
 #include <limits>
 
+#include "agent/wire/Protocol.h"
 #include "ctl/Failure.h"
+#include "ctl/ReplyText.h"
 
 namespace Kest::Ctl {
 
 namespace {
 
-constexpr int deepestReply = 100;  // nested arrays and objects: they are walked recursively
+constexpr std::size_t longestReply = std::size_t{256} << 20;  // bytes: a million ports
 
 [[noreturn]] void throwNoAgent(std::string const& path, std::string const& why) {
   throw Failure(Exit::noAgent, "no-agent",
@@ -29,24 +32,34 @@ constexpr int deepestReply = 100;  // nested arrays and objects: they are walked
   throw Failure(Exit::failed, "reply", "the agent's reply cannot be used: " + what);
 }
 
-/// Whether a text, if it is JSON, has more arrays and objects in each other than that. (The parser
-/// can be asked on the way, but then looks at all of an array whenever an item ends.)
-bool isNestedDeeper(std::string_view json, int most) {
-  int depth = 0;
-  bool inString = false;
-  for (std::size_t at = 0; at < json.size(); ++at) {
-    char const c = json[at];
-    if (c == '"') {
-      inString = !inString;
-    } else if (inString) {
-      at += c == '\\' ? 1 : 0;
-    } else if (c == '[' || c == '{') {
-      if (++depth > most) return true;
-    } else if (c == ']' || c == '}') {
-      --depth;
-    }
-  }
-  return false;
+[[noreturn]] void throwEnded() {
+  throw Failure(Exit::noAgent, "no-agent",
+                "the agent has ended, or has ended the connection: its log or its standard error "
+                "says why; try again when it is running");
+}
+
+Json const& member(Json const& object, char const* name) {
+  auto const found = object.find(name);
+  if (found == object.end()) throwBadReply(std::string("it has no '") + name + "'");
+  return *found;
+}
+
+std::string stringOf(Json const& value) {
+  if (!value.is_string()) throwBadReply("expected a string, found " + value.dump());
+  return value.get<std::string>();
+}
+
+[[noreturn]] void throwRefusal(Json const& reply) {
+  Json const& error = member(reply, "error");
+  if (!error.is_object()) throwBadReply("its error is no object");
+  std::string const kind = stringOf(member(error, "kind"));
+  std::string const message = stringOf(member(error, "message"));
+  bool const isSuggesting = error.contains("suggestion");
+  throw Failure(Exit::failed, kind, message, isSuggesting ? stringOf(error.at("suggestion")) : "");
+}
+
+std::string lineOf(Json const& request) {
+  return request.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 int milliseconds(Client::Deadline deadline) {
@@ -65,7 +78,7 @@ Client::Deadline Client::after(double seconds) {
 }
 
 Client::Client(std::string const& path, Deadline deadline)
-    : fd_(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
+    : fd_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   if (fd_ < 0) throwNoAgent(path, std::strerror(errno));
   try {
     connect(path, deadline);
@@ -87,16 +100,22 @@ void Client::connect(std::string const& path, Deadline deadline) const {
   }
   std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
   auto const* const target = reinterpret_cast<sockaddr const*>(&address);
-  // A full backlog shows as EAGAIN, and nothing tells when there is room again.
-  constexpr int pauseMilliseconds = 10;
-  while (::connect(fd_, target, sizeof address) != 0) {
-    if (errno == EINTR) continue;
-    if (errno != EAGAIN) throwNoAgent(path, std::strerror(errno));
-    if (milliseconds(deadline) == 0) {
-      throw Failure(Exit::timedOut, "timeout", "the agent took no connection in time");
-    }
-    poll(nullptr, 0, pauseMilliseconds);
-  }
+  // The system lets those who wait for room in the backlog in by turns.
+  do {
+    waitIs(deadline);
+    if (::connect(fd_, target, sizeof address) == 0) return;
+  } while (errno == EINTR);
+  if (errno != EAGAIN) throwNoAgent(path, std::strerror(errno));
+  throw Failure(Exit::timedOut, "timeout", "the agent took no connection in time");
+}
+
+/// How long to wait for a connection; nothing else on the socket waits by itself.
+void Client::waitIs(Deadline deadline) const {
+  constexpr int thousand = 1000;
+  if (!deadline) return;
+  int const wait = std::max(milliseconds(deadline), 1);  // 0 would be for ever
+  timeval const time{wait / thousand, wait % thousand * thousand};
+  setsockopt(fd_, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
 }
 
 void Client::await(short events, Deadline deadline) const {
@@ -111,7 +130,7 @@ void Client::await(short events, Deadline deadline) const {
 
 void Client::send(std::string_view bytes, Deadline deadline) {
   while (!bytes.empty()) {
-    ssize_t const sent = ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    ssize_t const sent = ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
     if (sent >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(sent));
     } else if (errno == EAGAIN) {
@@ -131,18 +150,18 @@ std::string Client::line(Deadline deadline) {
     if (end != std::string::npos) {
       std::string line = input_.substr(0, end);
       input_.erase(0, end + 1);
-      if (line.size() > longestReply_) throwBadReply("it is too long");
+      if (line.size() > longestReply) throwBadReply("it is too long");
       return line;
     }
-    if (input_.size() > longestReply_) throwBadReply("it is too long");
+    if (input_.size() > longestReply) throwBadReply("it is too long");
     searched = input_.size();
     await(POLLIN, deadline);
     std::array<char, 65536> block{};
-    ssize_t const bytes = recv(fd_, block.data(), block.size(), 0);
+    ssize_t const bytes = recv(fd_, block.data(), block.size(), MSG_DONTWAIT);
     if (bytes > 0) {
       input_.append(block.data(), static_cast<std::size_t>(bytes));
     } else if (bytes == 0 || errno == ECONNRESET) {
-      throwBadReply("the agent ended the connection");
+      throwEnded();
     } else if (errno != EAGAIN && errno != EINTR) {
       throwBadReply(std::strerror(errno));
     }
@@ -150,34 +169,27 @@ std::string Client::line(Deadline deadline) {
 }
 
 Json Client::receive(Deadline deadline) {
-  std::string const text = line(deadline);
-  if (isNestedDeeper(text, deepestReply)) throwBadReply("it is nested too deep");
-  Json message = Json::parse(text, nullptr, false);
-  if (message.is_discarded()) throwBadReply("it is no JSON");
-  if (!message.is_object()) throwBadReply("it is no object");
-  return message;
+  try {
+    Json message = jsonFromReply(line(deadline));
+    if (!message.is_object()) throwBadReply("it is no object");
+    return message;
+  } catch (BadReplyText const& bad) {
+    throwBadReply(bad.what());
+  }
 }
 
 Json Client::ask(Json const& request, Deadline deadline, std::string_view following) {
-  send(request.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n", deadline);
+  send(lineOf(request), deadline);
   send(following, deadline);
-  Json reply = receive(deadline);
-  auto const member = [](Json const& object, char const* name) -> Json const& {
-    auto const found = object.find(name);
-    if (found == object.end()) throwBadReply(std::string("it has no '") + name + "'");
-    return *found;
-  };
-  auto const string = [](Json const& value) {
-    if (!value.is_string()) throwBadReply("expected a string, found " + value.dump());
-    return value.get<std::string>();
-  };
-  if (member(reply, "ok") == true) return member(reply, "result");
-  Json const& error = member(reply, "error");
-  if (!error.is_object()) throwBadReply("its error is no object");
-  std::string const kind = string(member(error, "kind"));
-  std::string const message = string(member(error, "message"));
-  bool const isSuggesting = error.contains("suggestion");
-  throw Failure(Exit::failed, kind, message, isSuggesting ? string(error.at("suggestion")) : "");
+  Json const reply = receive(deadline);
+  if (member(reply, "ok") != true) throwRefusal(reply);
+  return member(reply, "result");
+}
+
+Json Client::event() {
+  Json message = receive(std::nullopt);
+  if (message.contains("ok")) throwRefusal(message);  // it ends the connection
+  return message;
 }
 
 }  // namespace Kest::Ctl

@@ -25,25 +25,23 @@ class Client {
   Client(Client const&) = delete;
   Client& operator=(Client const&) = delete;
 
-  /// Replies may be as long as the largest files.
-  void longReplyIs() noexcept { longestReply_ = std::size_t{1} << 30; }
-
   /// Sends a request and returns the result of its reply. `Failure` of the reply's kind when the
   /// agent refuses.
   /// @param following bytes that come after the request
   Json ask(Json const& request, Deadline deadline, std::string_view following = {});
-  /// The next message, such as an event.
-  Json receive(Deadline deadline);
+  /// The next event, waited for. `Failure` when the agent ends the connection.
+  Json event();
 
  private:
   void connect(std::string const& path, Deadline deadline) const;
+  void waitIs(Deadline deadline) const;
   void send(std::string_view bytes, Deadline deadline);
   void await(short events, Deadline deadline) const;
   std::string line(Deadline deadline);
+  Json receive(Deadline deadline);
 
   int fd_;
   std::string input_;
-  std::size_t longestReply_ = std::size_t{16} << 20;  // bytes
 };
 
 }  // namespace Kest::Ctl

@@ -41,7 +41,6 @@ struct Verb {
   double timeout = 10;  // seconds
   /// Completes the request for a file that follows it, and returns the file; null: nothing follows.
   std::string (*file)(Options const& options, Json& request) = nullptr;
-  bool isLong = false;   // its reply may be as long as a slice file
   bool hasForm = false;  // takes --text
   bool isSet = false;    // takes --replace
   bool isDump = false;   // takes --format and --output

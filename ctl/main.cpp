@@ -30,6 +30,11 @@ std::string document(Json const& json) {
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
+/// For whoever reads line by line, as of events.
+std::string line(Json const& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
 std::string socketOf(Options const& options) {
   if (options.socket) return *options.socket;
   if (auto const path = Kest::Wire::defaultSocketPath()) return *path;
@@ -40,8 +45,8 @@ std::string socketOf(Options const& options) {
 /// Events, until there have been enough or nobody reads them any more.
 void showEvents(Client& client, Options const& options) {
   for (std::size_t shownSoFar = 0; options.count == 0 || shownSoFar < options.count; ++shownSoFar) {
-    Json const event = client.receive(std::nullopt);
-    if (!print(options.json ? event.dump() + "\n" : eventLine(event))) return;
+    Json const event = client.event();
+    if (!print(options.json ? line(event) : eventLine(event))) return;
   }
 }
 
@@ -53,7 +58,6 @@ Exit carryOut(Command const& command) {
   std::string const file = verb.file == nullptr ? "" : verb.file(options, request);
   Client::Deadline const deadline = Client::after(options.timeout.value_or(verb.timeout));
   Client client(socketOf(options), deadline);
-  if (verb.isLong) client.longReplyIs();
   Json const result = client.ask(request, deadline, file);
   if (verb.isWatch) {
     showEvents(client, options);
@@ -73,7 +77,7 @@ bool printError(Failure const& failure) {
   Json error{{"kind", failure.kind()}, {"message", failure.what()}};
   if (!failure.suggestion().empty()) error["suggestion"] = failure.suggestion();
   try {
-    print(document({{"error", error}}));
+    print(line({{"error", error}}));
   } catch (Failure const&) {
     return false;
   }

@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include "test/ctl/KestctlRun.h"
 
@@ -8,8 +11,7 @@ namespace {
 class KestctlFailure : public KestctlRun {
  protected:
   static std::string document(std::string const& kind, std::string const& message) {
-    return "{\n  \"error\": {\n    \"kind\": \"" + kind + "\",\n    \"message\": \"" + message +
-           "\"\n  }\n}\n";
+    return R"({"error":{"kind":")" + kind + R"(","message":")" + message + "\"}}\n";
   }
 };
 
@@ -22,9 +24,8 @@ TEST_F(KestctlFailure, WhatTheAgentRefusesIsSaidWithWhatWasMeant) {
   EXPECT_EQ(people.out, "");
   EXPECT_EQ(people.exit, 1);
   Outcome const programs = run({"get", "x", "--json"}, {refusal});
-  EXPECT_EQ(programs.out,
-            "{\n  \"error\": {\n    \"kind\": \"path\",\n    \"message\": \"no 'x'\\n  here\",\n"
-            "    \"suggestion\": \"y\"\n  }\n}\n");
+  EXPECT_EQ(programs.out, R"({"error":{"kind":"path","message":"no 'x'\n  here","suggestion":"y"}})"
+                          "\n");
   EXPECT_EQ(programs.errors, "");
   EXPECT_EQ(programs.exit, 1);
 }
@@ -56,13 +57,57 @@ TEST_F(KestctlFailure, AnAgentThatDoesNotAnswerInTimeIsNotWaitedFor) {
   EXPECT_EQ(programs.exit, 4);
 }
 
+/// The only client of an agent that takes none.
+class FullBacklog {
+ public:
+  explicit FullBacklog(std::string const& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    auto const* const target = reinterpret_cast<sockaddr const*>(&address);
+    EXPECT_EQ(bind(listener_, target, sizeof address), 0);
+    EXPECT_EQ(listen(listener_, 0), 0);
+    EXPECT_EQ(connect(first_, target, sizeof address), 0);
+  }
+  ~FullBacklog() {
+    close(first_);
+    close(listener_);
+  }
+  FullBacklog(FullBacklog const&) = delete;
+  FullBacklog& operator=(FullBacklog const&) = delete;
+
+ private:
+  int listener_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  int first_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+};
+
+TEST_F(KestctlFailure, ABusySocketIsWaitedForToTheDeadline) {
+  std::string const path = directory + "/full.sock";
+  FullBacklog const full(path);
+  Outcome const outcome = runAlone({KEST_CTL, "types", "--socket", path, "--timeout", "0.1"});
+  EXPECT_EQ(outcome.errors, "kestctl: the agent took no connection in time\n");
+  EXPECT_EQ(outcome.exit, 4);
+}
+
+TEST_F(KestctlFailure, TheEndOfTheAgentIsOneLineThatSaysWhereToLook) {
+  std::string const message =
+      "the agent has ended, or has ended the connection: its log or its standard error says why; "
+      "try again when it is running";
+  for (char const* reply : {"", "{\"ok\":true"}) {
+    Outcome const people = run({"types"}, {reply});
+    EXPECT_EQ(people.errors, "kestctl: " + message + "\n");
+    EXPECT_EQ(people.exit, 3);
+    Outcome const programs = run({"types", "--json"}, {reply});
+    EXPECT_EQ(programs.out, document("no-agent", message));
+    EXPECT_EQ(programs.exit, 3);
+  }
+}
+
 TEST_F(KestctlFailure, AReplyThatIsNoneIsNoCrash) {
   struct {
     std::string reply;
     std::string message;
   } const cases[] = {
-      {"", "the agent ended the connection"},
-      {"{\"ok\":true", "the agent ended the connection"},
       {"nonsense\n", "it is no JSON"},
       {"\n", "it is no JSON"},
       {R"({"ok":true,"result":)" + std::string(1000000, '[') + "\n", "it is nested too deep"},
@@ -111,7 +156,7 @@ TEST_F(KestctlFailure, AResultOfTheWrongShapeIsNoCrash) {
 }
 
 TEST_F(KestctlFailure, AReplyThatNeverEndsIsGivenUp) {
-  Outcome const outcome = run({"types"}, {std::string((std::size_t{16} << 20) + 70000, 'x')});
+  Outcome const outcome = run({"types"}, {std::string((std::size_t{256} << 20) + 70000, 'x')});
   EXPECT_EQ(outcome.errors, "kestctl: the agent's reply cannot be used: it is too long\n");
   EXPECT_EQ(outcome.exit, 1);
 }

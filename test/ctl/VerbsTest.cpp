@@ -339,10 +339,41 @@ TEST_F(Kestctl, WatchShowsEventsUntilThereHaveBeenEnough) {
   EXPECT_EQ(outcome.exit, 0);
   Outcome const cut = run({"watch", "--json"}, {ok(R"({"watching":true})") + events});
   EXPECT_EQ(cut.out,
-            events +
-                "{\n  \"error\": {\n    \"kind\": \"reply\",\n    \"message\": \"the "
-                "agent's reply cannot be used: the agent ended the connection\"\n  }\n}\n");
-  EXPECT_EQ(cut.exit, 1);
+            events + R"({"error":{"kind":"no-agent","message":"the agent has ended, or has ended )"
+                     R"(the connection: its log or its standard error says why; try again when it )"
+                     R"(is running"}})"
+                     "\n");
+  EXPECT_EQ(cut.exit, 3);
+}
+
+TEST_F(Kestctl, WatchEndsWithWhatTheAgentSaysAtItsEnd) {
+  std::string const end = R"({"ok":false,"error":{"kind":"busy","message":"go away"}})"
+                          "\n";
+  Outcome const outcome = run({"watch"}, {ok(R"({"watching":true})") + end});
+  EXPECT_EQ(outcome.errors, "kestctl: go away\n");
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.exit, 1);
+}
+
+TEST_F(Kestctl, ALongFileFollowsItsRequest) {
+  std::string const content = "# " + std::string(70000, 'x');
+  fileIs("long", content);
+  Outcome const outcome = run({"diff", "long"}, {ok(R"({"steps":[],"unchanged":1})")});
+  ASSERT_EQ(outcome.requests.size(), 1U);
+  EXPECT_EQ(outcome.requests[0], R"({"verb":"diff","file":"long","bytes":70002})");
+  EXPECT_EQ(outcome.exit, 0);
+}
+
+/// It would take minutes if each member were looked for among those before.
+TEST_F(Kestctl, AReplyOfManyMembersIsRead) {
+  std::string members;
+  for (int i = 0; i < 200000; ++i) {
+    members += (i == 0 ? "\"" : ",\"") + std::to_string(i) + "\":1";
+  }
+  Outcome const outcome =
+      run({"get", "x", "--json"}, {ok(R"({"path":"x","value":{)" + members + "}}")});
+  EXPECT_EQ(outcome.exit, 0);
+  EXPECT_TRUE(outcome.out.ends_with("\"199999\": 1\n  }\n}\n"));
 }
 
 TEST_F(Kestctl, JsonIsTheResultAsItIs) {
