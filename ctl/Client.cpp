@@ -111,9 +111,9 @@ void Client::connect(std::string const& path, Deadline deadline) const {
 
 /// How long to wait for a connection; nothing else on the socket waits by itself.
 void Client::waitIs(Deadline deadline) const {
-  constexpr int thousand = 1000;
+  constexpr long thousand = 1000;
   if (!deadline) return;
-  int const wait = std::max(milliseconds(deadline), 1);  // 0 would be for ever
+  long const wait = std::max(milliseconds(deadline), 1);  // 0 would be for ever
   timeval const time{wait / thousand, wait % thousand * thousand};
   setsockopt(fd_, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
 }

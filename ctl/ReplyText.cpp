@@ -15,7 +15,7 @@ constexpr std::size_t deepestReply = 100;  // nested arrays and objects: they ar
 /// of an object for each new one.
 class Builder final : public nlohmann::json_sax<Json> {
  public:
-  Json take() { return std::move(root_); }
+  explicit Builder(Json& root) : root_(root) {}
 
   bool null() override { return add(nullptr); }
   bool boolean(bool value) override { return add(value); }
@@ -62,7 +62,7 @@ class Builder final : public nlohmann::json_sax<Json> {
     return members.emplace_back(std::move(name_), std::move(value)).second;
   }
 
-  Json root_;
+  Json& root_;
   std::vector<Json*> open_;
   std::string name_;
 };
@@ -70,9 +70,10 @@ class Builder final : public nlohmann::json_sax<Json> {
 }  // namespace
 
 Json jsonFromReply(std::string_view text) {
-  Builder builder;
+  Json root;
+  Builder builder(root);
   if (!Json::sax_parse(text, &builder)) throw BadReplyText("it is no JSON");
-  return builder.take();
+  return root;
 }
 
 }  // namespace Kest::Ctl

@@ -23,7 +23,7 @@ constexpr std::size_t blockBytes = std::size_t{16} << 10;
 constexpr std::size_t patience = std::size_t{64} << 10;
 constexpr std::uint32_t readable = EPOLLIN;
 constexpr std::uint32_t writable = EPOLLOUT;
-constexpr char const* resultLead = "{\"ok\":true,\"result\":";
+constexpr char const* resultLead = R"({"ok":true,"result":)";
 
 std::string text(Json const& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
@@ -33,7 +33,7 @@ std::string text(Json const& json) {
 std::string refusalLead(ControlError const& refused) {
   Json error{{"kind", Wire::name(refused.kind())}, {"message", refused.what()}};
   if (!refused.suggestion().empty()) error["suggestion"] = refused.suggestion();
-  return "{\"ok\":false,\"error\":" + text(error);
+  return R"({"ok":false,"error":)" + text(error);
 }
 
 /// The refusal that the exception being handled is. A lack of memory is thrown on.
@@ -207,7 +207,7 @@ void Connection::take(Answer answer) {
 }
 
 void Connection::takeFollowing() {
-  std::size_t const most = std::min<std::uint64_t>(following_, blockBytes);
+  auto const most = static_cast<std::size_t>(std::min<std::uint64_t>(following_, blockBytes));
   std::string_view const bytes = input_.bytes().substr(0, most);
   std::size_t const count = bytes.size();
   following_ -= count;

@@ -44,6 +44,8 @@ inline std::optional<std::string> nearMatch(std::string_view name,
   std::optional<std::string> found;
   for (std::string const& candidate : candidates) {
     if (candidate.size() > longest) continue;
+    auto const [shorter, longer] = std::minmax({candidate.size(), name.size()});
+    if (longer - shorter >= nearest) continue;  // so many letters more
     std::size_t const distance = editDistance(wanted, lower(candidate));
     if (distance < nearest) {
       nearest = distance;

@@ -20,7 +20,7 @@ class Conversation {
     Fuzz::FuzzedClient& from = line.starts_with(otherClient) ? second_ : first_;
     if (line.starts_with(otherClient)) line.remove_prefix(1);
     json const request = json::parse(line, nullptr, false);
-    if (mayEnd(request)) return;
+    if (mayEnd(request) || announcesBytes(request)) return;
     if (isWhole) from.asked(idOf(line, request));
     send(from, std::string(line) + (isWhole ? "\n" : ""));
     if (manner_ == 0) awaitReplies(from);
@@ -38,6 +38,11 @@ class Conversation {
   }
 
  private:
+  /// What follows would not be requests.
+  static bool announcesBytes(json const& request) {
+    return request.is_object() && request.contains("bytes");
+  }
+
   static json idOf(std::string_view line, json const& request) {
     bool const isRead = request.is_object() && line.find('\0') == line.npos;
     return isRead ? request.value("id", json(json::value_t::discarded))
