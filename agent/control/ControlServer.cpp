@@ -1,5 +1,6 @@
 #include "agent/control/ControlServer.h"
 
+#include <malloc.h>
 #include <sys/epoll.h>
 #include <sys/resource.h>
 
@@ -22,6 +23,8 @@ using Wire::ErrorKind;
 constexpr int clientsPerTurn = 16;
 constexpr std::size_t mostHeldByReaders = std::size_t{16} << 20;
 constexpr std::size_t mostHeldByTrusted = std::size_t{8} << 20;
+/// What clients that have gone must have held before the system gets its memory back.
+constexpr std::size_t worthTrimming = std::size_t{1} << 20;
 /// How long clients wait at the door while the system lets none in.
 constexpr Mox::Seconds pauseWhenStuck = 1;
 
@@ -73,6 +76,10 @@ ControlServer::~ControlServer() {
 
 /// Takes clients. One that there is no memory for is turned away without a word.
 void ControlServer::turn() {
+  if (freed_ >= worthTrimming) {
+    malloc_trim(0);
+    freed_ = 0;
+  }
   for (int taken = 0; taken < clientsPerTurn; ++taken) {
     try {
       if (!accept()) return;
@@ -117,6 +124,8 @@ void ControlServer::add(Descriptor client, Peer const& peer) {
 }
 
 void ControlServer::leave(Connection& gone) noexcept {
+  freed_ += gone.share();
+  if (freed_ >= worthTrimming) taking_.ready();
   places_.giveBack(gone.peer());
   connections_.erase(gone.fd());
 }

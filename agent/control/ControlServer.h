@@ -52,6 +52,7 @@ class ControlServer final : private Turns::Taker {
   Turns turns_;
   Turns::Member taking_;
   std::map<int, Client> connections_;
+  std::size_t freed_ = 0;  // by clients that have gone
   Mox::Ptr<Alarm> alarm_;
   Mox::Ptr<ConfigFeed> configFeed_;
   Mox::Ptr<StatusFeed> statusFeed_;
