@@ -12,8 +12,8 @@
 #include "agent/byname/ControlError.h"
 #include "agent/control/Account.h"
 #include "agent/control/Descriptor.h"
-#include "agent/control/Input.h"
-#include "agent/control/Output.h"
+#include "agent/control/Inbox.h"
+#include "agent/control/Outbox.h"
 #include "agent/control/Peer.h"
 #include "agent/control/Turns.h"
 #include "platform/mox/Time.h"
@@ -108,8 +108,8 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   Peer peer_;
   Account::Share share_;
   Turns::Member turns_;
-  Input input_;
-  Output output_;
+  Inbox input_;
+  Outbox output_;
   Mox::Seconds heardAt_;
 
   // Of the request that is being served.

@@ -17,8 +17,6 @@ namespace Kest::Wire {
 inline constexpr std::size_t longestRequest = std::size_t{64} << 10;
 /// A request of root or the agent's user, without the bytes that follow it.
 inline constexpr std::size_t longestTrustedRequest = std::size_t{1} << 20;
-/// What the client sends of a file.
-inline constexpr std::size_t longestContent = std::size_t{16} << 20;
 inline constexpr std::size_t deepestRequest = 16;      // nested arrays and objects
 inline constexpr std::size_t mostRequestValues = 256;  // names of members included
 inline constexpr std::size_t longestId = 1024;         // as JSON text

@@ -8,7 +8,7 @@ namespace Kest::Agent {
 
 /// What a client has not read yet: replies, and the events of one that watches. Events never come
 /// within a reply. Those that there is no room for are lost, and counted in an event of their own.
-class Output {
+class Outbox {
  public:
   /// The next part of a reply, which ends with a newline.
   void add(std::string_view text);

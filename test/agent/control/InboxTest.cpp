@@ -1,12 +1,12 @@
-#include "agent/control/Input.h"
+#include "agent/control/Inbox.h"
 
 #include <gtest/gtest.h>
 
 namespace Kest::Agent {
 namespace {
 
-TEST(Input, LinesAndBytesComeOutAsTheyCameIn) {
-  Input input;
+TEST(Inbox, LinesAndBytesComeOutAsTheyCameIn) {
+  Inbox input;
   input.add("on");
   EXPECT_FALSE(input.hasLine());
   input.add("e\n\ntwo\nhalf");
@@ -28,9 +28,9 @@ TEST(Input, LinesAndBytesComeOutAsTheyCameIn) {
   EXPECT_TRUE(input.isEmpty());
 }
 
-TEST(Input, HoldsNothingOnceItIsEmpty) {
-  std::size_t const idle = Input().held();
-  Input input;
+TEST(Inbox, HoldsNothingOnceItIsEmpty) {
+  std::size_t const idle = Inbox().held();
+  Inbox input;
   input.add(std::string(100000, 'x') + "\n");
   EXPECT_GT(input.held(), 100000U);
   ASSERT_TRUE(input.hasLine());

@@ -1,10 +1,10 @@
-#include "agent/control/Input.h"
+#include "agent/control/Inbox.h"
 
 #include <algorithm>
 
 namespace Kest::Agent {
 
-void Input::add(std::string_view bytes) {
+void Inbox::add(std::string_view bytes) {
   text_.erase(0, begin_);
   searched_ -= begin_;
   if (lineEnd_ != std::string::npos) lineEnd_ -= begin_;
@@ -12,7 +12,7 @@ void Input::add(std::string_view bytes) {
   text_.append(bytes);
 }
 
-void Input::drop(std::size_t bytes) {
+void Inbox::drop(std::size_t bytes) {
   begin_ += bytes;
   if (begin_ == text_.size()) {
     std::string().swap(text_);  // the memory goes, too
@@ -25,7 +25,7 @@ void Input::drop(std::size_t bytes) {
   searched_ = std::max(searched_, begin_);
 }
 
-bool Input::hasLine() const {
+bool Inbox::hasLine() const {
   if (lineEnd_ == std::string::npos) {
     lineEnd_ = text_.find('\n', searched_);
     searched_ = lineEnd_ == std::string::npos ? text_.size() : lineEnd_;

@@ -1,4 +1,4 @@
-#include "agent/control/Output.h"
+#include "agent/control/Outbox.h"
 
 #include <sys/socket.h>
 
@@ -16,7 +16,7 @@ constexpr std::size_t mostAtOnce = std::size_t{64} << 10;
 
 }  // namespace
 
-void Output::add(std::string_view text) {
+void Outbox::add(std::string_view text) {
   if (text.empty()) return;
   if (!inReply_) {
     text_ += events_;
@@ -27,7 +27,7 @@ void Output::add(std::string_view text) {
   inReply_ = text.back() != '\n';
 }
 
-void Output::addEvent(std::string_view line) {
+void Outbox::addEvent(std::string_view line) {
   if (lost_ > 0 || events_.size() + line.size() > Wire::mostWaitingEvents) {
     ++lost_;
   } else {
@@ -36,7 +36,7 @@ void Output::addEvent(std::string_view line) {
 }
 
 /// Events take the place of the text, which has been sent.
-bool Output::refill() {
+bool Outbox::refill() {
   if (inReply_) return false;
   text_ = std::exchange(events_, std::string());
   if (text_.empty() && lost_ > 0) {
@@ -46,7 +46,7 @@ bool Output::refill() {
   return !text_.empty();
 }
 
-bool Output::sendTo(int fd) {
+bool Outbox::sendTo(int fd) {
   for (std::size_t room = mostAtOnce; room > 0 && (unread() > 0 || refill());) {
     std::size_t const bytes = std::min(unread(), room);
     ssize_t const taken = send(fd, text_.data() + sent_, bytes, MSG_NOSIGNAL | MSG_DONTWAIT);

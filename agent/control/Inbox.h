@@ -8,7 +8,7 @@ namespace Kest::Agent {
 
 /// What a client has sent and nobody has used yet. Whatever comes, no byte is looked at twice in
 /// search of the end of a line, or moved more than a few times.
-class Input {
+class Inbox {
  public:
   void add(std::string_view bytes);
   void drop(std::size_t bytes);
