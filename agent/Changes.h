@@ -49,6 +49,9 @@ class Comparison {
   /// configuration in between shows in entries that have not been compared yet.
   bool goOn();
 
+  /// About how many bytes of memory the keys take that are still to be compared.
+  std::size_t held() const { return steps_.held(); }
+
   /// What has been found. The steps may be taken out as they are found.
   Changes& changes() noexcept { return changes_; }
 

@@ -26,6 +26,12 @@ bool OrderedKeys::gather() {
   return !sources_.empty();
 }
 
+std::size_t heldBy(std::vector<std::shared_ptr<OrderedKeys const>> const& all) {
+  std::size_t bytes = 0;
+  for (auto const& keys : all) bytes += keys->held();
+  return bytes;
+}
+
 std::optional<Mox::String8> OrderedKeys::take() {
   if (keys_.empty()) return std::nullopt;
   return std::move(keys_.extract(keys_.begin()).value());

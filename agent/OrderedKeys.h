@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <set>
 #include <utility>
@@ -41,13 +42,20 @@ class OrderedKeys {
 
   /// Keys that have been gathered and not been taken.
   std::size_t count() const noexcept { return keys_.size(); }
+  /// About how many bytes of memory they take, without the strings, which others share.
+  std::size_t held() const noexcept { return keys_.size() * bytesOfKey; }
 
   /// The next key in order; nothing once all have been taken. Not before all have been gathered.
   std::optional<Mox::String8> take();
 
  private:
+  static constexpr std::size_t bytesOfKey = 64;  // with the set's own
+
   std::vector<Source> sources_;  // the last one is being gathered
   std::set<Mox::String8, NaturalOrder> keys_;
 };
+
+/// About how many bytes of memory all of them take together.
+std::size_t heldBy(std::vector<std::shared_ptr<OrderedKeys const>> const& all);
 
 }  // namespace Kest::Agent

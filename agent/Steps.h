@@ -4,8 +4,10 @@
 #include <cstddef>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "agent/OrderedKeys.h"
 
@@ -24,13 +26,15 @@ class Steps {
   /// A part that calls `visit` with each key, in order.
   template <class Visit>
   void addVisits(OrderedKeys keys, Visit visit) {
-    add([keys = std::move(keys), visit, isGathered = false]() mutable -> std::size_t {
+    auto const shared = std::make_shared<OrderedKeys>(std::move(keys));
+    keys_.push_back(shared);
+    add([shared, visit, isGathered = false]() mutable -> std::size_t {
       if (!isGathered) {
-        std::size_t const before = keys.count();
-        isGathered = !keys.gather();
-        return 1 + keys.count() - before;
+        std::size_t const before = shared->count();
+        isGathered = !shared->gather();
+        return 1 + shared->count() - before;
       }
-      std::optional<Mox::String8> const key = keys.take();
+      std::optional<Mox::String8> const key = shared->take();
       if (key) visit(*key);
       return key ? 1 : 0;
     });
@@ -47,8 +51,12 @@ class Steps {
     return !parts_.empty();
   }
 
+  /// About how many bytes of memory the keys take that are still to be visited.
+  std::size_t held() const { return heldBy(keys_); }
+
  private:
   std::deque<Part> parts_;
+  std::vector<std::shared_ptr<OrderedKeys const>> keys_;
 };
 
 }  // namespace Kest::Agent

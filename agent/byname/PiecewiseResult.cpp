@@ -9,13 +9,25 @@ std::string jsonText(Json const& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
+void PiecewiseResult::add(KeyedPart part) {
+  keys_.push_back(std::move(part.keys));
+  add(std::move(part.part));
+}
+
 void PiecewiseResult::add(std::string text) {
   constexpr std::size_t pieceBytes = std::size_t{64} << 10;
-  add([text = std::move(text), at = std::size_t{0}](std::string& told) mutable {
+  textBytes_ += text.size();
+  add([this, text = std::move(text), at = std::size_t{0}](std::string& told) mutable {
     told.append(text, at, pieceBytes);
     at += pieceBytes;
-    return at < text.size();
+    if (at < text.size()) return true;
+    textBytes_ -= text.size();
+    return false;
   });
+}
+
+std::size_t PiecewiseResult::held() const {
+  return LongResult::held() + heldBy(keys_) + textBytes_;
 }
 
 LongResult::Progress PiecewiseResult::goOn(std::string& text) {
@@ -37,9 +49,9 @@ PiecewiseResult::Part whileAny(std::function<bool(Items& items)> tell, std::shar
   };
 }
 
-PiecewiseResult::Part forEachKey(OrderedKeys keys,
-                                 std::function<void(Items& items, Mox::String8 const& key)> tell,
-                                 std::shared_ptr<bool> any) {
+PiecewiseResult::KeyedPart forEachKey(
+    OrderedKeys keys, std::function<void(Items& items, Mox::String8 const& key)> tell,
+    std::shared_ptr<bool> any) {
   // Shared, since a function must be copyable and keys may be many.
   auto const ordered = std::make_shared<OrderedKeys>(std::move(keys));
   auto const tellNext = [ordered, tell = std::move(tell)](Items& items) {
@@ -47,9 +59,10 @@ PiecewiseResult::Part forEachKey(OrderedKeys keys,
     if (key) tell(items, *key);
     return key.has_value();
   };
-  return [ordered, told = whileAny(tellNext, std::move(any))](std::string& text) {
+  auto tellAll = [ordered, told = whileAny(tellNext, std::move(any))](std::string& text) {
     return ordered->gather() || told(text);
   };
+  return {std::move(tellAll), ordered};
 }
 
 }  // namespace Kest::Agent

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "agent/OrderedKeys.h"
 #include "agent/byname/Answer.h"
@@ -43,14 +45,28 @@ class PiecewiseResult final : public LongResult {
   /// the part is whole. Nothing but `std::bad_alloc` may come out of it.
   using Part = std::function<bool(std::string& text)>;
 
+  /// A part about keys, whose memory counts.
+  struct KeyedPart {
+    Part part;
+    std::shared_ptr<OrderedKeys const> keys;
+  };
+
+  PiecewiseResult() = default;
+  PiecewiseResult(PiecewiseResult const&) = delete;
+  PiecewiseResult& operator=(PiecewiseResult const&) = delete;
+
   void add(Part part) { parts_.push_back(std::move(part)); }
+  void add(KeyedPart part);
   /// A text as it is, however long.
   void add(std::string text);
 
   Progress goOn(std::string& text) override;
+  std::size_t held() const override;
 
  private:
   std::deque<Part> parts_;
+  std::vector<std::shared_ptr<OrderedKeys const>> keys_;
+  std::size_t textBytes_ = 0;  // of texts that are not told whole
 };
 
 /// The items that `tell` adds one after the other, until it returns false.
@@ -59,8 +75,8 @@ PiecewiseResult::Part whileAny(std::function<bool(Items& items)> tell,
                                std::shared_ptr<bool> any = std::make_shared<bool>(false));
 
 /// The items that `tell` adds for each key, in order. The keys are gathered first.
-PiecewiseResult::Part forEachKey(OrderedKeys keys,
-                                 std::function<void(Items& items, Mox::String8 const& key)> tell,
-                                 std::shared_ptr<bool> any = std::make_shared<bool>(false));
+PiecewiseResult::KeyedPart forEachKey(
+    OrderedKeys keys, std::function<void(Items& items, Mox::String8 const& key)> tell,
+    std::shared_ptr<bool> any = std::make_shared<bool>(false));
 
 }  // namespace Kest::Agent

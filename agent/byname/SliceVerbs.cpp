@@ -36,6 +36,7 @@ class SliceWork : public LongResult {
 
   /// Bytes of the file, before the first `goOn`; or all of them, for `goOn` to read.
   void take(std::string_view bytes) {
+    uploaded_ += bytes.size();
     try {
       reader_->take(bytes);
     } catch (std::exception const&) {
@@ -43,6 +44,12 @@ class SliceWork : public LongResult {
     }
   }
   void contentIs(std::string content) { content_ = std::move(content); }
+
+  /// An entry takes more memory than its text, which may be as short as twenty bytes.
+  std::size_t held() const override {
+    constexpr std::size_t bytesForOne = 16;
+    return LongResult::held() + content_.capacity() + bytesForOne * (uploaded_ + content_.size());
+  }
 
   Progress goOn(std::string& text) override {
     try {
@@ -72,13 +79,15 @@ class SliceWork : public LongResult {
 
   std::unique_ptr<SliceReader> reader_;  // null when the slice has been read
   std::string content_;
-  std::size_t taken_ = 0;  // bytes of the content
+  std::size_t taken_ = 0;     // bytes of the content
+  std::size_t uploaded_ = 0;  // bytes that came after the request
 };
 
 class SliceUpload final : public Upload {
  public:
   explicit SliceUpload(std::unique_ptr<SliceWork> work) : work_(std::move(work)) {}
 
+  std::size_t held() const override { return work_->held(); }
   void take(std::string_view bytes) override { work_->take(bytes); }
   Answer end() override { return std::unique_ptr<LongResult>(std::move(work_)); }
 
@@ -121,6 +130,10 @@ class DiffWork final : public SliceWork {
   DiffWork(Request const& request, Mox::Ptr<Config const> running)
       : SliceWork(request), running_(std::move(running)) {}
 
+  std::size_t held() const override {
+    return SliceWork::held() + (comparison_ ? comparison_->held() : 0);
+  }
+
  protected:
   void begin(Slice wanted) override { comparison_.emplace(running_, wanted.config); }
 
@@ -151,6 +164,8 @@ class DumpWork final : public LongResult {
         isOnTrial_(form == SliceForm::json),
         trial_(config_, handles, form),
         writer_(config_, std::move(handles), form, SliceWriter::NoUtf8::replaced) {}
+
+  std::size_t held() const override { return LongResult::held() + trial_.held() + writer_.held(); }
 
   Progress goOn(std::string& text) override {
     std::string lines;

@@ -23,7 +23,7 @@ struct Verbs::Verb {
   using Longer = Answer (Verbs::*)(Request const&, Later);
 
   char const* name;
-  bool (*changes)(Request const& request);
+  bool (*changes)(Request const& request);  // or takes as long as the whole state is large
   std::variant<Now, InPieces, Longer> carryOut;
 };
 
@@ -48,7 +48,8 @@ std::span<Verbs::Verb const> Verbs::all() {
       {"driver",
        [](Request const& request) {
          std::string const action = request.string("action");
-         return action == "fault" || action == "flip";
+         bool const isOfWholeState = action == "dump" || action == "state";
+         return isOfWholeState || action == "fault" || action == "flip";
        },
        &Verbs::driver},
       {"mode", [](Request const& request) { return request.find("mode") != nullptr; },
@@ -71,8 +72,9 @@ Answer Verbs::carryOut(Json const& json, bool mayChange, Later later) {
                        Wire::nearMatch(name, names).value_or(std::string()));
   }
   if (!mayChange && verb->changes(request)) {
-    throw ControlError(ErrorKind::denied,
-                       "'" + name + "' changes the agent: only root and the agent's user may");
+    throw ControlError(
+        ErrorKind::denied,
+        "'" + name + "' changes the agent or holds it up: only root and the agent's user may");
   }
   try {
     return std::visit(

@@ -189,6 +189,7 @@ class SliceWriter::Walk {
     text_ = &text;
     return steps_.take(entriesAtOnce);
   }
+  std::size_t held() const { return steps_.held(); }
 
  private:
   template <class Work>
@@ -268,6 +269,10 @@ SliceWriter::~SliceWriter() = default;
 
 bool SliceWriter::goOn(std::string& text) {
   return walk_->goOn(text);
+}
+
+std::size_t SliceWriter::held() const {
+  return walk_->held();
 }
 
 namespace {

@@ -31,6 +31,8 @@ class SliceWriter {
   /// Appends whole lines for a millisecond at most; false when the text is whole.
   /// `Mox::RangeException` for a string that is no UTF-8, if it is refused.
   bool goOn(std::string& text);
+  /// About how many bytes of memory the keys take that are still to be written.
+  std::size_t held() const;
 
  private:
   class Walk;

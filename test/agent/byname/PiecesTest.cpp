@@ -79,6 +79,21 @@ TEST_F(Pieces, AreWhatRequestsAboutAllPortsAreAnsweredIn) {
   EXPECT_EQ(verified.at("differences").size(), ports);
 }
 
+TEST_F(Pieces, SayWhatMemoryTheirKeysTake) {
+  for (char const* request :
+       {R"({"verb":"show"})", R"({"verb":"verify"})", R"({"verb":"dump"})",
+        R"({"verb":"complete","path":"config/switchPort/"})",
+        R"({"verb":"diff","file":"a.slice","content":""})"}) {
+    auto const result = start(request);
+    std::size_t const before = result->held();
+    std::size_t most = before;
+    std::string text;
+    while (result->goOn(text) == LongResult::Progress::more) most = std::max(most, result->held());
+    EXPECT_GE(most, before + ports * sizeof(Mox::String8)) << request;
+    EXPECT_EQ(result->held(), before) << request;
+  }
+}
+
 TEST_F(Pieces, OfALongTextAreCut) {
   for (std::string const action : {"dump", "state"}) {
     std::string const request = R"({"verb":"driver","action":")" + action + "\"}";

@@ -35,7 +35,7 @@ class AnyRequest : public RefusedRequests {
        {"text", "device"},
        false,
        "action",
-       {"\"fault\"", "\"flip\""}},
+       {"\"dump\"", "\"state\"", "\"fault\"", "\"flip\""}},
       {{{"verb", "mode"}}, {"mode"}, false, "mode"},
       {{{"verb", "complete"}, {"path", "config/"}}, {"type", "handler"}},
   };
@@ -53,6 +53,7 @@ class AnyRequest : public RefusedRequests {
       "",
       "true",
       "log",
+      "dump",
       "fault",
       "flip",
       "polling",

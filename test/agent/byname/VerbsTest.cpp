@@ -285,7 +285,8 @@ TEST_F(Verb, WhoMayOnlyReadChangesNothing) {
         R"({"verb":"driver","action":"fault","text":""})"}) {
     std::string const verb = Json::parse(request).at("verb");
     EXPECT_EQ(ask(request, false),
-              "denied: '" + verb + "' changes the agent: only root and the agent's user may");
+              "denied: '" + verb +
+                  "' changes the agent or holds it up: only root and the agent's user may");
   }
   for (char const* request :
        {R"({"verb":"get","path":"config"})", R"({"verb":"verify"})", R"({"verb":"show"})",

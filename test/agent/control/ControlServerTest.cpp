@@ -210,7 +210,7 @@ TEST_F(ControlServerTest, OthersThanRootAndTheAgentsUserMayOnlyRead) {
   rounds(1);
   EXPECT_EQ(ask(*other, setSlice),
             R"({"ok":false,"error":{"kind":"denied","message":)"
-            R"("'set' changes the agent: only root and the agent's user may"}})"
+            R"("'set' changes the agent or holds it up: only root and the agent's user may"}})"
             "\n");
   EXPECT_EQ(ask(*other, getSlice), theSlice);
 }
