@@ -22,7 +22,22 @@ std::size_t HashTable::emptyFrom(std::size_t slot) const noexcept {
   return slot;
 }
 
-void HashTable::insert(std::size_t slot, std::uint32_t hash, PtrInterface& object) {
+/// From a hash's home on, lower hashes come first; then higher ones and empty slots, since what
+/// follows an empty slot has its home there. So the place can be found by halves, nearer ones
+/// first.
+std::size_t HashTable::lowerBoundFrom(std::size_t slot, std::uint32_t hash) const noexcept {
+  auto const isLower = [hash](Slot const& one) { return one.hash < hash; };
+  std::size_t step = 1;
+  while (slot + step < size_ && isLower(slots_[slot + step])) {
+    slot += step;
+    step *= 2;
+  }
+  std::size_t const end = std::min(slot + step, size_ - 1);
+  return static_cast<std::size_t>(std::partition_point(&slots_[slot], &slots_[end], isLower) -
+                                  &slots_[0]);
+}
+
+bool HashTable::insert(std::size_t slot, std::uint32_t hash, PtrInterface& object) {
   std::size_t end = emptyFrom(slot);
   if (count_ == most_ || end + 1 >= slots()) {
     bool const none = size_ == 0;
@@ -31,10 +46,12 @@ void HashTable::insert(std::size_t slot, std::uint32_t hash, PtrInterface& objec
     slot = lowerBound(hash) + rank;
     end = emptyFrom(slot);
   }
+  if (slot >= home(hash) + mostMoved || end >= slot + mostMoved) return false;
   std::copy_backward(&slots_[slot], &slots_[end], &slots_[end] + 1);
   slots_[slot] = {hash, &object};
   object.referenceNew();
   ++count_;
+  return true;
 }
 
 void HashTable::replace(std::size_t slot, PtrInterface& object) noexcept {

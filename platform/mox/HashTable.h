@@ -23,6 +23,7 @@ namespace Mox {
 class MOX_API HashTable {
  public:
   static constexpr std::uint32_t emptySlot = 0xFFFFFFFFU;
+  static constexpr std::size_t mostMoved = 2048;
 
   HashTable() = default;
   HashTable(HashTable const&) = delete;
@@ -38,9 +39,15 @@ class MOX_API HashTable {
   /// slots.
   std::size_t lowerBound(std::uint32_t hash) const noexcept {
     std::size_t slot = home(hash);
-    while (slots_[slot].hash < hash) ++slot;
+    std::size_t const far = slot + nearby;
+    while (slots_[slot].hash < hash) {
+      if (++slot == far) return lowerBoundFrom(slot, hash);
+    }
     return slot;
   }
+  /// The same from a slot between the home of `hash` and there on, for objects that many others
+  /// have pushed away.
+  std::size_t lowerBoundFrom(std::size_t slot, std::uint32_t hash) const noexcept;
   /// The first slot from `slot` on that has an object; `slots()` when there is none.
   std::size_t occupiedFrom(std::size_t slot) const noexcept {
     while (slot < size_ && slots_[slot].object == nullptr) ++slot;
@@ -48,8 +55,10 @@ class MOX_API HashTable {
   }
 
   /// Before the object in `slot`, which is the lower bound of `hash` or behind objects that have
-  /// it; any slot where there are none yet. Without memory the table is as it was.
-  void insert(std::size_t slot, std::uint32_t hash, PtrInterface& object);
+  /// it; any slot where there are none yet. False, and the table is as it was, when the object
+  /// would be `mostMoved` slots from its home, or push so many others along: chance does not lead
+  /// there, somebody has chosen these hashes. Without memory the table is as it was, too.
+  bool insert(std::size_t slot, std::uint32_t hash, PtrInterface& object);
   /// Puts `object` in the place of the one in `slot`, which has the same hash.
   void replace(std::size_t slot, PtrInterface& object) noexcept;
   /// The slot must have an object.
@@ -57,6 +66,8 @@ class MOX_API HashTable {
   void clear() noexcept;
 
  private:
+  static constexpr std::size_t nearby = 16;  // slots that are looked at one by one
+
   struct [[gnu::packed]] Slot {
     std::uint32_t hash = emptySlot;
     PtrInterface* object = nullptr;

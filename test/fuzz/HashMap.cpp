@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "test/fuzz/Fuzz.h"
+#include "test/support/KeysOfHash.h"
 
 /// The hash map beside a plain ordered one. The input is a list of operations.
 namespace {
@@ -46,12 +47,20 @@ class Run {
   };
   static constexpr std::size_t mostWalkers = 8;
 
-  /// Four pairs of keys with one hash each, the empty key, then numbered ports.
+  /// Four pairs of keys with one hash each, the empty key, two of the crowd, then numbered ports.
   String8 key() {
-    static String8 const special[] = {"bunaba", "lesuso", "gutoki", "pogale", "setube",
-                                      "seviza", "bogoka", "vakega", ""};
+    static String8 const special[] = {
+        "bunaba",           "lesuso", "gutoki", "pogale", "setube",
+        "seviza",           "bogoka", "vakega", "",       String8(crowd()[0]),
+        String8(crowd()[1])};
     std::size_t const number = input_.byte();
     return number < std::size(special) ? special[number] : String8("et" + std::to_string(number));
+  }
+  /// So many keys with one home that the map gives its table up.
+  static std::vector<std::string> const& crowd() {
+    static std::vector<std::string> const keys =
+        Support::KeysOfHash().next(Mox::HashTable::mostMoved + 8, 1);
+    return keys;
   }
   static Place placeOf(String8 const& key) { return {key.hash(), key}; }
 
@@ -91,6 +100,9 @@ class Run {
   /// So that buckets are doubled and keys share them.
   void insertMany() {
     unsigned const first = input_.byte() * 16U;
+    if (first == 0) {
+      for (std::string const& one : crowd()) insert(String8(one));
+    }
     for (unsigned i = 0; i < 16; ++i) insert(String8("po" + std::to_string(first + i)));
   }
 

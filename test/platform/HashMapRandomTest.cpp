@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/mox/HashMap.h"
+#include "test/support/KeysOfHash.h"
 
 namespace Mox {
 namespace {
@@ -33,10 +34,12 @@ class Entry : public HashMapEntry {
 /// and iterators with what they should designate.
 class RandomRun {
  public:
-  explicit RandomRun(std::uint64_t seed) : random_(seed) {
-    // Four pairs of keys with one hash each.
-    keys_ = {"bunaba", "lesuso", "gutoki", "pogale", "setube", "seviza", "bogoka", "vakega"};
-    for (int i = 0; i < 1000; ++i) keys_.emplace_back("et" + std::to_string(i));
+  RandomRun(std::uint64_t seed, std::vector<String8> keys)
+      : random_(seed), keys_(std::move(keys)) {}
+
+  void insertAll() {
+    for (String8 const& key : keys_) insert(key);
+    compareAll();
   }
 
   void steps(int count) {
@@ -169,10 +172,35 @@ class RandomRun {
   bool growing_ = true;
 };
 
+std::vector<String8> ordinaryKeys() {
+  // Four pairs of keys with one hash each.
+  std::vector<String8> keys{"bunaba", "lesuso", "gutoki", "pogale",
+                            "setube", "seviza", "bogoka", "vakega"};
+  for (int i = 0; i < 1000; ++i) keys.emplace_back("et" + std::to_string(i));
+  return keys;
+}
+
+/// More than one place in a table may have.
+std::vector<String8> crowdedKeys(std::uint32_t step, std::uint32_t hash) {
+  std::vector<std::string> const keys =
+      Support::KeysOfHash().next(HashTable::mostMoved * 3 / 2, step, hash);
+  return {keys.begin(), keys.end()};
+}
+
 class HashMapRandomTest : public ::testing::TestWithParam<std::uint64_t> {};
 
 TEST_P(HashMapRandomTest, HoldsAndWalksWhatAPlainMapDoes) {
-  RandomRun(GetParam()).steps(40000);
+  RandomRun(GetParam(), ordinaryKeys()).steps(40000);
+}
+
+TEST_P(HashMapRandomTest, HoldsKeysThatSomebodyHasChosen) {
+  for (std::uint32_t const step : {0U, 1U}) {
+    RandomRun run(GetParam(),
+                  crowdedKeys(step, GetParam() == 1 ? 0xFFFFFFFFU - 3072 * step : 0x20000000U));
+    run.steps(1000);
+    run.insertAll();
+    run.steps(4000);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, HashMapRandomTest, ::testing::Values(1, 2, 3));

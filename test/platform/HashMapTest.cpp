@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "test/platform/Journaled.h"
+#include "test/support/KeysOfHash.h"
 
 namespace Mox {
 namespace {
@@ -111,6 +113,75 @@ TEST_F(HashMapTest, ClearsAlsoWhatGoingEntriesBringIn) {
   map.clear();
   EXPECT_EQ(map.count(), 0U);
   EXPECT_THAT(events, ElementsAre("lesuso gone", "et3 gone"));
+}
+
+TEST_F(HashMapTest, HoldsKeysAtBothEndsOfTheHashes) {
+  // Two keys share each end: the hash of one is moved there, since it says that there is none.
+  std::string const zero = Support::KeysOfHash().next(0), one = Support::KeysOfHash().next(1);
+  std::string const last = Support::KeysOfHash().next(0xFFFFFFFEU);
+  std::string const empty = Support::KeysOfHash().next(0xFFFFFFFFU);
+  std::vector<std::string> const expected{std::min(zero, one), std::max(zero, one),
+                                          std::min(last, empty), std::max(last, empty)};
+  for (std::string const& key : {empty, last, one, zero}) insert(key.c_str());
+  EXPECT_EQ(walk(), expected);
+  for (std::string const& key : expected) {
+    map.remove(map.place(String8(key)));
+    EXPECT_EQ(map.find(String8(key)), nullptr);
+  }
+  EXPECT_EQ(map.count(), 0U);
+}
+
+/// More keys of one hash than its table takes.
+class CrowdedHashMapTest : public HashMapTest {
+ protected:
+  CrowdedHashMapTest() {
+    std::sort(keys.begin(), keys.end());
+    for (std::string const& key : keys) insert(key.c_str());
+  }
+
+  std::vector<std::string> keys =
+      Support::KeysOfHash().next(HashTable::mostMoved + 2, 0);  // in the map's order
+};
+
+TEST_F(CrowdedHashMapTest, IsWalkedInOrderByAnIteratorFromBefore) {
+  map.clear();
+  insert(keys[0].c_str());
+  auto it = map.iteratorConst();
+  for (std::string const& key : keys) insert(key.c_str());
+  map.remove(map.place(String8(keys[1])));
+  ++it;
+  EXPECT_EQ(it->name(), keys[2]);
+  EXPECT_EQ(map.place(it).entry(), map.find(String8(keys[2])));
+  map.remove(map.place(it));
+  EXPECT_EQ(map.place(it).entry(), nullptr);
+  ++it;
+  EXPECT_EQ(it->name(), keys[3]);
+  keys.erase(keys.begin() + 1, keys.begin() + 3);
+  EXPECT_EQ(walk(), keys);
+}
+
+TEST_F(CrowdedHashMapTest, ReplacesAnEntryWhichMayLookAtTheMap) {
+  insert(keys[5].c_str(), "old")->whenGone = [this] {
+    EXPECT_EQ(map.find(String8(keys[5]))->name(), "new");
+  };
+  insert(keys[5].c_str(), "new");
+  EXPECT_EQ(events.back(), "old gone");
+  EXPECT_EQ(map.count(), keys.size());
+}
+
+TEST_F(CrowdedHashMapTest, ClearsAlsoWhatGoingEntriesBringIn) {
+  insert(keys[7].c_str())->whenGone = [this] { insert("et3"); };
+  map.clear();
+  EXPECT_EQ(map.count(), 0U);
+  EXPECT_EQ(events.back(), "et3 gone");
+}
+
+TEST_F(CrowdedHashMapTest, IsAnOrdinaryOneAgainOnceItIsEmpty) {
+  for (std::string const& key : keys) map.remove(map.place(String8(key)));
+  EXPECT_EQ(map.count(), 0U);
+  EXPECT_FALSE(map.iteratorConst());
+  insert("et1");
+  EXPECT_THAT(walk(), ElementsAre("et1"));
 }
 
 TEST_F(HashMapTest, OrderIsThatOfTheHashesThenOfTheKeysWhateverTheInsertionOrder) {

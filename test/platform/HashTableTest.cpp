@@ -40,7 +40,7 @@ class HashTableTest : public ::testing::Test {
     std::size_t slot = table.slots() == 0 ? 0 : table.lowerBound(hash);
     for (; rank > 0 && at < model.size() && model[at].hash == hash; --rank, ++at, ++slot) {
     }
-    table.insert(slot, hash, *thing);
+    ASSERT_TRUE(table.insert(slot, hash, *thing));
     model.insert(model.begin() + static_cast<std::ptrdiff_t>(at), {hash, thing.ptr()});
   }
 
@@ -69,6 +69,17 @@ TEST_F(HashTableTest, TakesManyObjectsOfOneHashBehindTheLastHome) {
   for (std::size_t i = 0; i < 300; ++i) insert(0xFFFFFFFEU, i % 7);
   expectAsModel();
   for (std::size_t i = 300; i > 0; --i) remove(i * 31 % i);
+  expectAsModel();
+}
+
+TEST_F(HashTableTest, TakesNoObjectFarFromItsHome) {
+  for (std::size_t i = 0; i < HashTable::mostMoved; ++i) insert(static_cast<std::uint32_t>(i), 0);
+  expectAsModel();
+  Ptr<Thing> const thing(new Thing);
+  std::uint32_t const last = HashTable::mostMoved;
+  EXPECT_FALSE(table.insert(table.lowerBound(last), last, *thing));
+  EXPECT_FALSE(table.insert(table.lowerBound(0), 0, *thing));  // it would push all others along
+  EXPECT_EQ(thing->references(), 1U);
   expectAsModel();
 }
 

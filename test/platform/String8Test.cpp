@@ -87,6 +87,12 @@ TEST(String8Test, HashIsOfTheBytesAloneAndTheSameOnEveryMachine) {
   EXPECT_EQ(String8().hash(), 1U);
 }
 
+TEST(String8Test, HashesThatSayThatThereIsNoneGiveWay) {
+  // Their hashes come to 0, "not hashed", and to 2^32 - 1, "empty" in a table: see KeysOfHash.
+  EXPECT_EQ(String8("etet-keyX`NJAdlf").hash(), 1U);
+  EXPECT_EQ(String8("etet-key;/#p_)!(").hash(), 0xFFFFFFFEU);
+}
+
 TEST(String8Test, EqualHashesDoNotMakeEqualStrings) {
   ASSERT_EQ(String8("bunaba").hash(), String8("lesuso").hash());
   EXPECT_FALSE(String8("bunaba") == String8("lesuso"));
