@@ -1,9 +1,7 @@
 #pragma once
 
-#include <cstdlib>
 #include <optional>
 #include <ostream>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -13,30 +11,9 @@
 #include "agent/control/ControlServer.h"
 #include "platform/mox/Trace.h"
 #include "test/fuzz/Machine.h"
+#include "test/fuzz/SocketFolder.h"
 
 namespace Fuzz {
-
-/// A new directory for the socket, gone with it.
-class SocketFolder {
- public:
-  SocketFolder() {
-    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("mkdtemp " + path_);
-  }
-  SocketFolder(SocketFolder const&) = delete;
-  SocketFolder& operator=(SocketFolder const&) = delete;
-  ~SocketFolder() {
-    unlink((socket() + ".lock").c_str());
-    rmdir(path_.c_str());
-  }
-  std::string socket() const { return path_ + "/s"; }
-
- private:
-  static std::string temporary() {
-    char const* const path = std::getenv("TMPDIR");
-    return path == nullptr ? "/tmp" : path;
-  }
-  std::string path_ = temporary() + "/kest-fuzz-XXXXXX";
-};
 
 /// An agent as clients see it, in time that stands still: it serves its control socket and applies
 /// slices a step a round. It stays from input to input; `reset` brings it back to its beginning.

@@ -1,0 +1,140 @@
+#!/usr/bin/env python3
+"""Shows that nothing an outsider sends costs more than its size: counts the instructions that each
+reader takes for texts of growing size. Fails when a text costs more by the byte the longer it is.
+scripts/complexity builds what it needs and runs it."""
+
+import argparse
+import os
+import queue
+import re
+import subprocess
+import sys
+import tempfile
+import threading
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+import callgrind
+
+BUILD = Path(__file__).resolve().parent.parent.parent / "build/release"
+PROGRAM = "bin/complexity"
+KIBIBYTE = 1024
+SIZES = (1, 4, 16, 64, 256)  # KiB
+# What an added byte may cost beside one that was added before, each size being four times the last.
+# n log n: 1.4 at most from 32 pieces on. n times the root of n: 2. Squares: 4.
+GROWTH = 1.5
+# Instructions a byte that are never too many. Below them is what refuses a text before it has read it,
+# copies it, or looks through it for a character.
+FREE = 4
+ENOUGH = 50_000_000  # instructions: a text that took more is not followed by a larger one
+PLANTED = {"planted: linear": False, "planted: n log n": False,
+           "planted: quadratic": True, "planted: quadratic moves": True}  # whether they grow
+
+
+class Readers:
+    """A process in which any reader reads, under callgrind."""
+
+    def __init__(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.report = Path(self.folder.name) / "report"
+        self.dumps = 0
+        self.process = subprocess.Popen(
+            ["/usr/bin/valgrind", "--tool=callgrind", "--vgdb=no", "--instr-atstart=no",
+             "--collect-atstart=no", "--dump-line=no", f"--callgrind-out-file={self.report}", PROGRAM],
+            cwd=BUILD, env=callgrind.ENVIRONMENT | {"TMPDIR": self.folder.name}, text=True,
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+    def count(self, number, size):
+        """The bytes of a text of the case of that number, and the instructions that it took."""
+        print(number, size, file=self.process.stdin, flush=True)
+        line = self.process.stdout.readline()
+        if not line:
+            sys.exit(self.process.stderr.read())
+        self.dumps += 1
+        dump = Path(f"{self.report}.{self.dumps}")
+        total = re.search(r"^totals: (\d+)", dump.read_text(encoding="utf-8"), re.MULTILINE)
+        dump.unlink()
+        return int(line), int(total.group(1))
+
+    def count_sizes(self, number):
+        """The same for growing texts, until one has grown too dear."""
+        counts = []
+        for size in SIZES:
+            counts.append(self.count(number, size * KIBIBYTE))
+            if grows(counts) or counts[-1][1] > ENOUGH:
+                break
+        return counts
+
+    def end(self):
+        self.process.communicate()
+        self.folder.cleanup()
+
+
+def grows(counts):
+    """Whether the last bytes cost more than those before them. A constant cost hides growth, so what is
+    compared is what was added; and the whole, which shows squares with two sizes."""
+    slopes = [(b[1] - a[1]) / (b[0] - a[0]) for a, b in zip(counts, counts[1:])]
+    wholes = [instructions / size for size, instructions in counts]
+    return any(after > GROWTH * max(before, 0) + FREE
+               for costs in (slopes, wholes) for before, after in zip(costs, costs[1:]))
+
+
+def cases():
+    """The names of the readers and of their cases, by number."""
+    lines = callgrind.run(BUILD, PROGRAM, "--list").splitlines()
+    return {number: tuple(line.split("\t")) for number, line in enumerate(lines)}
+
+
+def count_all(chosen):
+    """The names of each case, and its counts. As many run at once as there are processors."""
+    own, processes = threading.local(), []
+
+    def start():
+        own.readers = Readers()
+        processes.append(own.readers)
+
+    with ThreadPoolExecutor(os.cpu_count(), initializer=start) as pool:
+        counts = {number: pool.submit(lambda one: own.readers.count_sizes(one), number)
+                  for number in chosen}
+        for number, names in chosen.items():
+            yield names, counts[number].result()
+    for readers in processes:
+        readers.end()
+
+
+def row(reader, case, counts):
+    costs = [f"{instructions / size:9.1f}" for size, instructions in counts]
+    costs += ["        -"] * (len(SIZES) - len(costs))
+    return f"{reader:28} {case:40} {''.join(costs)}  {'GROWS' if grows(counts) else 'ok'}"
+
+
+def check_planted(growing):
+    """The check sees what is known to grow, and nothing else."""
+    found = {reader for reader, _ in growing}
+    for reader, grows_indeed in PLANTED.items():
+        if (reader in found) != grows_indeed:
+            sys.exit(f"{reader}: should {'' if grows_indeed else 'not '}be found to grow")
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="scripts/complexity", description=__doc__)
+    parser.add_argument("reader", nargs="*", help="those whose names begin so; all by default")
+    options = parser.parse_args()
+    chosen = {number: names for number, names in cases().items()
+              if names[0] in PLANTED or names[0].startswith(tuple(options.reader or [""]))}
+    print(f"{'instructions a byte':69} " + "".join(f"{size:5} KiB" for size in SIZES))
+    growing = []
+    for names, counts in count_all(chosen):
+        print(row(*names, counts), flush=True)
+        if grows(counts):
+            growing.append(names)
+    check_planted(growing)
+    growing = [names for names in growing if names[0] not in PLANTED]
+    if growing:
+        sys.exit("cost more by the byte the longer they are:\n" +
+                 "\n".join(f"  {reader}: {case}" for reader, case in growing))
+    print(f"{len(chosen)} kinds of text: none costs more by the byte the longer it is")
+
+
+if __name__ == "__main__":
+    main()
