@@ -72,10 +72,10 @@ void readMessages(std::string const& text) {
 
 /// Results as each verb shows them, and events.
 void showResult(std::string const& text) {
-  Ctl::Json const result = Ctl::Json::parse(text);
   Ctl::Options options;
   options.arguments = {"state", "fap0"};
   Counted const counted;
+  Ctl::Json const result = Ctl::Json::parse(text);
   for (Ctl::Verb const& verb : Ctl::verbs()) {
     try {
       verb.present(result, options, true);
