@@ -46,7 +46,7 @@ bool HashTable::insert(std::size_t slot, std::uint32_t hash, PtrInterface& objec
     slot = lowerBound(hash) + rank;
     end = emptyFrom(slot);
   }
-  if (slot >= home(hash) + mostMoved || end >= slot + mostMoved) return false;
+  if (end - home(hash) >= mostMoved) return false;
   std::copy_backward(&slots_[slot], &slots_[end], &slots_[end] + 1);
   slots_[slot] = {hash, &object};
   object.referenceNew();

@@ -55,9 +55,9 @@ class MOX_API HashTable {
   }
 
   /// Before the object in `slot`, which is the lower bound of `hash` or behind objects that have
-  /// it; any slot where there are none yet. False, and the table is as it was, when the object
-  /// would be `mostMoved` slots from its home, or push so many others along: chance does not lead
-  /// there, somebody has chosen these hashes. Without memory the table is as it was, too.
+  /// it; any slot where there are none yet. False, and the table holds what it held, when so many
+  /// slots as `mostMoved` lie between the home of `hash` and the next empty one: chance does not
+  /// lead there, somebody has chosen these hashes. Without memory the table is as it was, too.
   bool insert(std::size_t slot, std::uint32_t hash, PtrInterface& object);
   /// Puts `object` in the place of the one in `slot`, which has the same hash.
   void replace(std::size_t slot, PtrInterface& object) noexcept;
