@@ -1,6 +1,7 @@
 #include "test/soak/SoakedAgent.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -29,6 +30,8 @@ int checked(int result, char const* what) {
 std::string scratchDirectory() {
   std::string name = (std::filesystem::temp_directory_path() / "kest-soak-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) checked(-1, "mkdtemp");
+  constexpr mode_t everyoneMayPass = 0711;  // to the socket
+  checked(chmod(name.c_str(), everyoneMayPass), "chmod");
   return name;
 }
 
@@ -46,12 +49,14 @@ std::string scratchDirectory() {
 
 }  // namespace
 
-SoakedAgent::SoakedAgent(std::string const& program, std::string const& sliceFile)
+SoakedAgent::SoakedAgent(std::string const& program, std::string const& sliceFile,
+                         std::string const& preloaded)
     : directory_(scratchDirectory()) {
   std::array<int, 2> errors{};
   checked(pipe2(errors.data(), O_CLOEXEC), "pipe2");
   pid_ = checked(fork(), "fork");
   if (pid_ == 0) {
+    if (!preloaded.empty()) setenv("LD_PRELOAD", preloaded.c_str(), 1);
     become(program,
            {"kest-slice-agent", "--control", socketPath(), "--poll", "--trace", "KestSliceDma/8",
             sliceFile},

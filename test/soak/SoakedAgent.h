@@ -18,7 +18,9 @@ class SoakedAgent {
  public:
   using Clock = std::chrono::steady_clock;
 
-  SoakedAgent(std::string const& program, std::string const& sliceFile);
+  /// @param preloaded a library that is loaded before all others, if any
+  SoakedAgent(std::string const& program, std::string const& sliceFile,
+              std::string const& preloaded = "");
   ~SoakedAgent();
   SoakedAgent(SoakedAgent const&) = delete;
   SoakedAgent& operator=(SoakedAgent const&) = delete;
