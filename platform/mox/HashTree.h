@@ -37,7 +37,7 @@ class MOX_API HashTree {
 
     friend std::strong_ordering operator<=>(Key const& a, Key const& b) noexcept {
       auto const byHash = a.key.hash() <=> b.key.hash();
-      return byHash != 0 ? byHash : a.key <=> b.key;
+      return std::is_neq(byHash) ? byHash : a.key <=> b.key;
     }
   };
   using All = std::map<Key, Ptr<PtrInterface>>;

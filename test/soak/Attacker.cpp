@@ -48,7 +48,8 @@ class Client {
   /// Whether anything could be done.
   bool turn() {
     if (fd_ < 0 && !connected()) return false;
-    bool const hasSent = send(), hasRead = read();
+    bool const hasSent = send();
+    bool const hasRead = read();
     return hasSent || hasRead;
   }
 
