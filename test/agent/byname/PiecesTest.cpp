@@ -23,10 +23,10 @@ class Pieces : public ServedAgent {
 
   std::unique_ptr<LongResult> start(std::string const& request) {
     return std::get<std::unique_ptr<LongResult>>(
-        verbs.carryOut(readRequest(request), false, [](Json const&) {}));
+        verbs.carryOut(readRequest(request), true, [](Json const&) {}));
   }
 
-  /// The pieces of the result to a reader's request.
+  /// The pieces of the result to a request.
   std::vector<std::string> pieces(std::string const& request) {
     auto const result = start(request);
     std::vector<std::string> all(1);
