@@ -67,7 +67,7 @@ std::string streamBytes(std::FILE* stream, std::string const& name, std::size_t 
 }
 
 std::string streamContent(std::FILE* stream, std::string const& name) {
-  std::string content = streamBytes(stream, name, Wire::longestRequest);
+  std::string content = streamBytes(stream, name, Wire::longestTrustedRequest);
   requireUtf8(content, name);
   return content;
 }

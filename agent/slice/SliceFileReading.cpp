@@ -37,7 +37,7 @@ bool SliceFileReading::goOn() {
   try {
     return readOn();
   } catch (FileError const&) {
-    if (fd_ < 0 || !hasChanged()) throw;
+    if (!reader_ || !hasChanged()) throw;
     return readAgain();
   }
 }

@@ -111,7 +111,7 @@ TEST_F(KestctlFailure, AReplyThatIsNoneIsNoCrash) {
       {"nonsense\n", "it is no JSON"},
       {"\n", "it is no JSON"},
       {R"({"ok":true,"result":)" + std::string(1000000, '[') + "\n", "it is nested too deep"},
-      {std::string(1000000, '{') + "\n", "it is nested too deep"},
+      {std::string(1000000, '{') + "\n", "it is no JSON"},
       {"[]\n", "it is no object"},
       {"7\n", "it is no object"},
       {"{}\n", "it has no 'ok'"},

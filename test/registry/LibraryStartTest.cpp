@@ -40,7 +40,10 @@ void madeString(void* self, std::string_view chars) {
 
 namespace {
 
+/// The library needs the driver's operations at once.
 void* load(char const* path) {
+  static void* const driver = dlopen(KEST_DRIVER_SIM, RTLD_NOW | RTLD_GLOBAL);
+  if (driver == nullptr) ADD_FAILURE() << dlerror();
   void* const handle = dlopen(path, RTLD_LAZY | RTLD_LOCAL);
   if (handle == nullptr) ADD_FAILURE() << dlerror();
   return handle;

@@ -90,7 +90,7 @@ TEST_F(Pieces, SayWhatMemoryTheirKeysTake) {
     std::string text;
     while (result->goOn(text) == LongResult::Progress::more) most = std::max(most, result->held());
     EXPECT_GE(most, before + ports * sizeof(Mox::String8)) << request;
-    EXPECT_EQ(result->held(), before) << request;
+    EXPECT_LE(result->held(), before) << request;
   }
 }
 
