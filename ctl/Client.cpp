@@ -38,7 +38,7 @@ constexpr std::size_t longestReply = std::size_t{256} << 20;  // bytes: a millio
                 "says why; try again when it is running");
 }
 
-Json const& member(Json const& object, char const* name) {
+Json const& memberOf(Json const& object, char const* name) {
   auto const found = object.find(name);
   if (found == object.end()) throwBadReply(std::string("it has no '") + name + "'");
   return *found;
@@ -50,10 +50,10 @@ std::string stringOf(Json const& value) {
 }
 
 [[noreturn]] void throwRefusal(Json const& reply) {
-  Json const& error = member(reply, "error");
+  Json const& error = memberOf(reply, "error");
   if (!error.is_object()) throwBadReply("its error is no object");
-  std::string const kind = stringOf(member(error, "kind"));
-  std::string const message = stringOf(member(error, "message"));
+  std::string const kind = stringOf(memberOf(error, "kind"));
+  std::string const message = stringOf(memberOf(error, "message"));
   bool const isSuggesting = error.contains("suggestion");
   throw Failure(Exit::failed, kind, message, isSuggesting ? stringOf(error.at("suggestion")) : "");
 }
@@ -182,8 +182,8 @@ Json Client::ask(Json const& request, Deadline deadline, std::string_view follow
   send(lineOf(request), deadline);
   send(following, deadline);
   Json const reply = receive(deadline);
-  if (member(reply, "ok") != true) throwRefusal(reply);
-  return member(reply, "result");
+  if (memberOf(reply, "ok") != true) throwRefusal(reply);
+  return memberOf(reply, "result");
 }
 
 Json Client::event() {

@@ -19,9 +19,9 @@ DeviceState_Type::DeviceState_Type() noexcept
     : ValueType("Hardware::Kest::Slice::DeviceState", Kind::enumeration) {}
 
 std::vector<Mox::String8> DeviceState_Type::enumerators() const {
-  std::vector<Mox::String8> names;
-  for (DeviceState const state : deviceStates) names.push_back(stringValue(state));
-  return names;
+  std::vector<Mox::String8> all;
+  for (DeviceState const state : deviceStates) all.push_back(stringValue(state));
+  return all;
 }
 
 Mox::MoxType const* DeviceState_fwkType() {

@@ -39,9 +39,9 @@ bool isSame(std::string const& field, Json const& wanted, Json const& has) {
 }
 
 /// Compares what the sides say of one port or device.
-class Comparison {
+class SideComparison {
  public:
-  Comparison(Config const& config, Status const& status, DriverView const& driver)
+  SideComparison(Config const& config, Status const& status, DriverView const& driver)
       : config_(config), status_(status), driver_(driver) {}
 
   std::vector<Difference> device(String8 const& devName) {
@@ -192,12 +192,12 @@ std::string Difference::message() const {
 
 std::vector<Difference> deviceDifferences(Config const& config, Status const& status,
                                           DriverView const& driver, String8 const& devName) {
-  return Comparison(config, status, driver).device(devName);
+  return SideComparison(config, status, driver).device(devName);
 }
 
 std::vector<Difference> portDifferences(Config const& config, Status const& status,
                                         DriverView const& driver, String8 const& ifName) {
-  return Comparison(config, status, driver).port(ifName);
+  return SideComparison(config, status, driver).port(ifName);
 }
 
 }  // namespace Kest::Agent

@@ -5,6 +5,7 @@
 #include "agent/Changes.h"
 #include "agent/byname/ChangeRules.h"
 #include "agent/byname/ControlError.h"
+#include "agent/byname/PiecewiseResult.h"
 #include "agent/byname/Verbs.h"
 #include "agent/slice/SliceReader.h"
 #include "agent/slice/SliceWriter.h"
@@ -13,10 +14,6 @@
 namespace Kest::Agent {
 
 namespace {
-
-std::string jsonText(std::string const& string) {
-  return Json(string).dump(-1, ' ', false, Json::error_handler_t::replace);
-}
 
 /// What a request says of a slice file, and the reader of that file.
 std::unique_ptr<SliceReader> readerFor(Request const& request) {
@@ -145,14 +142,14 @@ class DiffWork final : public SliceWork {
     }
     if (isMore) return Progress::more;
     text.append(*separator_ == ',' ? "" : separator_);
-    text.append("],\"unchanged\":").append(std::to_string(unchanged)).append("}");
+    text.append(R"(],"unchanged":)").append(std::to_string(unchanged)).append("}");
     return Progress::done;
   }
 
  private:
   Mox::Ptr<Config const> running_;
   std::optional<Comparison> comparison_;
-  char const* separator_ = "{\"steps\":[";  // in front of the next step
+  char const* separator_ = R"({"steps":[)";  // in front of the next step
 };
 
 /// Finds out whether JSON can hold the strings, which takes writing it, and then tells the file.
@@ -182,7 +179,7 @@ class DumpWork final : public LongResult {
     text.append(std::exchange(front_, "")).append(piece, 1, piece.size() - 2);
     if (isMore) return Progress::more;
     bool const hasChanged = config_->changeCount() != changeCount_;
-    text.append("\",\"changed\":").append(hasChanged ? "true" : "false").append("}");
+    text.append(R"(","changed":)").append(hasChanged ? "true" : "false").append("}");
     return Progress::done;
   }
 
@@ -192,7 +189,7 @@ class DumpWork final : public LongResult {
   bool isOnTrial_;
   SliceWriter trial_;
   SliceWriter writer_;
-  char const* front_ = "{\"content\":\"";
+  char const* front_ = R"({"content":")";
 };
 
 Json appliedJson(Applied const& applied) {
@@ -213,11 +210,11 @@ Answer Verbs::apply(Request const& request, Later later) {
   return answerOf(request, std::make_unique<ApplyWork>(request, std::move(apply)));
 }
 
-Answer Verbs::diff(Request const& request, Later /*later*/) {
+Answer Verbs::diff(Request const& request) {
   return answerOf(request, std::make_unique<DiffWork>(request, served_.config));
 }
 
-Answer Verbs::dump(Request const& request, Later /*later*/) {
+Answer Verbs::dump(Request const& request) {
   request.checkMembers({"format"});
   bool const isJson = request.oneOf("format", {"slice", "json"}) == "json";
   return std::unique_ptr<LongResult>(std::make_unique<DumpWork>(

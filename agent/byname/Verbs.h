@@ -37,8 +37,8 @@ class Verbs {
   Answer verify(Request const& request);
   Answer show(Request const& request);
   Answer apply(Request const& request, Later later);
-  Answer diff(Request const& request, Later later);
-  Answer dump(Request const& request, Later later);
+  Answer diff(Request const& request);
+  Answer dump(Request const& request);
   Json trace(Request const& request);
   Answer driver(Request const& request);
 

@@ -173,7 +173,7 @@ Answer ControlServer::serve(Connection& connection, Json const& request) {
 }
 
 /// An event that there is no memory for is lost, and counted as such.
-void ControlServer::publish(Json const& event) noexcept {
+void ControlServer::publish(Json const& event) {
   bool const isWatched = std::any_of(connections_.begin(), connections_.end(),
                                      [](auto const& entry) { return entry.second->isWatching(); });
   if (!isWatched) return;

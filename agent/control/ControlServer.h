@@ -42,7 +42,7 @@ class ControlServer final : private Turns::Taker {
   void alarmAt(Mox::Seconds at);
   void onAlarm();
   Answer serve(Connection& connection, Json const& request);
-  void publish(Json const& event) noexcept;
+  void publish(Json const& event);
 
   Listener listener_;
   Verbs verbs_;

@@ -143,7 +143,7 @@ void Listener::groupIs(std::string const& group) const {
     if (known == nullptr) refuse("cannot be made: there is no group '" + group + "'");
     number = known->gr_gid;
   }
-  constexpr uid_t sameOwner = static_cast<uid_t>(-1);
+  constexpr auto sameOwner = static_cast<uid_t>(-1);
   if (lchown(path_.c_str(), sameOwner, number) == 0) return;
   refuseErrno(("cannot be given to the group '" + group + "'").c_str());
 }

@@ -40,7 +40,7 @@ bool Outbox::refill() {
   if (inReply_) return false;
   text_ = std::exchange(events_, std::string());
   if (text_.empty() && lost_ > 0) {
-    text_ = "{\"event\":\"lost\",\"count\":" + std::to_string(lost_) + "}\n";
+    text_ = R"({"event":"lost","count":)" + std::to_string(lost_) + "}\n";
     lost_ = 0;
   }
   return !text_.empty();

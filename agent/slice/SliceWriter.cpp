@@ -58,10 +58,12 @@ bool isUtf8(std::string_view text) {
   }
 }
 
+}  // namespace
+
 /// How the parts of a slice file are written in one of its forms.
-class Form {
+class FileForm {
  public:
-  virtual ~Form() = default;
+  virtual ~FileForm() = default;
   virtual void handle(std::string& text, String8 const& path) = 0;
   virtual void scalar(std::string& text, Attribute const& attribute,
                       Mox::GenericIf const& value) = 0;
@@ -72,7 +74,9 @@ class Form {
   virtual void end(std::string& text) = 0;
 };
 
-class Statements final : public Form {
+namespace {
+
+class Statements final : public FileForm {
  public:
   void handle(std::string& text, String8 const& path) override {
     statement(text, handlesName, strep(path));
@@ -95,7 +99,7 @@ class Statements final : public Form {
   }
 };
 
-class JsonMembers final : public Form {
+class JsonMembers final : public FileForm {
  public:
   explicit JsonMembers(SliceWriter::NoUtf8 noUtf8) : noUtf8_(noUtf8) {}
 
@@ -161,7 +165,7 @@ class JsonMembers final : public Form {
   char const* listEnd_ = "";  // what closes the list that is being written, if one is
 };
 
-std::unique_ptr<Form> newForm(SliceForm form, SliceWriter::NoUtf8 noUtf8) {
+std::unique_ptr<FileForm> newForm(SliceForm form, SliceWriter::NoUtf8 noUtf8) {
   if (form == SliceForm::json) return std::make_unique<JsonMembers>(noUtf8);
   return std::make_unique<Statements>();
 }
@@ -172,7 +176,7 @@ std::unique_ptr<Form> newForm(SliceForm form, SliceWriter::NoUtf8 noUtf8) {
 class SliceWriter::Walk {
  public:
   Walk(Mox::Ptr<Config const> const& config, std::vector<String8> handles,
-       std::unique_ptr<Form> form)
+       std::unique_ptr<FileForm> form)
       : adapter_(Mox::genericOf(config)), form_(std::move(form)), handles_(std::move(handles)) {
     for (Attribute const* attribute : attributesInOrder()) {
       if (isCollection(*attribute)) findHandles(*attribute);
@@ -255,7 +259,7 @@ class SliceWriter::Walk {
   }
 
   Generic adapter_;
-  std::unique_ptr<Form> form_;
+  std::unique_ptr<FileForm> form_;
   std::vector<String8> handles_;  // paths, some of them more than once
   std::string* text_ = nullptr;
   Steps steps_;

@@ -66,7 +66,10 @@ class MOX_API Clock::NotifieeConst : public Mox::Entity::NotifieeConst {
  private:
   friend class Clock;
   Clock const* clock() const noexcept { return static_cast<Clock const*>(rawNotifier()); }
-  Seconds dueAt() const noexcept { return moxMarkedForDeletion() ? never : timeMin_; }
+  Seconds dueAt() const noexcept {
+    if (moxMarkedForDeletion()) return never;
+    return timeMin_;
+  }
 
   Seconds timeMin_ = 0;
   bool mutable registered_ = false;

@@ -13,7 +13,7 @@
 namespace Hardware::Kest::Sim {
 namespace {
 
-std::string refusal(SimDriver& driver, std::string const& text) {
+std::string faultRefusal(SimDriver& driver, std::string const& text) {
   try {
     driver.faultsAre(text, "my.faults");
   } catch (Mox::RangeException const& exception) {
@@ -91,7 +91,7 @@ TEST(FaultFile, SaysWhereItIsWrongAndThenChangesNothing) {
   std::string const before = driver.dumpText();
   for (auto const& row : table) {
     std::string const text = std::string("flip 'fap0'\nfail kestDmaIfadd * 1 always\n") + row.line;
-    EXPECT_EQ(refusal(driver, text), std::string("my.faults:3:") + row.error);
+    EXPECT_EQ(faultRefusal(driver, text), std::string("my.faults:3:") + row.error);
     EXPECT_EQ(driver.dumpText(), before) << row.line;
   }
 }
@@ -99,9 +99,9 @@ TEST(FaultFile, SaysWhereItIsWrongAndThenChangesNothing) {
 TEST(FaultFile, TakesNamesOfABoundedLength) {
   SimDriver driver;
   std::string const longest = "fail kestDmaIfdel '" + std::string(255, 'a') + "' 1 always\n";
-  EXPECT_EQ(refusal(driver, longest), "accepted");
+  EXPECT_EQ(faultRefusal(driver, longest), "accepted");
   EXPECT_EQ(driver.faultsText(), longest);
-  EXPECT_EQ(refusal(driver, "fail kestDmaIfdel '" + std::string(256, 'a') + "' 1 always"),
+  EXPECT_EQ(faultRefusal(driver, "fail kestDmaIfdel '" + std::string(256, 'a') + "' 1 always"),
             "my.faults:1:19: expected a name of at most 255 bytes, found a longer one");
 }
 

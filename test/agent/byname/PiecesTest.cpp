@@ -80,10 +80,9 @@ TEST_F(Pieces, AreWhatRequestsAboutAllPortsAreAnsweredIn) {
 }
 
 TEST_F(Pieces, SayWhatMemoryTheirKeysTake) {
-  for (char const* request :
-       {R"({"verb":"show"})", R"({"verb":"verify"})", R"({"verb":"dump"})",
-        R"({"verb":"complete","path":"config/switchPort/"})",
-        R"({"verb":"diff","file":"a.slice","content":""})"}) {
+  for (char const* request : {R"({"verb":"show"})", R"({"verb":"verify"})", R"({"verb":"dump"})",
+                              R"({"verb":"complete","path":"config/switchPort/"})",
+                              R"({"verb":"diff","file":"a.slice","content":""})"}) {
     auto const result = start(request);
     std::size_t const before = result->held();
     std::size_t most = before;

@@ -8,17 +8,17 @@
 namespace Kest::Agent {
 namespace {
 
-struct ValidRow {
+struct ValidJsonRow {
   char const* name;
   char const* json;
   char const* statements;  // that hold the same
 };
 
-void PrintTo(ValidRow const& row, std::ostream* out) {
+void PrintTo(ValidJsonRow const& row, std::ostream* out) {
   *out << row.name;
 }
 
-class ValidSliceJson : public testing::TestWithParam<ValidRow> {};
+class ValidSliceJson : public testing::TestWithParam<ValidJsonRow> {};
 
 TEST_P(ValidSliceJson, HoldsTheSameAsItsStatements) {
   {
@@ -34,7 +34,7 @@ TEST_P(ValidSliceJson, HoldsTheSameAsItsStatements) {
 #define DEVICE "Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** "
 #define PORT "Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** "
 
-ValidRow const rows[] = {
+ValidJsonRow const rows[] = {
     {"EmptyObject", "{}", ""},
     {"EmptyMembers",
      R"({"pciHam": [], "sliceId": "", "switchPort": {}, "nativeVlan": {}, "switchportMode": {},
