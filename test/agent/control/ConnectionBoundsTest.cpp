@@ -34,12 +34,12 @@ class ConnectionBoundsTest : public Connected {
 };
 
 TEST_F(ConnectionBoundsTest, ARequestHasALongestLengthThatDependsOnWhoAsks) {
-  struct Row {
+  struct Bound {
     bool mayChange;
     std::size_t longest;
   };
-  for (Row const& row :
-       {Row{false, Wire::longestRequest}, Row{true, Wire::longestTrustedRequest}}) {
+  for (Bound const& row :
+       {Bound{false, Wire::longestRequest}, Bound{true, Wire::longestTrustedRequest}}) {
     Pair pair = connected(row.mayChange);
     sendAll(pair.client, requestOf(row.longest) + "\n" + echo("next"));
     EXPECT_EQ(readAll(pair.client), echoed("long") + echoed("next"));

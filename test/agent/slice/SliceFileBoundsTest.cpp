@@ -77,14 +77,14 @@ TEST(SliceFile, HasPathsOf32StepsAnd255BytesAtMost) {
   struct {
     std::string path;
     std::string message;
-  } const rows[] = {
+  } const bounds[] = {
       {pathOf(32, 255), ""},
       {pathOf(33, 66), "expected a path of at most 32 steps, found one of 33"},
       {pathOf(4000, 8000), "expected a path of at most 32 steps, found one of 4000"},
       {pathOf(2, 256), "expected a path of at most 255 bytes, found one of 256"},
   };
   auto const firstLine = [](std::string const& text) { return text.substr(0, text.find('\n')); };
-  for (auto const& [path, message] : rows) {
+  for (auto const& [path, message] : bounds) {
     bool const isTaken = message.empty();
     EXPECT_EQ(firstLine(refusal("# handles\npciHam '" + path + "'")),
               isTaken ? "" : "slice:2:8: " + message);
