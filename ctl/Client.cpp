@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "agent/wire/Protocol.h"
 #include "ctl/Failure.h"
@@ -144,15 +145,16 @@ void Client::send(std::string_view bytes, Deadline deadline) {
 }
 
 std::string Client::line(Deadline deadline) {
-  std::size_t searched = 0;
+  std::size_t searched = begin_;
   while (true) {
     std::size_t const end = input_.find('\n', searched);
     if (end != std::string::npos) {
-      std::string line = input_.substr(0, end);
-      input_.erase(0, end + 1);
+      std::string line = input_.substr(begin_, end - begin_);
+      begin_ = end + 1;
       if (line.size() > longestReply) throwBadReply("it is too long");
       return line;
     }
+    input_.erase(0, std::exchange(begin_, 0));
     if (input_.size() > longestReply) throwBadReply("it is too long");
     searched = input_.size();
     await(POLLIN, deadline);

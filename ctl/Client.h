@@ -42,6 +42,7 @@ class Client {
 
   int fd_;
   std::string input_;
+  std::size_t begin_ = 0;  // of what has not been taken as a line
 };
 
 }  // namespace Kest::Ctl

@@ -18,9 +18,12 @@ std::size_t width(std::string_view text) {
   }));
 }
 
+/// Not beyond what is a column: what is wider stands out of its own, and costs the others nothing.
 std::string padded(std::string const& text, std::size_t to) {
+  constexpr std::size_t widestColumn = 80;
   std::size_t const has = width(text);
-  return text + std::string(to > has ? to - has : 0, ' ');
+  std::size_t const wanted = std::min(to, widestColumn);
+  return text + std::string(wanted > has ? wanted - has : 0, ' ');
 }
 
 void addPage(std::string& text, Json const& value, std::size_t indent) {

@@ -51,6 +51,9 @@ class Bounds {
 }  // namespace
 
 Json objectFromText(std::string_view text) {
+  if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
+    refuse("expected a JSON object, found nothing");
+  }
   // The parser would take it for the end.
   if (std::size_t const zero = text.find('\0'); zero != std::string_view::npos) {
     refuse("expected a JSON object; at byte " + std::to_string(zero + 1) + ": found a zero byte");

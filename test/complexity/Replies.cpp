@@ -11,6 +11,7 @@
 #include "ctl/Client.h"
 #include "ctl/Failure.h"
 #include "ctl/Present.h"
+#include "ctl/ReplyText.h"
 #include "test/complexity/Texts.h"
 #include "test/fuzz/SocketFolder.h"
 
@@ -65,7 +66,7 @@ void readMessages(std::string const& text) {
   Ctl::Client client(speaker.path(), Ctl::Client::after(aMinute));
   Counted const counted;
   try {
-    while (true) client.receive(Ctl::Client::after(aMinute));
+    while (true) client.event();
   } catch (Ctl::Failure const&) {  // NOLINT(bugprone-empty-catch): the end, or refused
   }
 }
@@ -75,7 +76,7 @@ void showResult(std::string const& text) {
   Ctl::Options options;
   options.arguments = {"state", "fap0"};
   Counted const counted;
-  Ctl::Json const result = Ctl::Json::parse(text);
+  Ctl::Json const result = Ctl::jsonFromReply(text);
   for (Ctl::Verb const& verb : Ctl::verbs()) {
     try {
       verb.present(result, options, true);

@@ -7,9 +7,8 @@ using BadRequest = RefusedRequests;
 
 TEST_F(BadRequest, IsNoJsonObject) {
   expectRefused({
-      {"",
-       "request: expected a JSON object; at byte 1: syntax error while parsing value - unexpected "
-       "end of input; expected '[', '{', or a literal"},
+      {"", "request: expected a JSON object, found nothing"},
+      {" \t\r", "request: expected a JSON object, found nothing"},
       {"{",
        "request: expected a JSON object; at byte 2: syntax error while parsing object key - "
        "unexpected end of input; expected string literal"},
