@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <deque>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -115,7 +116,12 @@ Harm harmOf(std::vector<Attacker> const& attackers, AttackOptions const& options
   std::size_t const idle = agent.residentKilobytes(), first = agent.polls().size();
   std::size_t most = idle;
   Harm harm;
-  Attack const attack(agent.socketPath(), attackers);
+  constexpr uid_t firstUser = 60000;  // one for each: users share the places, and the memory
+  std::deque<Attack> attacks;
+  for (Attacker const& attacker : attackers) {
+    auto const user = static_cast<uid_t>(firstUser + attacks.size());
+    attacks.emplace_back(agent.socketPath(), attacker, user);
+  }
   auto const start = Clock::now();
   for (std::size_t turn = 0; millisecondsSince(start) < options.seconds * 1000; ++turn) {
     constexpr int pauseMilliseconds = 20;
@@ -123,6 +129,7 @@ Harm harmOf(std::vector<Attacker> const& attackers, AttackOptions const& options
     most = std::max(most, agent.residentKilobytes());
     poll(nullptr, 0, pauseMilliseconds);
   }
+  for (Attack const& attack : attacks) attack.check();
   agent.awaitPoll(agent.polls().size());
   harm.lateness = latestPoll(agent.polls(), first);
   harm.growth = static_cast<double>(std::max(most, agent.residentKilobytes()) - idle) / 1024;

@@ -99,14 +99,12 @@ class Client {
   std::size_t asked_ = 0;  // requests
 };
 
-[[noreturn]] void attack(std::string const& path, std::vector<Attacker> const& attackers) {
-  constexpr uid_t nobody = 65534;
+[[noreturn]] void attack(std::string const& path, Attacker const& attacker, uid_t user) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (geteuid() == 0 && (setgid(nobody) != 0 || setuid(nobody) != 0)) _exit(1);
+  if (geteuid() == 0 && (setgid(user) != 0 || setuid(user) != 0)) _exit(1);
+  if (access(path.c_str(), R_OK | W_OK) != 0) _exit(1);  // it would attack nobody
   std::deque<Client> clients;
-  for (Attacker const& attacker : attackers) {
-    for (std::size_t i = 0; i < attacker.clients; ++i) clients.emplace_back(path, attacker);
-  }
+  for (std::size_t i = 0; i < attacker.clients; ++i) clients.emplace_back(path, attacker);
   constexpr int pauseMilliseconds = 1;  // when the agent takes nothing and says nothing
   while (true) {
     auto const busy =
@@ -143,10 +141,13 @@ std::vector<Attacker> attackers() {
   };
 }
 
-Attack::Attack(std::string const& socketPath, std::vector<Attacker> const& attackers)
-    : pid_(fork()) {
+Attack::Attack(std::string const& socketPath, Attacker const& attacker, uid_t user) : pid_(fork()) {
   if (pid_ < 0) throw std::system_error(errno, std::generic_category(), "fork");
-  if (pid_ == 0) attack(socketPath, attackers);
+  if (pid_ == 0) attack(socketPath, attacker, user);
+}
+
+void Attack::check() const {
+  if (waitpid(pid_, nullptr, WNOHANG) != 0) throw std::runtime_error("the attacker has ended");
 }
 
 Attack::~Attack() {

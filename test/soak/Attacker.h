@@ -21,13 +21,16 @@ struct Attacker {
 /// Those that are known.
 std::vector<Attacker> attackers();
 
-/// A process in which attackers attack, as user nobody if this one is root's. It ends with this.
+/// A process in which an attacker attacks, as `user` if this one is root's. It ends with this.
 class Attack {
  public:
-  Attack(std::string const& socketPath, std::vector<Attacker> const& attackers);
+  Attack(std::string const& socketPath, Attacker const& attacker, uid_t user);
   Attack(Attack const&) = delete;
   Attack& operator=(Attack const&) = delete;
   ~Attack();
+
+  /// `std::runtime_error` when it does not attack any more: it could not reach the socket, say.
+  void check() const;
 
  private:
   pid_t pid_;

@@ -58,8 +58,8 @@ SoakedAgent::SoakedAgent(std::string const& program, std::string const& sliceFil
   if (pid_ == 0) {
     if (!preloaded.empty()) setenv("LD_PRELOAD", preloaded.c_str(), 1);
     become(program,
-           {"kest-slice-agent", "--control", socketPath(), "--poll", "--trace", "KestSliceDma/8",
-            sliceFile},
+           {"kest-slice-agent", "--control", socketPath(), "--control-mode", "666", "--poll",
+            "--trace", "KestSliceDma/8", sliceFile},
            errors[1]);
   }
   close(errors[1]);
