@@ -5,7 +5,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
-#include <cmath>
+#include <limits>
 #include <new>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -22,7 +22,8 @@ using Wire::ErrorKind;
 
 constexpr int clientsPerTurn = 16;
 constexpr std::size_t mostHeldByReaders = std::size_t{16} << 20;
-constexpr std::size_t mostHeldByTrusted = std::size_t{8} << 20;
+/// Whoever may change the agent may fill it anyway: with slice files of any size.
+constexpr std::size_t mostHeldByTrusted = std::numeric_limits<std::size_t>::max();
 /// What clients that have gone must have held before the system gets its memory back.
 constexpr std::size_t worthTrimming = std::size_t{1} << 20;
 /// How long clients wait at the door while the system lets none in.
@@ -56,8 +57,8 @@ ControlServer::ControlServer(Mox::ActivityLoop& loop, std::string const& path, S
     : listener_(path, access),
       verbs_(served),
       places_(raiseDescriptorLimit()),
-      readers_(mostHeldByReaders, [this] { relieve(false); }),
-      trusted_(mostHeldByTrusted, [this] { relieve(true); }),
+      readers_(mostHeldByReaders, [this] { relieve(); }),
+      trusted_(mostHeldByTrusted, [] {}),
       turns_(loop),
       taking_(turns_, *this, listener_.fd(), true),
       alarm_(new Alarm(Mox::activityManager()->clock(), [this] { onAlarm(); })),
@@ -130,11 +131,11 @@ void ControlServer::leave(Connection& gone) noexcept {
   connections_.erase(gone.fd());
 }
 
-/// Sends the client away that holds most.
-void ControlServer::relieve(bool ofTrusted) {
+/// Sends the reader away that holds most.
+void ControlServer::relieve() {
   Client most;
   for (auto const& [fd, connection] : connections_) {
-    if (connection->peer().mayChange != ofTrusted) continue;
+    if (connection->peer().mayChange) continue;
     if (!most || connection->share() > most->share()) most = connection;
   }
   if (most) most->dismiss("clients hold too much of the agent's memory, and this one most of it");

@@ -38,7 +38,7 @@ class ControlServer final : private Turns::Taker {
   bool accept();
   void add(Descriptor client, Peer const& peer);
   void leave(Connection& gone) noexcept;
-  void relieve(bool ofTrusted);
+  void relieve();
   void alarmAt(Mox::Seconds at);
   void onAlarm();
   Answer serve(Connection& connection, Json const& request);

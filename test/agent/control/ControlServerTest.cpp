@@ -215,6 +215,21 @@ TEST_F(ControlServerTest, OthersThanRootAndTheAgentsUserMayOnlyRead) {
   EXPECT_EQ(ask(*other, getSlice), theSlice);
 }
 
+TEST_F(ControlServerTest, WhoMayChangeSendsAFileOfAnySize) {
+  Client client(path);
+  std::string const line = "# " + std::string(1000, 'x') + "\n";
+  constexpr std::size_t lines = 3000;  // held to be worth more than all readers may hold
+  client.send(R"({"verb":"diff","file":"a.slice","bytes":)" + std::to_string(lines * line.size()) +
+              "}\n");
+  for (std::size_t i = 0; i < lines; ++i) {
+    client.send(line);
+    rounds(3);
+  }
+  rounds(100);
+  std::string const reply = client.received();
+  EXPECT_TRUE(reply.starts_with(R"({"ok":true,"result":{"steps":["~ sliceId)")) << reply;
+}
+
 TEST_F(ControlServerTest, WhoHoldsMostGoesWhenReadersHoldTooMuch) {
   if (geteuid() != 0) GTEST_SKIP() << "not root";
   constexpr std::size_t users = 6;
