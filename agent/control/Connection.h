@@ -112,7 +112,7 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   Outbox output_;
   Mox::Seconds heardAt_;
 
-  // Of the request that is being served.
+  // The request that is being served.
   bool isServing_ = false;          // it waits for its reply
   std::string id_;                  // as JSON text; empty if it has none
   std::uint64_t following_ = 0;     // bytes that are still to come after its line

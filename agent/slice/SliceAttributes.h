@@ -13,7 +13,7 @@ namespace Kest::Agent {
 /// What declares PCI handles in a slice file. Everything else there is an attribute.
 inline constexpr char const* handlesName = "pciHam";
 
-/// What stands last in a slice file, to say that the file is whole.
+/// The last statement of a slice file, which says that the file is whole.
 inline constexpr char const* endName = "end";
 
 /// The configuration's persistent attributes, in order of registration.

@@ -19,7 +19,7 @@ import callgrind
 BUILD = Path(__file__).resolve().parent.parent.parent / "build/release"
 PROGRAM = "bin/complexity"
 KIBIBYTE = 1024
-SIZES = (1, 4, 16, 64, 256)  # KiB
+SIZES = (1, 4, 16, 64)  # KiB
 # What an added byte may cost beside the average of those before it, a size being four times the last.
 # n log n: 1.6 at most from 32 pieces on. n times the root of n: 2.3. Squares: 5.
 GROWTH = 1.7

@@ -40,7 +40,7 @@ class AnyRequest : public RefusedRequests {
       {{{"verb", "complete"}, {"path", "config/"}}, {"type", "handler"}},
   };
 
-  /// Those of other verbs. A verb refuses them, but not before it is known who may.
+  /// Members of other verbs. A verb refuses them, but not before it is known who may.
   std::vector<char const*> const otherMembers_{"path",   "value", "text",    "replace",
                                                "args",   "file",  "setting", "action",
                                                "device", "mode",  "unknown"};
