@@ -1,6 +1,7 @@
 #include "agent/Supervisor.h"
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pthread.h>
@@ -260,11 +261,15 @@ TEST(Supervisor, KillsAndStartsAgainAChildThatGivesNoSignOfLife) {
       RestartDelay(), {milliseconds(1), 3, hours(1)});
   supervisor.shownUntil("last: nothing");
   EXPECT_EQ(supervisor.ended(), 0);
-  EXPECT_EQ(supervisor.shown(),
-            "kest-slice-agent: the agent (pid N) has given no sign of life for 0 s; killing it\n"
-            "kest-slice-agent: the agent (pid N) was ended by signal 9 (SIGKILL); starting it "
-            "again\n"
-            "last: signal 9 (SIGKILL)\n");
+  // Where the machine is busy, one that is about to end may be killed too.
+  std::string const shown = supervisor.shown();
+  EXPECT_THAT(
+      shown,
+      testing::StartsWith(
+          "kest-slice-agent: the agent (pid N) has given no sign of life for 0 s; killing it\n"
+          "kest-slice-agent: the agent (pid N) was ended by signal 9 (SIGKILL); starting it "
+          "again\n"));
+  EXPECT_THAT(shown, testing::HasSubstr("last: signal 9 (SIGKILL)\n"));
 }
 
 TEST(Supervisor, KillsAChildThatIsStopped) {
