@@ -8,6 +8,13 @@
 
 namespace Kest::Agent {
 
+/// They look at memory through pipes, and take for broken what they cannot look at.
+#ifdef KEST_ADDRESS_SANITIZER
+inline constexpr bool sanitizersNeedDescriptors = true;
+#else
+inline constexpr bool sanitizersNeedDescriptors = false;
+#endif
+
 /// The agent as a process of its own, in a given directory. Whatever waits for it gives up, and
 /// throws, after a deadline that no working agent comes near. A process that is still there at the
 /// end is killed.

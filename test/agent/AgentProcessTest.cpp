@@ -181,6 +181,7 @@ TEST_F(AgentAbort, AtTheStartForLackOfMemory) {
 }
 
 TEST_F(AgentAbort, WhileItRuns) {
+  if (sanitizersNeedDescriptors) GTEST_SKIP();
   fileIs("slice", "");
   AgentProcess agent(directory, {"slice"});
   agent.outputUntil("left alone\n");

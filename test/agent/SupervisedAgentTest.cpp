@@ -56,6 +56,7 @@ TEST_F(SupervisedAgent, ComesAgainAfterAnAbortAndSaysSo) {
 }
 
 TEST_F(SupervisedAgent, ComesAgainAfterAnEndThatNobodyForesaw) {
+  if (sanitizersNeedDescriptors) GTEST_SKIP();
   AgentProcess agent(directory, {"--supervise", "slice"});
   agent.outputUntil("left alone\n");
   rlimit const none{0, 0};

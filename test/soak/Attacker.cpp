@@ -21,7 +21,7 @@ namespace Kest::Soak {
 
 namespace {
 
-constexpr std::size_t block = 65536;
+constexpr std::size_t blockBytes = 65536;
 constexpr std::size_t kibibyte = 1024;
 
 /// `piece` again and again between `start` and `end`, `bytes` in all; `#` is the piece's number.
@@ -80,7 +80,7 @@ class Client {
 
   bool read() {
     if (fd_ < 0 || attacker_.readAtOnce == 0) return false;
-    static std::array<char, block> bytes;
+    static std::array<char, blockBytes> bytes;
     ssize_t const read = recv(fd_, bytes.data(), attacker_.readAtOnce, 0);
     if (read < 0) return errno == EAGAIN ? false : end();
     return read > 0 || end();
@@ -128,15 +128,15 @@ std::vector<Attacker> attackers() {
       "{\"verb\":\"get\",\"path\":\"config\"}\n",
       "{\"verb\":\"diff\",\"file\":\"c.slice\",\"content\":\"\"}\n"};
   return {
-      {"tiny members", 1, {members}, block},
-      {"tiny members of an id", 1, {idMembers}, block},
-      {"deep handles", 1, {deepDiff}, block},
-      {"requests of 128 KiB", 50, {withId(128 * kibibyte)}, block},
-      {"half requests", 1000, {half}, block, true},
-      {"large ids", 100, {withId(mebibyte)}, block},
+      {"tiny members", 1, {members}, blockBytes},
+      {"tiny members of an id", 1, {idMembers}, blockBytes},
+      {"deep handles", 1, {deepDiff}, blockBytes},
+      {"requests of 128 KiB", 50, {withId(128 * kibibyte)}, blockBytes},
+      {"half requests", 1000, {half}, blockBytes, true},
+      {"large ids", 100, {withId(mebibyte)}, blockBytes},
       {"watchers that never read", 200, {"{\"verb\":\"watch\"}\n"}, 0, true},
-      {"reports of everything", 4, reports, block},
-      {"silent connections", 1000, {}, block},
+      {"reports of everything", 4, reports, blockBytes},
+      {"silent connections", 1000, {}, blockBytes},
       {"a byte at a time", 50, reports, 1},
   };
 }

@@ -51,7 +51,7 @@ TEST(SliceFile, HasLinesOf64KiBAtMost) {
   EXPECT_EQ(refusal(line), "");
   EXPECT_EQ(refusal("\n" + line + "x\n"), message);
   EXPECT_EQ(refusal("\n" + line + "x"), message);
-  for (std::size_t bytes : {1, 7, 4096, 65535}) {
+  for (std::size_t const bytes : std::initializer_list<std::size_t>{1, 7, 4096, 65535}) {
     auto const reader = sliceReader("slice", SliceForm::statements, SliceEnd::optional);
     reader->take("\n");
     std::string_view rest = line;
@@ -84,7 +84,9 @@ TEST(SliceFile, HasPathsOf32StepsAnd255BytesAtMost) {
       {pathOf(2, 256), "expected a path of at most 255 bytes, found one of 256"},
   };
   auto const firstLine = [](std::string const& text) { return text.substr(0, text.find('\n')); };
-  for (auto const& [path, message] : bounds) {
+  for (auto const& bound : bounds) {
+    std::string const& path = bound.path;
+    std::string const& message = bound.message;
     bool const isTaken = message.empty();
     EXPECT_EQ(firstLine(refusal("# handles\npciHam '" + path + "'")),
               isTaken ? "" : "slice:2:8: " + message);
