@@ -17,25 +17,45 @@ namespace {
 
 using testing::ElementsAre;
 
-#define STRING_CONSTRUCTOR "_ZN3Mox7String8C1ESt17basic_string_viewIcSt11char_traitsIcEE"
-
 /// The first time that each of these strings is made tells what is being done.
 constexpr std::string_view telling[] = {"Hardware::Kest::Slice::KestSliceDmaSm",
                                         "KEST_DMA_DEVICE_STATE_ERROR", "Hardware::Kest::Slice"};
 std::vector<std::string_view> told;
 
-}  // namespace
-
-/// Stands in for `Mox::String8(std::string_view)`, for the libraries too.
-extern "C" MOX_API void madeString(void* self, std::string_view chars) asm(STRING_CONSTRUCTOR);
-void madeString(void* self, std::string_view chars) {
-  static auto const original =
-      reinterpret_cast<void (*)(void*, std::string_view)>(dlsym(RTLD_NEXT, STRING_CONSTRUCTOR));
+void note(std::string_view chars) {
   auto const* const one = std::find(std::begin(telling), std::end(telling), chars);
   if (one != std::end(telling) && std::find(told.begin(), told.end(), *one) == told.end()) {
     told.push_back(*one);
   }
-  original(self, chars);
+}
+
+using Constructor = void (*)(void*, std::string_view);
+
+Constructor original(char const* name) {
+  return reinterpret_cast<Constructor>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+// Stand in for `Mox::String8(std::string_view)`, for the libraries too. Compilers call it by one of
+// two names.
+#define STRING_CONSTRUCTOR(variant) \
+  "_ZN3Mox7String8" variant "ESt17basic_string_viewIcSt11char_traitsIcEE"
+
+extern "C" MOX_API void madeString(void* self,
+                                   std::string_view chars) asm(STRING_CONSTRUCTOR("C1"));
+void madeString(void* self, std::string_view chars) {
+  static Constructor const make = original(STRING_CONSTRUCTOR("C1"));
+  note(chars);
+  make(self, chars);
+}
+
+extern "C" MOX_API void madeBaseString(void* self,
+                                       std::string_view chars) asm(STRING_CONSTRUCTOR("C2"));
+void madeBaseString(void* self, std::string_view chars) {
+  static Constructor const make = original(STRING_CONSTRUCTOR("C2"));
+  note(chars);
+  make(self, chars);
 }
 
 namespace {
