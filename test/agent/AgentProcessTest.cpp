@@ -189,7 +189,9 @@ TEST_F(AgentAbort, WhileItRuns) {
   ASSERT_EQ(prlimit(agent.pid(), RLIMIT_NOFILE, &none, nullptr), 0);
   agent.signalIs(SIGHUP);
   EXPECT_EQ(agent.ended(), -SIGABRT);
-  EXPECT_EQ(agent.errors(), "kest-slice-agent: aborting: poll: Invalid argument\n");
+  std::string const errors = agent.errors();  // then, in some builds, counts that cannot be kept
+  EXPECT_EQ(errors.substr(0, errors.find('\n') + 1),
+            "kest-slice-agent: aborting: poll: Invalid argument\n");
 }
 
 class AgentOnATerminal : public ScratchDirectory {
