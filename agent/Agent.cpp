@@ -3,12 +3,12 @@
 #include <csignal>
 #include <utility>
 
-#include "agent/Collections.h"
-#include "agent/ControlPath.h"
-#include "agent/RunReason.h"
-#include "agent/StatusReport.h"
-#include "agent/byname/ChangeRules.h"
+#include "agent/access/Collections.h"
 #include "agent/control/ControlServer.h"
+#include "agent/process/ControlPath.h"
+#include "agent/process/RunReason.h"
+#include "agent/rules/ChangeRules.h"
+#include "agent/show/StatusReport.h"
 #include "platform/mox/Activity.h"
 
 namespace Kest::Agent {

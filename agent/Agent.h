@@ -5,14 +5,14 @@
 #include <memory>
 #include <string>
 
-#include "agent/Application.h"
-#include "agent/Console.h"
-#include "agent/DriverLibrary.h"
-#include "agent/Options.h"
-#include "agent/StatusWatcher.h"
-#include "agent/byname/Served.h"
+#include "agent/process/Console.h"
+#include "agent/process/DriverLibrary.h"
+#include "agent/process/Options.h"
+#include "agent/show/StatusWatcher.h"
+#include "agent/slice/Application.h"
 #include "agent/slice/SliceFile.h"
 #include "agent/slice/SliceFileReading.h"
+#include "agent/verbs/Served.h"
 #include "platform/mox/ActivityLoop.h"
 #include "sm/KestSliceDmaSm.h"
 

@@ -11,6 +11,7 @@
 #include <variant>
 
 #include "agent/control/RequestText.h"
+#include "agent/verbs/Refusal.h"
 
 namespace Kest::Agent {
 
@@ -39,7 +40,7 @@ std::string refusalLead(ControlError const& refused) {
 /// The refusal that the exception being handled is. A lack of memory is thrown on.
 ControlError refusalOfException() {
   try {
-    return ControlError::ofException();
+    return currentRefusal();
   } catch (std::bad_alloc const&) {
     throw;
   } catch (std::exception const& failed) {

@@ -8,14 +8,14 @@
 #include <string>
 #include <string_view>
 
-#include "agent/byname/Answer.h"
-#include "agent/byname/ControlError.h"
+#include "agent/access/ControlError.h"
 #include "agent/control/Account.h"
 #include "agent/control/Descriptor.h"
 #include "agent/control/Inbox.h"
 #include "agent/control/Outbox.h"
 #include "agent/control/Peer.h"
 #include "agent/control/Turns.h"
+#include "agent/verbs/Answer.h"
 #include "platform/mox/Time.h"
 
 namespace Kest::Agent {

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "agent/byname/ControlError.h"
+#include "agent/access/ControlError.h"
 #include "platform/mox/Activity.h"
 
 namespace Kest::Agent {

@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "agent/byname/ChangeFeed.h"
-#include "agent/byname/Verbs.h"
+#include "agent/access/ChangeFeed.h"
 #include "agent/control/Account.h"
 #include "agent/control/Alarm.h"
 #include "agent/control/Connection.h"
 #include "agent/control/Listener.h"
 #include "agent/control/Places.h"
 #include "agent/control/Turns.h"
+#include "agent/verbs/Verbs.h"
 #include "platform/mox/ActivityLoop.h"
 
 namespace Kest::Agent {

@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "agent/byname/ControlError.h"
-#include "agent/json/JsonText.h"
+#include "agent/access/ControlError.h"
+#include "agent/access/JsonText.h"
 #include "platform/mox/RangeException.h"
 
 namespace Kest::Agent {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "agent/json/GenericJson.h"
+#include "agent/access/GenericJson.h"
 
 /// What of a request is not its verb's affair. A `ControlError` of kind request refuses what is not
 /// as it must be.

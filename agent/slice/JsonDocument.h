@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "agent/json/GenericJson.h"
+#include "agent/access/GenericJson.h"
 #include "agent/slice/FileError.h"
 
 namespace Kest::Agent {

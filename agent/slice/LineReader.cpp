@@ -2,7 +2,7 @@
 
 #include <cctype>
 
-#include "agent/Text.h"
+#include "agent/access/Text.h"
 
 namespace Kest::Agent {
 

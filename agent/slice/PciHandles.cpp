@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "agent/Text.h"
+#include "agent/access/Text.h"
 #include "platform/mox/Dir.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Strep.h"

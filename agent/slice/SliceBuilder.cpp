@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "agent/rules/SliceRules.h"
 #include "agent/slice/SliceAttributes.h"
-#include "agent/slice/SliceRules.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "registry/EntityTypes.h"
 

@@ -4,15 +4,11 @@
 #include <string>
 #include <string_view>
 
+#include "agent/access/Entities.h"
 #include "agent/slice/PciHandles.h"
-#include "model/KestSliceDmaConfig.h"
-#include "model/KestSliceDmaStatus.h"
 #include "platform/mox/Ptr.h"
 
 namespace Kest::Agent {
-
-using Config = Hardware::Kest::Slice::KestSliceDmaConfig;
-using Status = Hardware::Kest::Slice::KestSliceDmaStatus;
 
 /// What a slice file asks for.
 struct Slice {

@@ -6,12 +6,12 @@
 #include <utility>
 #include <vector>
 
-#include "agent/Steps.h"
-#include "agent/Text.h"
+#include "agent/access/Steps.h"
+#include "agent/access/Text.h"
+#include "agent/rules/SliceRules.h"
 #include "agent/slice/JsonDocument.h"
 #include "agent/slice/SliceAttributes.h"
 #include "agent/slice/SliceBuilder.h"
-#include "agent/slice/SliceRules.h"
 #include "platform/mox/GenericValue.h"
 
 namespace Kest::Agent {

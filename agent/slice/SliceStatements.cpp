@@ -5,11 +5,11 @@
 #include <utility>
 #include <vector>
 
+#include "agent/rules/SliceRules.h"
 #include "agent/slice/FileError.h"
 #include "agent/slice/LineReader.h"
 #include "agent/slice/SliceAttributes.h"
 #include "agent/slice/SliceBuilder.h"
-#include "agent/slice/SliceRules.h"
 #include "registry/RecordTypes.h"
 
 namespace Kest::Agent {

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <utility>
 
-#include "agent/OrderedKeys.h"
-#include "agent/Steps.h"
-#include "agent/json/GenericJson.h"
+#include "agent/access/GenericJson.h"
+#include "agent/access/OrderedKeys.h"
+#include "agent/access/Steps.h"
 #include "agent/slice/SliceAttributes.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "platform/mox/GenericValue.h"

@@ -3,9 +3,9 @@
 
 #include <csignal>
 
-#include "test/agent/AgentProcess.h"
-#include "test/agent/ControlClient.h"
-#include "test/agent/ScratchDirectory.h"
+#include "test/agent/support/AgentProcess.h"
+#include "test/agent/support/ControlClient.h"
+#include "test/agent/support/ScratchDirectory.h"
 
 /// The agent when nobody reads what it shows.
 namespace Kest::Agent {

@@ -1,12 +1,12 @@
-#include "test/agent/AgentProcess.h"
+#include "test/agent/support/AgentProcess.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <csignal>
 
-#include "test/agent/AgentSlices.h"
-#include "test/agent/ScratchDirectory.h"
+#include "test/agent/support/AgentSlices.h"
+#include "test/agent/support/ScratchDirectory.h"
 
 namespace Kest::Agent {
 namespace {

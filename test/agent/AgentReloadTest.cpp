@@ -4,9 +4,9 @@
 #include <csignal>
 #include <filesystem>
 
-#include "test/agent/AgentProcess.h"
-#include "test/agent/AgentSlices.h"
-#include "test/agent/ScratchDirectory.h"
+#include "test/agent/support/AgentProcess.h"
+#include "test/agent/support/AgentSlices.h"
+#include "test/agent/support/ScratchDirectory.h"
 
 namespace Kest::Agent {
 namespace {

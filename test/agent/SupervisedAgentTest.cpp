@@ -6,9 +6,9 @@
 #include <csignal>
 #include <system_error>
 
-#include "test/agent/AgentProcess.h"
-#include "test/agent/NotifySocket.h"
-#include "test/agent/ScratchDirectory.h"
+#include "test/agent/support/AgentProcess.h"
+#include "test/agent/support/NotifySocket.h"
+#include "test/agent/support/ScratchDirectory.h"
 
 namespace Kest::Agent {
 namespace {

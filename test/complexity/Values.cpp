@@ -1,6 +1,6 @@
 #include <utility>
 
-#include "agent/json/GenericJson.h"
+#include "agent/access/GenericJson.h"
 #include "platform/fru/PciHam.h"
 #include "platform/mox/GenericValue.h"
 #include "platform/mox/RangeException.h"

@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "ctl/Failure.h"
-#include "test/agent/ScratchDirectory.h"
+#include "test/agent/support/ScratchDirectory.h"
 
 /// Whether files can be brought to the disk.
 static bool diskTakesFiles = true;

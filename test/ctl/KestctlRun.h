@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "test/agent/ScratchDirectory.h"
+#include "test/agent/support/ScratchDirectory.h"
 
 namespace Kest::Ctl {
 

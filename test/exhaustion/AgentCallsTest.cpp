@@ -15,16 +15,16 @@
 #include <system_error>
 #include <vector>
 
-#include "agent/Console.h"
-#include "agent/Output.h"
 #include "agent/control/ControlServer.h"
+#include "agent/process/Console.h"
+#include "agent/process/Output.h"
 #include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
 #include "driver/sim/SimDriver.h"
 #include "platform/mox/Activity.h"
 #include "platform/mox/RangeException.h"
-#include "test/agent/ScratchDirectory.h"
-#include "test/agent/control/Client.h"
+#include "test/agent/support/Client.h"
+#include "test/agent/support/ScratchDirectory.h"
 #include "test/exhaustion/Calls.h"
 
 /// The agent's sockets, files and loop when the system refuses: it goes on, or says what is wrong.

@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "agent/Supervisor.h"
+#include "agent/process/Supervisor.h"
 #include "test/exhaustion/Calls.h"
 
 /// The supervisor when the system refuses, and when its waits are interrupted.

@@ -5,10 +5,10 @@
 #include <string>
 #include <utility>
 
-#include "agent/Application.h"
-#include "agent/StatusReport.h"
-#include "agent/byname/Differences.h"
 #include "agent/control/ControlServer.h"
+#include "agent/show/Differences.h"
+#include "agent/show/StatusReport.h"
+#include "agent/slice/Application.h"
 #include "platform/mox/Trace.h"
 #include "test/fuzz/Machine.h"
 #include "test/fuzz/SocketFolder.h"

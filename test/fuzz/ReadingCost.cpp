@@ -1,8 +1,8 @@
 #include <bit>
 #include <nlohmann/json.hpp>
 
-#include "agent/json/GenericJson.h"
-#include "agent/json/JsonText.h"
+#include "agent/access/GenericJson.h"
+#include "agent/access/JsonText.h"
 #include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
 #include "ctl/Present.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "agent/Changes.h"
-#include "agent/Collections.h"
-#include "agent/StatusReport.h"
+#include "agent/access/Collections.h"
+#include "agent/show/StatusReport.h"
+#include "agent/slice/Changes.h"
 #include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
 #include "agent/slice/SliceWriter.h"

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/mox/IntrospectionReactor.h"
-#include "test/agent/ScratchDirectory.h"
+#include "test/agent/support/ScratchDirectory.h"
 
 /// What the library does while it is loaded.
 namespace {

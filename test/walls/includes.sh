@@ -13,6 +13,19 @@ defect() {
   defects=$((defects + 1))
 }
 
+# The agent's rooms: each may include itself and those before it.
+agent_rooms=(wire process access rules slice show verbs control)
+
+# agent_rooms_to FILE: FILE's room and those before it, as a pattern.
+agent_rooms_to() {
+  local room allowed=
+  for room in "${agent_rooms[@]}"; do
+    allowed+=${allowed:+|}$room
+    [[ $1 != "agent/$room/"* ]] || break
+  done
+  echo "$allowed"
+}
+
 # What the files of FOLDER may include, as a pattern. The first that matches holds.
 allowed_in() {
   case "$1" in
@@ -22,6 +35,7 @@ allowed_in() {
     driver/*) echo 'driver/[^/]+$|platform/' ;;
     sm/*) echo '(sm|model|platform)/|driver/[^/]+$' ;;
     registry/*) echo '(registry|model|sm|platform)/' ;;
+    agent/*/*) echo "agent/($(agent_rooms_to "$1"))/|(registry|sm|model|platform)/|driver/[^/]+$" ;;
     agent/*) echo '(agent|registry|sm|model|platform)/|driver/[^/]+$' ;;
     ctl/*) echo '(ctl|agent/wire)/' ;;
   esac

@@ -29,11 +29,14 @@ plant driver/sim/Sim.cpp '#include "driver/sim/Sim.h"' '#include "driver/KestDma
 plant sm/Sm.cpp '#include "driver/KestDma.h"' '#include "model/Entity.h"' '#include "sm/detail/Reactor.h"'
 plant registry/Types.cpp '#include "sm/Sm.h"'
 plant agent/main.cpp '#include <CLI/CLI.hpp>' '#include "registry/Types.h"' '#include "agent/Agent.h"'
+plant agent/slice/Read.cpp '#include "agent/rules/Rules.h"' '#include "agent/slice/Read.h"' '#include "agent/wire/Protocol.h"'
 plant ctl/main.cpp '#include "agent/wire/Protocol.h"' '#include "ctl/Client.h"'
 plant test/sm/Fixture.h '#pragma once' '#include "agent/Agent.h"'
 expect 0 ""
 
 plant agent/Agent.h '#include "driver/sim/Sim.h"'
+plant agent/rules/Rules.cpp '#include "agent/access/Path.h"' '#include "agent/Agent.h"' '#include "agent/slice/Read.h"'
+plant agent/lost/Room.cpp '#include "agent/lost/Room.h"'
 plant ctl/Client.cpp '#include "agent/Agent.h"' '#include "platform/mox/Ptr.h"'
 plant driver/KestDma.h '#pragma once' '#include "driver/sim/Sim.h"'
 plant driver/sim/Up.cpp '#include "model/Entity.h"' '#include "driver/tap/Tap.h"'
@@ -44,6 +47,9 @@ plant sm/Low.cpp '#include "platform/detail/EnumText.h"' '#include "model/../age
 plant sm/Sim.cpp '#include "driver/sim/Sim.h"' '#include "registry/Types.h"'
 plant test/sm/Bare.h 'int once;'
 expect 1 "agent/Agent.h:1: agent/ may not include driver/sim/Sim.h
+agent/lost/Room.cpp:1: agent/ may not include agent/lost/Room.h
+agent/rules/Rules.cpp:2: agent/ may not include agent/Agent.h
+agent/rules/Rules.cpp:3: agent/ may not include agent/slice/Read.h
 ctl/Client.cpp:1: ctl/ may not include agent/Agent.h
 ctl/Client.cpp:2: ctl/ may not include platform/mox/Ptr.h
 driver/KestDma.h:2: driver/ may not include driver/sim/Sim.h
@@ -61,4 +67,4 @@ sm/Sim.cpp:1: sm/ may not include driver/sim/Sim.h
 sm/Sim.cpp:2: sm/ may not include registry/Types.h
 agent/Agent.h:1: no #pragma once
 test/sm/Bare.h:1: no #pragma once
-18 defects"
+21 defects"

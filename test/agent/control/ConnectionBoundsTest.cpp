@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "agent/wire/Protocol.h"
-#include "test/agent/control/Connected.h"
+#include "test/agent/support/Connected.h"
 
 namespace Kest::Agent {
 namespace {

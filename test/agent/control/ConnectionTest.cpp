@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "test/agent/control/Connected.h"
+#include "test/agent/support/Connected.h"
 
 namespace Kest::Agent {
 namespace {

@@ -6,9 +6,9 @@
 
 #include <memory>
 
-#include "test/agent/ScratchDirectory.h"
-#include "test/agent/byname/ServedAgent.h"
-#include "test/agent/control/Client.h"
+#include "test/agent/support/Client.h"
+#include "test/agent/support/ScratchDirectory.h"
+#include "test/agent/support/ServedAgent.h"
 
 namespace Kest::Agent {
 namespace {

@@ -10,8 +10,8 @@
 #include <optional>
 #include <vector>
 
-#include "test/agent/ScratchDirectory.h"
-#include "test/agent/control/Client.h"
+#include "test/agent/support/Client.h"
+#include "test/agent/support/ScratchDirectory.h"
 
 namespace Kest::Agent {
 namespace {

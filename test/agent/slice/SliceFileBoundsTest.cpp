@@ -5,7 +5,7 @@
 #include "agent/slice/SliceReader.h"
 #include "agent/slice/SliceStatements.h"
 #include "platform/mox/RangeException.h"
-#include "test/agent/slice/SliceTexts.h"
+#include "test/agent/support/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {

@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "agent/slice/FileError.h"
-#include "test/agent/ScratchDirectory.h"
+#include "test/agent/support/ScratchDirectory.h"
 
 namespace Kest::Agent {
 namespace {

@@ -6,7 +6,7 @@
 #include "agent/slice/SliceReader.h"
 #include "platform/mox/Dir.h"
 #include "platform/mox/RangeException.h"
-#include "test/agent/slice/SliceTexts.h"
+#include "test/agent/support/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {

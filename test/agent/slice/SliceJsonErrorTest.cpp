@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/mox/Dir.h"
-#include "test/agent/slice/SliceTexts.h"
+#include "test/agent/support/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {

@@ -3,7 +3,7 @@
 #include <ostream>
 
 #include "platform/mox/Dir.h"
-#include "test/agent/slice/SliceTexts.h"
+#include "test/agent/support/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {

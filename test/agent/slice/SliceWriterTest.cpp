@@ -6,10 +6,10 @@
 #include <random>
 #include <sstream>
 
-#include "agent/Changes.h"
+#include "agent/slice/Changes.h"
 #include "platform/mox/Dir.h"
 #include "platform/mox/RangeException.h"
-#include "test/agent/slice/SliceTexts.h"
+#include "test/agent/support/SliceTexts.h"
 
 namespace Kest::Agent {
 namespace {

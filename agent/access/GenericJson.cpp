@@ -1,0 +1,225 @@
+#include "agent/access/GenericJson.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "agent/access/JsonText.h"
+#include "agent/access/Text.h"
+#include "platform/mox/Entity.h"
+#include "platform/mox/GenericIfPtrInterface.h"
+#include "platform/mox/GenericValue.h"
+#include "platform/mox/RangeException.h"
+#include "platform/mox/TypeNode.h"
+
+namespace Kest::Agent {
+
+namespace {
+
+using Generic = std::unique_ptr<Mox::GenericIf>;
+using Mox::GenericIf;
+using Mox::MoxType;
+using Mox::String8;
+using Kind = MoxType::Kind;
+
+bool isReference(MoxType const& type) {
+  return type.kind() == Kind::entity || type.kind() == Kind::object;
+}
+
+/// A record is a value that is made from named parts.
+bool isRecord(MoxType const& type) {
+  return type.kind() == Kind::value && type.typeNode() != nullptr &&
+         !type.typeNode()->constructorArguments().empty();
+}
+
+bool isNumber(MoxType const& type) {
+  return &type == Mox::TypeOf<std::uint16_t>::type() ||
+         &type == Mox::TypeOf<std::uint32_t>::type() ||
+         &type == Mox::TypeOf<unsigned long long>::type();
+}
+
+template <class T>
+bool putNumber(GenericIf const& value, Json& json) {
+  T const* const number = Mox::genericVal<T>(&value);
+  if (number != nullptr) json = *number;
+  return number != nullptr;
+}
+
+/// The string whose text form a value's text form is, as that of an enumerator or a MAC address;
+/// otherwise the text form itself.
+std::string bareText(GenericIf const& value) {
+  String8 const text = value.strRep();
+  if (!text.view().starts_with('\'')) return std::string(text.view());
+  return std::string(Mox::strepToValue<String8>(text).view());
+}
+
+Generic readAttribute(GenericIf& of, Mox::AttributeId id) {
+  Generic value;
+  of.attributeOp({id, Mox::AttributeOpCode::read}, nullptr, value);
+  return value;
+}
+
+Json recordJson(GenericIf const& record) {
+  Json fields = Json::object();
+  Generic const copy = record.clone();
+  for (Mox::Attribute const& field : record.type()->typeNode()->attributes()) {
+    fields[std::string(field.name.view())] = toJson(*readAttribute(*copy, field.id));
+  }
+  return fields;
+}
+
+Json referenceJson(GenericIf const& reference) {
+  auto const& object = static_cast<Mox::GenericIfPtrInterface const&>(reference).object();
+  if (!object) return nullptr;
+  auto const* const entity = dynamic_cast<Mox::Entity const*>(object.ptr());
+  return entity == nullptr ? Json(bareText(reference))
+                           : Json(std::string(entity->fullName().view()));
+}
+
+Json listJson(GenericIf::List_ const& list) {
+  Json items = Json::array();
+  for (auto const& item : list.items()) items.push_back(toJson(*item));
+  return items;
+}
+
+[[noreturn]] void refuse(std::string const& expected, Json const& found) {
+  constexpr std::size_t longest = 60;
+  std::string text = found.dump(-1, ' ', false, Json::error_handler_t::replace);
+  if (text.size() > longest) text = text.substr(0, longest) + "...";
+  throw Mox::RangeException(String8("expected " + expected + ", found " + text));
+}
+
+String8 quoted(std::string const& chars) {
+  return Mox::valueToStrep(String8(chars));
+}
+
+/// The text form of a reference to what is at `path`.
+String8 referenceText(MoxType const& type, String8 const& path) {
+  return Mox::format("EntityPtr(%s, %s)", Mox::valueToStrep(path).charPtr(),
+                     Mox::valueToStrep(type.fullName()).charPtr());
+}
+
+void checkMembers(MoxType const& type, Json const& object) {
+  for (auto const& [name, value] : object.items()) {
+    if (type.typeNode()->attribute(String8(name)) != nullptr) continue;
+    throw Mox::RangeException(Mox::format("%s has no such attribute: %s",
+                                          type.typeNode()->name().charPtr(),
+                                          nameText(String8(name)).c_str()));
+  }
+}
+
+/// From the record's parts in order; those that `object` does not name are the base's.
+Generic recordFrom(MoxType const& type, Json const& object, GenericIf const* base) {
+  if (!object.is_object()) refuse("an object of the fields", object);
+  checkMembers(type, object);
+  Generic const others = base == nullptr ? type.genericIfNew(GenericIf::List_()) : base->clone();
+  GenericIf::List_ parts;
+  for (Mox::Argument const& part : type.typeNode()->constructorArguments()) {
+    Mox::Attribute const& field = *type.typeNode()->attribute(part.name);
+    auto const given = object.find(std::string(part.name.view()));
+    try {
+      parts.add(given == object.end() ? readAttribute(*others, field.id)
+                                      : fromJson(*field.type, *given));
+    } catch (Mox::RangeException const& refused) {
+      Mox::rethrowFromDeserializeAttr(refused, part.name.charPtr());
+    }
+  }
+  return type.genericIfNew(parts);
+}
+
+/// What a person calls an enumerator, by its name in full.
+std::string enumeratorNamed(MoxType const& type, std::string const& typed) {
+  std::string const typeName(type.typeNode() == nullptr ? "" : type.typeNode()->name().charPtr());
+  bool const isAllDigits =
+      !typed.empty() && typed.find_first_not_of("0123456789") == std::string::npos;
+  std::size_t number = 0;
+  for (String8 const& enumerator : type.enumerators()) {
+    bool const isMeant = isAllDigits ? std::to_string(number) == typed
+                                     : shortEnumerator(typeName, enumerator.view()) == typed;
+    if (isMeant) return std::string(enumerator.view());
+    ++number;
+  }
+  return typed;
+}
+
+/// Refused here, since not every enumeration says what it expects.
+Generic enumeratorFrom(MoxType const& type, std::string const& name) {
+  std::vector<String8> const all = type.enumerators();
+  if (std::find(all.begin(), all.end(), String8(name)) != all.end()) {
+    return type.genericIf(quoted(name), true);
+  }
+  std::string expected;
+  for (std::size_t at = 0; at < all.size(); ++at) {
+    if (at > 0) expected += at + 1 == all.size() ? " or " : ", ";
+    expected += quoted(std::string(all[at].view())).view();
+  }
+  throw Mox::RangeException(
+      Mox::format("expected %s, found %s", expected.c_str(), quoted(name).charPtr()));
+}
+
+}  // namespace
+
+Json toJson(GenericIf const& value) {
+  MoxType const& type = *value.type();
+  Json json;
+  if (isReference(type)) return referenceJson(value);
+  if (isRecord(type)) return recordJson(value);
+  if (&type == GenericIf::List_::_fwkType()) {
+    return listJson(static_cast<GenericIf::List_ const&>(value));
+  }
+  bool const isBasic = putNumber<std::uint16_t>(value, json) ||
+                       putNumber<std::uint32_t>(value, json) ||
+                       putNumber<unsigned long long>(value, json) ||
+                       putNumber<double>(value, json) || putNumber<bool>(value, json);
+  return isBasic ? json : Json(bareText(value));
+}
+
+Generic fromJson(MoxType const& type, Json const& json, GenericIf const* base) {
+  if (isRecord(type)) return recordFrom(type, json, base);
+  if (&type == Mox::TypeOf<bool>::type()) {
+    if (!json.is_boolean()) refuse("true or false", json);
+    return Mox::genericOf(json.get<bool>());
+  }
+  if (isNumber(type)) {
+    if (!json.is_number_unsigned()) refuse("a whole number from 0", json);
+    return type.genericIf(String8(json.dump()), true);
+  }
+  if (&type == Mox::TypeOf<double>::type()) {
+    if (!json.is_number()) refuse("a number", json);
+    return Mox::genericOf(json.get<double>());
+  }
+  if (isReference(type)) {
+    if (json.is_null()) return type.genericIf_(nullptr, true);
+    if (!json.is_string()) refuse("a path or null", json);
+    return type.genericIf(referenceText(type, String8(json.get<std::string>())), true);
+  }
+  if (!json.is_string()) refuse("a string", json);
+  if (type.kind() == Kind::enumeration) return enumeratorFrom(type, json.get<std::string>());
+  return type.genericIf(quoted(json.get<std::string>()), true);
+}
+
+bool isTypedJson(MoxType const& type, std::string_view text) {
+  return isRecord(type) && text.starts_with('{');
+}
+
+Generic fromTyped(MoxType const& type, std::string_view text) {
+  if (isTypedJson(type, text)) return fromJson(type, objectFromText(text));
+  std::string const typed(text);
+  bool const isReferenceForm = text.starts_with("EntityPtr") || text == "None";
+  bool const isTextForm = text.starts_with('\'') || (isReference(type) && isReferenceForm);
+  bool const isFlag = &type == Mox::TypeOf<bool>::type();
+  if (isFlag && (text == "true" || text == "false")) return Mox::genericOf(text == "true");
+  bool const isPlain =
+      isRecord(type) || isNumber(type) || isFlag || &type == Mox::TypeOf<double>::type();
+  if (type.kind() == Kind::enumeration) {
+    return enumeratorFrom(type, isTextForm
+                                    ? std::string(Mox::strepToValue<String8>(String8(text)).view())
+                                    : enumeratorNamed(type, typed));
+  }
+  if (isTextForm || isPlain) return type.genericIf(String8(text), true);
+  if (isReference(type)) return type.genericIf(referenceText(type, String8(text)), true);
+  return type.genericIf(quoted(typed), true);
+}
+
+}  // namespace Kest::Agent

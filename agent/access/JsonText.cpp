@@ -1,0 +1,72 @@
+#include "agent/access/JsonText.h"
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "agent/access/Text.h"
+#include "agent/wire/Protocol.h"
+#include "platform/mox/RangeException.h"
+
+namespace Kest::Agent {
+
+namespace {
+
+[[noreturn]] void refuse(std::string const& message) {
+  throw Mox::RangeException(Mox::String8(message));
+}
+
+/// The parser's own words, without what it puts in front of them. It repeats the token that it does
+/// not like, however long that is.
+std::string reason(Json::exception const& error) {
+  std::string_view const text = error.what();
+  std::size_t const place = text.find("column ");
+  std::size_t const start =
+      place == std::string_view::npos ? text.find("] ") : text.find(": ", place);
+  return shortened(text.substr(start + 2));
+}
+
+/// Refuses what nests too deep or has too many parts as soon as it shows: the parser looks through
+/// all members of an object for each new one.
+class Bounds {
+ public:
+  bool operator()(int depth, Json::parse_event_t event, Json& /*parsed*/) {
+    using Event = Json::parse_event_t;
+    bool const opens = event == Event::object_start || event == Event::array_start;
+    if (opens && static_cast<std::size_t>(depth) >= Wire::deepestRequest) {
+      refuse("expected at most " + std::to_string(Wire::deepestRequest) +
+             " nested arrays and objects, found more");
+    }
+    bool const closes = event == Event::object_end || event == Event::array_end;
+    if (!closes && ++values_ > Wire::mostRequestValues) {
+      refuse("expected at most " + std::to_string(Wire::mostRequestValues) +
+             " names and values, found more");
+    }
+    return true;
+  }
+
+ private:
+  std::size_t values_ = 0;
+};
+
+}  // namespace
+
+Json objectFromText(std::string_view text) {
+  if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
+    refuse("expected a JSON object, found nothing");
+  }
+  // The parser would take it for the end.
+  if (std::size_t const zero = text.find('\0'); zero != std::string_view::npos) {
+    refuse("expected a JSON object; at byte " + std::to_string(zero + 1) + ": found a zero byte");
+  }
+  try {
+    Json object = Json::parse(text.begin(), text.end(), Bounds());
+    if (!object.is_object()) refuse(std::string("expected an object, found ") + object.type_name());
+    return object;
+  } catch (Json::parse_error const& error) {
+    refuse("expected a JSON object; at byte " + std::to_string(error.byte) + ": " + reason(error));
+  } catch (Json::out_of_range const& error) {
+    refuse("expected a JSON object; " + reason(error));
+  }
+}
+
+}  // namespace Kest::Agent

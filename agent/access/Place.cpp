@@ -1,0 +1,226 @@
+#include "agent/access/Place.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "agent/access/ControlError.h"
+#include "agent/access/Text.h"
+#include "agent/wire/NearMatch.h"
+#include "platform/mox/GenericIfPtrInterface.h"
+#include "platform/mox/GenericValue.h"
+
+namespace Kest::Agent {
+
+namespace {
+
+using Mox::AttributeOpCode;
+using Mox::IntrospectionClass;
+using Mox::String8;
+using Generic = std::unique_ptr<Mox::GenericIf>;
+
+[[noreturn]] void leadsNowhere(std::string const& message, std::string_view name,
+                               std::vector<std::string> const& candidates) {
+  throw ControlError(Wire::ErrorKind::path, message,
+                     Wire::nearMatch(name, candidates).value_or(std::string()));
+}
+
+std::vector<std::string> names(std::vector<Root> const& roots) {
+  std::vector<std::string> all;
+  all.reserve(roots.size());
+  for (Root const& root : roots) all.push_back(root.name);
+  return all;
+}
+
+OrderedKeys listed(std::vector<std::string> names) {
+  OrderedKeys all;
+  all.add([names = std::move(names)]() mutable -> std::optional<String8> {
+    if (names.empty()) return std::nullopt;
+    String8 const name(names.back());
+    names.pop_back();
+    return name;
+  });
+  return all;
+}
+
+std::vector<Mox::Attribute> const& attributesOf(Mox::GenericIf const& object) {
+  return object.type()->typeNode()->attributes();
+}
+
+std::vector<std::string> attributeNames(Mox::GenericIf const& object) {
+  std::vector<std::string> all;
+  for (Mox::Attribute const& attribute : attributesOf(object)) {
+    all.emplace_back(attribute.name.view());
+  }
+  return all;
+}
+
+std::string shown(std::string_view name) {
+  return "'" + nameText(String8(name)) + "'";
+}
+
+/// Walks a path's steps.
+class Walk {
+ public:
+  Walk(std::vector<Root> const& roots, std::string_view path) : rest_(path) {
+    place_.path = std::string(path);
+    start(roots);
+  }
+
+  /// Where the path leads.
+  Place whole() {
+    while (!done_) atKey() ? entry() : step();
+    return std::move(place_);
+  }
+
+  Continuations continuations() {
+    while (!atKey() && rest_.find('/') != std::string_view::npos) step();
+    if (place_.attribute != nullptr && !atKey()) follow();
+    return {place_.path.substr(0, place_.path.size() - rest_.size()),
+            atKey() ? keys() : listed(attributes())};
+  }
+
+ private:
+  /// Cuts the next step off the path.
+  std::string_view next() {
+    std::size_t const slash = rest_.find('/');
+    std::string_view const name = rest_.substr(0, slash);
+    done_ = slash == std::string_view::npos;
+    walked_ = place_.path.substr(0, place_.path.size() - rest_.size());
+    rest_.remove_prefix(done_ ? rest_.size() : slash + 1);
+    return name;
+  }
+
+  void start(std::vector<Root> const& roots) {
+    std::string_view const name = next();
+    auto const root = std::find_if(roots.begin(), roots.end(),
+                                   [&](Root const& candidate) { return candidate.name == name; });
+    if (root == roots.end()) {
+      std::string expected;
+      for (Root const& candidate : roots) {
+        expected += (expected.empty() ? "" : ", ") + candidate.name;
+      }
+      leadsNowhere("a path begins with one of " + expected + ", not with " + shown(name), name,
+                   names(roots));
+    }
+    place_.object = root->adapter();
+  }
+
+  void step() {
+    if (place_.attribute != nullptr) follow();
+    std::string_view const name = next();
+    for (Mox::Attribute const& attribute : attributesOf(*place_.object)) {
+      if (attribute.name == name) place_.attribute = &attribute;
+    }
+    if (place_.attribute == nullptr) {
+      leadsNowhere(owner() + " has no attribute " + shown(name), name,
+                   attributeNames(*place_.object));
+    }
+  }
+
+  /// What is left of the path is a key.
+  bool atKey() const { return place_.isWholeCollection(); }
+
+  OrderedKeys keys() const {
+    std::shared_ptr<Mox::AttributeIterator> const it =
+        place_.object->attributeIteratorConst(place_.attribute->id);
+    OrderedKeys all;
+    all.add([it]() -> std::optional<String8> {
+      if (!*it) return std::nullopt;
+      String8 const key = *Mox::genericVal<String8>(it->key().get());
+      ++*it;
+      return key;
+    });
+    return all;
+  }
+
+  /// A collection's name with the slash behind it: alone it says nothing of an entry.
+  std::vector<std::string> attributes() const {
+    std::vector<std::string> all;
+    for (Mox::Attribute const& attribute : attributesOf(*place_.object)) {
+      bool const isCollection = attribute.introspectionClass == IntrospectionClass::collection;
+      all.push_back(std::string(attribute.name.view()) + (isCollection ? "/" : ""));
+    }
+    return all;
+  }
+
+  /// The part of the path that led here.
+  std::string owner() const { return walked_.substr(0, walked_.size() - 1); }
+
+  /// Goes on to what the attribute refers to.
+  void follow() {
+    bool const isData = place_.attribute->introspectionClass == IntrospectionClass::scalar;
+    Generic value = isData ? place_.read() : nullptr;
+    auto* const reference = dynamic_cast<Mox::GenericIfPtrInterface*>(value.get());
+    if (reference == nullptr || !reference->object()) {
+      throw ControlError(
+          Wire::ErrorKind::path,
+          nameText(String8(place_.path.substr(0, place_.path.size() - rest_.size() - 1))) +
+              " leads no further: it refers to nothing");
+    }
+    place_.object = std::move(value);
+    place_.attribute = nullptr;
+  }
+
+  /// The rest is a key; or, if there is no such entry, the key of one that is there, a colon, and
+  /// the name of a field.
+  void entry() {
+    done_ = true;
+    place_.key = String8(rest_);
+    std::size_t const colon = rest_.rfind(':');
+    if (colon == std::string_view::npos || place_.read() != nullptr) return;
+    Mox::TypeNode const& node = *place_.attribute->type->typeNode();
+    Mox::Attribute const* const field = node.attribute(String8(rest_.substr(colon + 1)));
+    if (field == nullptr) return;
+    String8 const whole = std::exchange(*place_.key, String8(rest_.substr(0, colon)));
+    if (place_.read() != nullptr) {
+      place_.field = field;
+    } else {
+      place_.key = whole;
+    }
+  }
+
+  Place place_;
+  std::string_view rest_;
+  std::string walked_;
+  bool done_ = false;
+};
+
+}  // namespace
+
+Generic Place::operate(AttributeOpCode code, Mox::GenericIf const* argument) const {
+  Generic const index = key ? Mox::genericOf(*key) : nullptr;
+  Generic result;
+  object->attributeOp({attribute->id, code, index.get()}, argument, result);
+  return result;
+}
+
+Generic Place::read() const {
+  if (attribute == nullptr) return object->clone();
+  if (!key) return operate(AttributeOpCode::read);
+  Generic const index = Mox::genericOf(*key);
+  auto const entry = object->attributeIteratorKeyConst(attribute->id, index.get());
+  Generic value = object->attributeIterator_iterObj(*entry);
+  if (field == nullptr) return value;
+  Generic part;
+  value->attributeOp({field->id, AttributeOpCode::read}, nullptr, part);
+  return part;
+}
+
+Place placeAt(std::vector<Root> const& roots, std::string_view path) {
+  return Walk(roots, path).whole();
+}
+
+Continuations continuations(std::vector<Root> const& roots, std::string_view path) {
+  if (path.find('/') == std::string_view::npos) {
+    std::vector<std::string> all = names(roots);
+    for (std::string& name : all) name += '/';
+    return {"", listed(std::move(all))};
+  }
+  try {
+    return Walk(roots, path).continuations();
+  } catch (ControlError const&) {
+    return {};
+  }
+}
+
+}  // namespace Kest::Agent

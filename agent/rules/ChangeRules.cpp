@@ -1,0 +1,74 @@
+#include "agent/rules/ChangeRules.h"
+
+#include "agent/access/Collections.h"
+#include "agent/rules/SliceRules.h"
+#include "platform/mox/GenericValue.h"
+#include "platform/mox/RangeException.h"
+#include "registry/DeviceStateType.h"
+
+namespace Kest::Agent {
+
+namespace {
+
+using Hardware::Kest::Slice::DeviceState;
+
+bool isStates(Mox::Attribute const& attribute) {
+  return attribute.type == Mox::TypeOf<DeviceState>::type();
+}
+
+/// A registered device is brought to its configured state whenever that is announced: it must have
+/// one.
+void checkState(Mox::String8 const& devName, Config const& config, Status const& status) {
+  DeviceState const wanted = config.deviceState(devName);
+  bool const isWanted =
+      wanted == DeviceState::deviceStateUp_ || wanted == DeviceState::deviceStateDown_;
+  if (isWanted || !status.device(devName).registered()) return;
+  Mox::throwRangeException(Mox::format("expected a configured state of the registered device %s",
+                                       Mox::valueToStrep(devName).charPtr()));
+}
+
+/// What the state machine was not told of, because it was not observing, is told with a handler.
+void checkStateRemoval(Mox::String8 const& devName, Config const& config, Status const& status) {
+  if (!status.device(devName).registered()) return;
+  bool const isConfigured = static_cast<bool>(config.deviceIteratorConst(devName));
+  Mox::throwRangeException(Mox::format("device %s is registered: %s before its state goes",
+                                       Mox::valueToStrep(devName).charPtr(),
+                                       isConfigured ? "remove it" : "call handleDevice"));
+}
+
+}  // namespace
+
+void checkStore(Place const& entry, Mox::GenericIf const& value) {
+  checkKey(entry.attribute->keyName.view(), *entry.key);
+  if (auto const* const vlan = Mox::genericVal<std::uint16_t>(&value)) checkValue(*vlan);
+  if (auto const* const state = Mox::genericVal<DeviceState>(&value)) {
+    checkStateName(stringValue(*state));
+  }
+}
+
+void checkRemove(Place const& entry, Config const& config, Status const& status) {
+  if (isStates(*entry.attribute)) checkStateRemoval(*entry.key, config, status);
+}
+
+/// Devices go before their states; one that is registered but not configured any more would stay.
+void checkApply(Config const& wanted, Config const& config, Status const& status) {
+  for (Mox::String8 const& devName : keysOf<Config::DeviceStates>(config)) {
+    bool const stays = static_cast<bool>(wanted.deviceStateIteratorConst(devName));
+    bool const isConfigured = static_cast<bool>(config.deviceIteratorConst(devName));
+    if (!stays && !isConfigured) checkStateRemoval(devName, config, status);
+  }
+}
+
+void checkNotify(Place const& entry, Config const& config, Status const& status) {
+  checkKey(entry.attribute->keyName.view(), *entry.key);
+  if (isStates(*entry.attribute)) checkState(*entry.key, config, status);
+}
+
+void checkCall(Mox::Attribute const& handler, Mox::String8 const& key, Config const& config,
+               Status const& status) {
+  bool const isOfPort = handler.name == "handleSwitchPort" || handler.name == "handleNativeVlan";
+  if (isOfPort) checkKey(Config::SwitchPorts::keyName, key);
+  if (handler.name == "handleDeviceState") checkState(key, config, status);
+}
+
+}  // namespace Kest::Agent

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "agent/access/GenericJson.h"
+
+namespace Kest::Agent {
+
+class LongResult;
+class Upload;
+
+/// Called with a result that comes after `Verbs::carryOut` has returned.
+using Later = std::function<void(Json result)>;
+
+/// What a request comes to: nothing yet (its result comes through `Later`), its result, a result
+/// that takes its time, or the wish for the bytes that follow the request.
+using Answer =
+    std::variant<std::monostate, Json, std::unique_ptr<LongResult>, std::unique_ptr<Upload>>;
+
+/// A result that takes long to find or to tell. It is told in pieces, as the client reads them, so
+/// that no reply holds up the activity or is ever in memory as a whole.
+class LongResult {
+ public:
+  enum class Progress {
+    more,   // there is more to do
+    later,  // the result comes through `Later`; no text has been appended
+    done,   // the text is whole
+  };
+
+  virtual ~LongResult() = default;
+
+  /// About how many bytes of memory it holds: they count as the client's.
+  virtual std::size_t held() const { return std::size_t{16} << 10; }
+
+  /// Goes on for a millisecond at most. Appends the next piece of the result's JSON text, or
+  /// nothing while the result is still being found.
+  /// @throw as `Verbs::carryOut`, before any text has been appended; after that nothing but
+  /// `std::bad_alloc`, which costs the client its connection
+  virtual Progress goOn(std::string& text) = 0;
+};
+
+/// Takes the bytes that follow a request, as they come, so that they are never in memory as a
+/// whole.
+class Upload {
+ public:
+  virtual ~Upload() = default;
+
+  /// About how many bytes of memory it holds: they count as the client's.
+  virtual std::size_t held() const { return std::size_t{16} << 10; }
+
+  /// The next bytes, cut anywhere; some ten KiB at a time.
+  /// @throw as `Verbs::carryOut`: the request is refused, and what is left of the bytes skipped
+  virtual void take(std::string_view bytes) = 0;
+  /// After the last byte. No second upload comes of it.
+  /// @throw as `Verbs::carryOut`
+  virtual Answer end() = 0;
+};
+
+}  // namespace Kest::Agent

@@ -1,0 +1,158 @@
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "agent/access/ControlError.h"
+#include "agent/process/SimulatedDriver.h"
+#include "agent/show/Differences.h"
+#include "agent/verbs/PiecewiseResult.h"
+#include "agent/verbs/Verbs.h"
+#include "platform/mox/RangeException.h"
+#include "registry/RecordTypes.h"
+
+/// Configuration, status and driver beside each other, and the simulated driver.
+namespace Kest::Agent {
+
+namespace {
+
+using Mox::String8;
+
+/// What an entity's collections of ports, or of devices, say of one of them: the fields of its
+/// record and the values of the others; null when they say nothing.
+template <class Entity>
+Json sideJson(Entity const& entity, std::string_view keyName, String8 const& key) {
+  Json side = nullptr;
+  entity.forEachCollection([&](auto const& collection) {
+    using Value = typename std::remove_cvref_t<decltype(collection)>::Value;
+    if (keyName != collection.keyName) return;
+    auto const entry = collection.iteratorConst(key);
+    if (!entry) return;
+    Json const value = toJson(*Mox::genericOf<Value>(entry.value()));
+    if (side.is_null()) side = Json::object();
+    if (value.is_object()) {
+      side.update(value);
+    } else {
+      side[collection.name] = value;
+    }
+  });
+  return side;
+}
+
+Json rowJson(Served const& served, std::string_view keyName, String8 const& key, Json driver) {
+  return {{"name", std::string(key.view())},
+          {"config", sideJson(*served.config, keyName, key)},
+          {"status", sideJson(*served.status, keyName, key)},
+          {"driver", std::move(driver)}};
+}
+
+Json differenceJson(Difference const& difference) {
+  Json json{{"subject", difference.subject}, {"what", difference.what}};
+  auto const side = [&](char const* name, Json const& value) {
+    if (!value.is_discarded()) json[name] = value;
+  };
+  side("config", difference.config);
+  side("status", difference.status);
+  side("driver", difference.driver);
+  json["message"] = difference.message();
+  return json;
+}
+
+/// A JSON text without the white space between its words.
+std::string onOneLine(std::string_view json) {
+  std::string line;
+  bool inString = false;
+  bool isEscaped = false;
+  for (char const c : json) {
+    if (!inString && (c == ' ' || c == '\n')) continue;
+    line += c;
+    if (c == '"' && !isEscaped) inString = !inString;
+    isEscaped = c == '\\' && !isEscaped;
+  }
+  return line;
+}
+
+/// @param refusedKind the kind of error when the simulated driver refuses, as opposed to not being
+/// there
+template <class Work>
+void steer(SimulatedDriver const& simulated, Wire::ErrorKind refusedKind, Work const& work) {
+  try {
+    work();
+  } catch (DriverError const& refused) {
+    throw ControlError(simulated.isThere() ? refusedKind : Wire::ErrorKind::refused,
+                       refused.what());
+  }
+}
+
+}  // namespace
+
+Answer Verbs::verify(Request const& request) {
+  request.checkMembers({});
+  DriverView const driver(served_.driver);
+  auto const any = std::make_shared<bool>(false);
+  auto const compared = [&](OrderedKeys names, auto differences) {
+    auto tell = [&served = served_, driver, differences](Items& items, String8 const& name) {
+      for (Difference const& found : differences(*served.config, *served.status, driver, name)) {
+        items.add(differenceJson(found));
+      }
+    };
+    return forEachKey(std::move(names), std::move(tell), any);
+  };
+  auto result = std::make_unique<PiecewiseResult>();
+  result->add(R"({"differences":[)");
+  result->add(compared(deviceNames(served_.config, served_.status), &deviceDifferences));
+  result->add(compared(portNames(served_.config, served_.status, driver), &portDifferences));
+  result->add([any, driver](std::string& text) {
+    text += *any ? R"(],"clean":false)" : R"(],"clean":true)";
+    if (!driver.tellsAll()) text += R"(,"notCompared":["interfaces","device parameters"])";
+    text += "}";
+    return false;
+  });
+  return result;
+}
+
+Answer Verbs::show(Request const& request) {
+  request.checkMembers({});
+  DriverView const driver(served_.driver);
+  auto result = std::make_unique<PiecewiseResult>();
+  result->add(R"({"devices":[)");
+  result->add(forEachKey(deviceNames(served_.config, served_.status),
+                         [&served = served_, driver](Items& items, String8 const& devName) {
+                           items.add(rowJson(served, Config::Devices::keyName, devName,
+                                             driver.device(devName)));
+                         }));
+  result->add(R"(],"ports":[)");
+  result->add(forEachKey(portNames(served_.config, served_.status, driver),
+                         [&served = served_, driver](Items& items, String8 const& ifName) {
+                           items.add(rowJson(served, Config::SwitchPorts::keyName, ifName,
+                                             driver.interface(ifName)));
+                         }));
+  result->add("]}");
+  return result;
+}
+
+Answer Verbs::driver(Request const& request) {
+  request.checkMembers({"action", "text", "device"});
+  request.string("action");  // there is no default
+  std::string const action = request.oneOf("action", {"log", "dump", "state", "fault", "flip"});
+  SimulatedDriver const simulated(served_.driver);
+  if (action == "fault") {
+    std::string const text = request.string("text");
+    if (text.find('\0') != std::string::npos) {  // which would end it for the driver
+      throw ControlError(Wire::ErrorKind::file, "faults: expected a text without NUL");
+    }
+    steer(simulated, Wire::ErrorKind::file, [&] { simulated.faultsAre(text); });
+    return Json::object();
+  }
+  if (action == "flip") {
+    String8 const devName(request.string("device"));
+    steer(simulated, Wire::ErrorKind::path, [&] { simulated.flip(devName); });
+    return Json::object();
+  }
+  std::string const text = simulated.text(action.c_str());
+  auto result = std::make_unique<PiecewiseResult>();
+  result->add(action == "state" ? R"({"state":)" + onOneLine(text) + "}"
+                                : R"({"text":)" + jsonText(text) + "}");
+  return result;
+}
+
+}  // namespace Kest::Agent

@@ -1,0 +1,50 @@
+#include "agent/verbs/Refusal.h"
+
+#include "agent/process/DriverLibrary.h"
+#include "agent/slice/FileError.h"
+#include "platform/mox/GenericIf.h"
+#include "platform/mox/RangeException.h"
+
+namespace Kest::Agent {
+
+using Wire::ErrorKind;
+
+namespace {
+
+/// The kind of error that a refusal of generic access is to a client.
+ErrorKind kindOf(Mox::GenericAccessException const& refused) {
+  using Kind = Mox::GenericAccessException::Kind;
+  switch (refused.kind()) {
+    case Kind::noSuchAttribute:
+      return ErrorKind::path;
+    case Kind::type:
+    case Kind::unknownArg:
+      return ErrorKind::value;
+    case Kind::constInstance:
+    case Kind::badIndex:
+    case Kind::opNotSupported:
+    case Kind::notBound:
+      break;
+  }
+  return ErrorKind::refused;
+}
+
+}  // namespace
+
+ControlError currentRefusal() {
+  try {
+    throw;
+  } catch (ControlError const& refused) {
+    return refused;
+  } catch (Mox::GenericAccessException const& refused) {
+    return {kindOf(refused), refused.what()};
+  } catch (Mox::RangeException const& refused) {
+    return {ErrorKind::value, refused.what()};
+  } catch (FileError const& refused) {
+    return {ErrorKind::file, refused.what()};
+  } catch (DriverError const& refused) {
+    return {ErrorKind::refused, refused.what()};
+  }
+}
+
+}  // namespace Kest::Agent

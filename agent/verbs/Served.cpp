@@ -1,0 +1,15 @@
+#include "agent/verbs/Served.h"
+
+#include "platform/mox/GenericIfPtrInterface.h"
+#include "registry/SmType.h"
+
+namespace Kest::Agent {
+
+/// The status is the state machine's to write: from here it can only be read.
+std::vector<Root> Served::roots() const {
+  return {{"config", [this] { return Mox::genericOf(config); }},
+          {"status", [this] { return Mox::genericOf(Mox::Ptr<Status const>(status)); }},
+          {"sm", [this] { return Mox::genericOf(sm); }}};
+}
+
+}  // namespace Kest::Agent

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "agent/access/Place.h"
+#include "agent/process/DriverLibrary.h"
+#include "agent/slice/SliceFile.h"
+#include "sm/KestSliceDmaSm.h"
+
+namespace Kest::Agent {
+
+/// What came of applying a slice.
+struct Applied {
+  std::size_t announced = 0;
+  std::size_t unchanged = 0;
+  std::vector<std::string> notUp;
+};
+
+/// What the verbs of the control protocol work on: the running agent.
+struct Served {
+  Mox::Ptr<Config> config;
+  Mox::Ptr<Status> status;
+  Mox::Ptr<Hardware::Kest::Slice::KestSliceDmaSm> sm;
+  DriverLibrary const& driver;
+  PciHandles const& handles;
+  /// Whether a slice is being applied: then another one, or single changes, would get in between.
+  std::function<bool()> isApplying;
+  /// Brings the configuration in line with `slice`; `done` comes when that is through, or never if
+  /// the agent ends before.
+  std::function<void(std::string const& file, Slice slice, std::function<void(Applied)> done)>
+      apply;
+
+  /// Where paths start.
+  std::vector<Root> roots() const;
+};
+
+}  // namespace Kest::Agent

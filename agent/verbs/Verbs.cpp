@@ -1,0 +1,106 @@
+#include "agent/verbs/Verbs.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "agent/access/ControlError.h"
+#include "agent/access/Text.h"
+#include "agent/verbs/Refusal.h"
+#include "agent/wire/NearMatch.h"
+#include "platform/mox/Trace.h"
+
+namespace Kest::Agent {
+
+using Wire::ErrorKind;
+
+/// One verb. It changes something always, or only when the request has one of some members.
+struct Verbs::Verb {
+  using Now = Json (Verbs::*)(Request const&);
+  using InPieces = Answer (Verbs::*)(Request const&);
+  using Longer = Answer (Verbs::*)(Request const&, Later);
+
+  char const* name;
+  bool (*changes)(Request const& request);  // or takes as long as the whole state is large
+  std::variant<Now, InPieces, Longer> carryOut;
+};
+
+std::span<Verbs::Verb const> Verbs::all() {
+  constexpr auto never = [](Request const&) { return false; };
+  constexpr auto always = [](Request const&) { return true; };
+  static Verb const verbs[] = {
+      {"types", never, &Verbs::types},
+      {"describe", never, &Verbs::describe},
+      {"get", never, &Verbs::get},
+      {"set", always, &Verbs::set},
+      {"del", always, &Verbs::del},
+      {"notify", always, &Verbs::notify},
+      {"call", always, &Verbs::call},
+      {"verify", never, &Verbs::verify},
+      {"show", never, &Verbs::show},
+      {"apply", always, &Verbs::apply},
+      {"diff", never, &Verbs::diff},
+      {"dump", never, &Verbs::dump},
+      {"trace", [](Request const& request) { return request.find("setting") != nullptr; },
+       &Verbs::trace},
+      {"driver",
+       [](Request const& request) {
+         std::string const action = request.string("action");
+         bool const isOfWholeState = action == "dump" || action == "state";
+         return isOfWholeState || action == "fault" || action == "flip";
+       },
+       &Verbs::driver},
+      {"mode", [](Request const& request) { return request.find("mode") != nullptr; },
+       &Verbs::mode},
+      {"complete", never, &Verbs::complete},
+  };
+  return verbs;
+}
+
+Answer Verbs::carryOut(Json const& json, bool mayChange, Later later) {
+  Request const request(json);
+  std::string const name = request.string("verb");
+  auto const verb = std::find_if(all().begin(), all().end(),
+                                 [&](Verb const& candidate) { return candidate.name == name; });
+  if (verb == all().end()) {
+    std::vector<std::string> names{"watch"};
+    for (Verb const& candidate : all()) names.emplace_back(candidate.name);
+    throw ControlError(ErrorKind::request,
+                       "there is no verb '" + nameText(Mox::String8(name)) + "'",
+                       Wire::nearMatch(name, names).value_or(std::string()));
+  }
+  if (!mayChange && verb->changes(request)) {
+    throw ControlError(
+        ErrorKind::denied,
+        "'" + name + "' changes the agent or holds it up: only root and the agent's user may");
+  }
+  try {
+    return std::visit(
+        [&](auto operation) -> Answer {
+          if constexpr (std::is_same_v<decltype(operation), Verb::Longer>) {
+            return (this->*operation)(request, std::move(later));
+          } else {
+            return (this->*operation)(request);
+          }
+        },
+        verb->carryOut);
+  } catch (std::exception const&) {
+    throw currentRefusal();
+  }
+}
+
+void Verbs::checkIdle() const {
+  if (!served_.isApplying()) return;
+  throw ControlError(ErrorKind::busy, "a slice file is being applied: try again when it is done");
+}
+
+Json Verbs::trace(Request const& request) {
+  request.checkMembers({"setting"});
+  if (auto const setting = request.optionalString("setting")) Mox::traceSettingIs(*setting);
+  return {{"setting", std::string(Mox::traceSetting().view())}};
+}
+
+}  // namespace Kest::Agent
