@@ -27,8 +27,8 @@ foreach(header
     driver/sim/Export.h
     driver/sim/SimControl.h
     model/detail/Collection.h
+    model/detail/EndProcess.h
     model/detail/EntityNotifiee.h
-    model/detail/FieldLead.h
     model/detail/FieldTable.h
     model/detail/ObserverList.h
     model/detail/RecordText.h

@@ -12,7 +12,7 @@ ConfigSwitchPort::ConfigSwitchPort(Mox::String8::IteratorConst& it,
 }
 
 Mox::String8 valueToStrep(ConfigSwitchPort const& record) {
-  return detail::recordToStrep<ConfigSwitchPort>(record.fields());
+  return detail::recordToStrep(record);
 }
 
 std::ostream& operator<<(std::ostream& out, ConfigSwitchPort const& record) {
@@ -32,7 +32,7 @@ void ConfigDevice::rangeCheck() const {
 }
 
 Mox::String8 valueToStrep(ConfigDevice const& record) {
-  return detail::recordToStrep<ConfigDevice>(record.fields());
+  return detail::recordToStrep(record);
 }
 
 std::ostream& operator<<(std::ostream& out, ConfigDevice const& record) {

@@ -51,10 +51,10 @@ class KEST_SLICE_DMA_API ConfigSwitchPort {
 
   struct Fields {
     Mox::String8 ifName;             // interface name; the key of the port
-    Mox::String8 devName;            // device (chip) that carries the port
     std::uint32_t destId = 0;        // destination identifier
     std::uint32_t shadowIntfId = 0;  // identifier of the shadow interface; 4096 for none
     std::uint32_t trafficClass = 0;  // traffic class of the port's packets
+    Mox::String8 devName;            // device (chip) that carries the port
     std::uint32_t fapNum = 0;        // number of the FAP on that device
     bool ctrl = false;               // control flag
     bool hwLag = false;              // whether the port is a hardware link aggregate

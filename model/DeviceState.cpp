@@ -35,8 +35,15 @@ Mox::String8 valueToStrep(DeviceState const& value) {
 
 DeviceState sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,
                             DeviceState*) {
-  return Mox::readConverted(it, end,
-                            [](Mox::String8 const& name) { return DeviceStateInstance(name); });
+  Mox::needString(it, end, " ");
+  Mox::String8::IteratorConst const start = it;
+  Mox::String8 const name = Mox::sequenceToValue(it, end, static_cast<Mox::String8*>(nullptr));
+  try {
+    return DeviceStateInstance(name);
+  } catch (Mox::RangeException const&) {
+    it = start;  // the name as a whole is refused
+    throw;
+  }
 }
 
 std::ostream& operator<<(std::ostream& out, DeviceState const& value) {

@@ -20,7 +20,6 @@ Mox::String8 KestSliceDmaConfig::attributeString(Mox::AttributeId id) const {
 
 void KestSliceDmaConfig::sliceIdIs(Mox::String8 sliceId) {
   if (sliceId == sliceId_) return;
-  observers().makeRoomToTell();
   sliceId_ = std::move(sliceId);
   changeCountInc();
   deliver(sliceIdAttributeId, [](NotifieeConst& observer) { observer.onSliceId(); });

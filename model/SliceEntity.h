@@ -28,10 +28,9 @@ namespace Hardware::Kest::Slice {
 /// Whoever calls a mutator holds a reference to the entity. One thread uses it; observers may read
 /// and write it while they are told.
 ///
-/// Memory. A mutator that finds none throws `std::bad_alloc`, and nothing has been changed, counted
-/// or announced; `DelAll` ends between two entries. What an observer's handler does not find is
-/// that observer's failure, as any exception of its. A lookup, an iteration and the end of the
-/// outside references take none.
+/// Memory. An insertion that finds none throws `std::bad_alloc`, and nothing has been changed,
+/// counted or announced. A handler that finds none fails like any other. An announcement that finds
+/// none ends the process (see `ObserverList`).
 ///
 /// `Entity` is the derived entity, which has the nested observer base `NotifieeConst`; `Traits`
 /// names the two record types, how they are passed, the first collection's attribute number, and

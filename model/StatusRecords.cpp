@@ -12,7 +12,7 @@ StatusSwitchPort::StatusSwitchPort(Mox::String8::IteratorConst& it,
 }
 
 Mox::String8 valueToStrep(StatusSwitchPort const& record) {
-  return detail::recordToStrep<StatusSwitchPort>(record.fields());
+  return detail::recordToStrep(record);
 }
 
 std::ostream& operator<<(std::ostream& out, StatusSwitchPort const& record) {
@@ -25,7 +25,7 @@ StatusDevice::StatusDevice(Mox::String8::IteratorConst& it,
 }
 
 Mox::String8 valueToStrep(StatusDevice const& record) {
-  return detail::recordToStrep<StatusDevice>(record.fields());
+  return detail::recordToStrep(record);
 }
 
 std::ostream& operator<<(std::ostream& out, StatusDevice const& record) {

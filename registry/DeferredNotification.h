@@ -61,7 +61,7 @@ class DeferredNotification : public CollectionObserver<Entity> {
   virtual void tell(Mox::AttributeId collection, Keys const& keys) {
     visit(collection, [&](auto description) {
       if (keys.size() == 1) {
-        description.tell(*observer_, [&] { return *keys.begin(); });
+        description.tell(*observer_, *keys.begin());
       } else {
         description.tellWhole(*observer_);
       }

@@ -1,7 +1,7 @@
 #include <utility>
 
+#include "model/detail/EndProcess.h"
 #include "sm/KestSliceDmaSm.h"
-#include "sm/detail/End.h"
 
 namespace Hardware::Kest::Slice {
 

@@ -4,7 +4,6 @@
 
 #include "driver/KestDma.h"
 #include "sm/KestSliceDmaSm.h"
-#include "sm/detail/End.h"
 #include "sm/detail/LogMessages.h"
 #include "sm/detail/Points.h"
 
@@ -23,14 +22,24 @@ void verify(bool holds, char const* expression, unsigned lineNumber) {
   if (!holds) detail::assertionFailed(expression, detail::handler::doVerify, lineNumber);
 }
 
+/// Runs one step of the last report. The process ends whether it succeeds or not, so what it throws
+/// is dropped.
+template <class Step>
+void lastStep(Step const& step) noexcept {
+  try {
+    step();
+  } catch (...) {  // NOLINT(bugprone-empty-catch): the steps that are left matter more
+  }
+}
+
 /// A chip went up or down behind the machine's back. Whatever fails on the way, it ends in `abort`.
 [[noreturn]] void stateMismatch(Mox::String const& devName, bool expectedUp, bool up) noexcept {
   std::signal(SIGPIPE, SIG_IGN);  // nobody may be left to read standard error
   std::fprintf(stderr, "%s: %s expected state: %s, actual state: %s\n",
                detail::handler::handleTimerExpired.name, devName.charPtr(), upOrDown(expectedUp),
                upOrDown(up));
-  detail::lastStep([] { kestDmaDump(); });
-  detail::lastStep(
+  lastStep([] { kestDmaDump(); });
+  lastStep(
       [&] { Mox::log(detail::deviceStateError(), devName, upOrDown(expectedUp), upOrDown(up)); });
   std::abort();
 }

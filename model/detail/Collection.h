@@ -7,7 +7,6 @@
 #include "model/detail/ObserverList.h"
 #include "platform/mox/HashMap.h"
 #include "platform/mox/Ptr.h"
-#include "platform/mox/SmallMemory.h"
 #include "platform/mox/String8.h"
 
 namespace Hardware::Kest::Slice::detail {
@@ -22,25 +21,12 @@ concept IsRecord = requires {
 template <class Description, class Value>
 class Entry : public Mox::HashMapEntry {
  public:
-  Entry(Mox::String8 const& key, Value value) : Mox::HashMapEntry(key), value_(value) {}
+  Entry(Mox::String8 key, Value value)
+      : Mox::HashMapEntry(std::move(key)), value_(std::move(value)) {}
 
   Value const& value() const noexcept { return value_; }
-  void valueIs(Value value) { value_ = value; }
-
- private:
-  Value value_;
-};
-
-/// That of a record, which is its own key's place.
-template <class Description, IsRecord Value>
-class Entry<Description, Value> : public Mox::PtrInterface, public Mox::InSmallMemory {
- public:
-  Entry(Mox::String8 const& /*key*/, Value value) : value_(std::move(value)) {}
-
-  Mox::String8 const& key() const noexcept { return Description::keyOf(value_); }
-  Value const& value() const noexcept { return value_; }
-  /// The record must have the same key; the entry's stays the string that it was made with.
-  void valueIs(Value const& value) { copyAllButKey<Value>(value_.fields(), value.fields()); }
+  /// A record must have the same key.
+  void valueIs(Value const& value) { value_ = value; }
 
  private:
   Value value_;
@@ -50,8 +36,8 @@ class Entry<Description, Value> : public Mox::PtrInterface, public Mox::InSmallM
 /// changes.
 ///
 /// A change that changes nothing is silent. Every other one counts once on the entity, then tells
-/// the entity's observers the key; they find the change done. One that there is no memory for is a
-/// `std::bad_alloc`: then it has not been made, counted or told.
+/// the entity's observers the key; they find the change done. An insertion without memory throws
+/// `std::bad_alloc` before anything has changed.
 ///
 /// `Description` says once what the collection is: `name`, `keyName`, `attributeId` and how an
 /// observer is told (`tell`). `Owner` is the entity, which lends its counters and its observers.
@@ -75,7 +61,8 @@ class Collection {
 
     Value const& operator*() const { return value(); }
     Value const* operator->() const { return &value(); }
-    Value const& value() const { return Mox::HashMap<Entry>::IteratorConst::operator*().value(); }
+    Value const& value() const { return entry()->value(); }
+    Entry const* entry() const { return &Mox::HashMap<Entry>::IteratorConst::operator*(); }
   };
 
   explicit Collection(Owner& owner) noexcept : owner_(owner) {}
@@ -100,17 +87,18 @@ class Collection {
 
   /// The bare insertion step: neither counts nor announces.
   Mox::Ptr<Entry> newEntry(Mox::String8 const& key, Value const& value) {
-    return newEntryAt(entries_.place(key), key, value);
+    Mox::Ptr<Entry> entry(new Entry(key, value));
+    entries_.insert(entry);
+    return entry;
   }
 
   /// Inserts, or updates the entry in place.
   void valueIs(Mox::String8 const& key, Value const& value) {
-    auto const place = entries_.place(key);
-    Entry* const entry = place.entry();
-    if (entry != nullptr && entry->value() == value) return;
-    owner_.observers().makeRoomToTell();
+    Entry* const entry = entries_.find(key);
     if (entry == nullptr) {
-      newEntryAt(place, key, value);
+      newEntry(key, value);
+    } else if (entry->value() == value) {
+      return;
     } else {
       entry->valueIs(value);
     }
@@ -118,14 +106,21 @@ class Collection {
   }
 
   /// Returns the removed value; a default value when there is nothing to remove.
-  Value del(Mox::String8 const& key) { return del(entries_.place(key)); }
-  Value del(IteratorConst const& it) { return del(entries_.place(it)); }
+  Value del(Mox::String8 const& key) {
+    Mox::Ptr<Entry> const removed = entries_.remove(key);
+    if (!removed) return Value();
+    changed(removed->key());
+    return removed->value();
+  }
+  Value del(IteratorConst const& it) {
+    bool const isThere = it && entries_.find(it.key()) == it.entry();
+    return isThere ? del(it.key()) : Value();
+  }
 
   /// Deletes entry by entry, each counted and announced before the next one goes. Ends even if
-  /// observers insert: what they insert behind the walk's place goes too. Without memory it ends
-  /// between two entries.
+  /// observers insert: what they insert after the walk's place goes too.
   void delAll() {
-    for (IteratorConst it = iteratorConst(); it; ++it) remove(entries_.place(it));
+    for (IteratorConst it = iteratorConst(); it; ++it) del(it);
   }
 
   /// Announces the key, changing and counting nothing.
@@ -138,41 +133,13 @@ class Collection {
   }
 
  private:
-  using Place = typename Mox::HashMap<Entry>::Place;
-
-  Mox::Ptr<Entry> newEntryAt(Place const& place, Mox::String8 const& key, Value const& value) {
-    Mox::Ptr<Entry> entry(new Entry(key, value));
-    entries_.insert(place, entry);
-    return entry;
-  }
-
-  Value del(Place const& place) {
-    Mox::Ptr<Entry> const removed = remove(place);
-    return removed ? removed->value() : Value();
-  }
-
-  /// Returns what was removed, if there was anything.
-  Mox::Ptr<Entry> remove(Place const& place) {
-    Mox::Ptr<Entry> removed(place.entry());
-    if (!removed) return removed;
-    owner_.observers().makeRoomToTell();
-    entries_.remove(place);
-    changed(removed->key());
-    return removed;
-  }
-
   void changed(Mox::String8 const& key) {
     owner_.changeCountInc();
     announce(key);
   }
 
   void announce(Mox::String8 const& key) const {
-    std::size_t const observers = owner_.observers().count();
-    if (observers == 0) return;
-    Mox::String8::Copies keys(key, observers);
-    owner_.deliver(attributeId, [&](auto& observer) {
-      Description::tell(observer, [&] { return keys.next(); });
-    });
+    owner_.deliver(attributeId, [&](auto& observer) { Description::tell(observer, key); });
   }
 
   Owner& owner_;

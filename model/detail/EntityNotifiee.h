@@ -11,12 +11,12 @@ template <class Entity>
 class EntityNotifiee : public ListedNotifiee {
  public:
   /// Joins the notifier's observers at the end, or leaves them. Without a notifier only the wish is
-  /// recorded; it takes effect when there is one. Without memory to join nothing has changed.
+  /// recorded; it takes effect when there is one.
   void isRegisteredNotifieeIs(bool registered) const override {
     if (this->registered_ == registered) return;
+    this->registered_ = registered;
     if (entity() != nullptr && registered) entity()->observers().append(*this);
     if (entity() != nullptr && !registered) entity()->observers().remove(*this);
-    this->registered_ = registered;
   }
 
   /// The full name of the entity that is observed; empty without one.
@@ -29,10 +29,10 @@ class EntityNotifiee : public ListedNotifiee {
   void notifierIs(Mox::Ptr<Mox::PtrInterface const> const& notifier) override {
     auto const next = Mox::ptrCast<Entity const>(notifier);
     if (next.ptr() == entity()) return;
-    if (registered_ && next) next->observers().makeRoom();
-    if (registered_ && entity() != nullptr) entity()->observers().remove(*this);
+    bool const registered = this->registered_;
+    EntityNotifiee::isRegisteredNotifieeIs(false);
     Mox::Entity::NotifieeConst::notifierIs(next);
-    if (registered_ && next) next->observers().append(*this);
+    EntityNotifiee::isRegisteredNotifieeIs(registered);
   }
 
   ~EntityNotifiee() override { EntityNotifiee::isRegisteredNotifieeIs(false); }

@@ -32,14 +32,6 @@ constexpr void forEachField(Visit visit) {
   std::apply([&](auto const&... fields) { (visit(fields), ...); }, Record::fieldTable());
 }
 
-/// Copies every field but the first, under which a record is stored.
-template <class Record>
-void copyAllButKey(typename Record::Fields& to, typename Record::Fields const& from) {
-  std::apply([&](auto const& /*key*/,
-                 auto const&... others) { ((to.*others.member = from.*others.member), ...); },
-             Record::fieldTable());
-}
-
 /// Stands for a value of whatever type is asked for.
 struct Anything {
   template <class T>

@@ -1,15 +1,11 @@
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
-#include <type_traits>
-#include <utility>
 
-#include "model/detail/FieldLead.h"
 #include "model/detail/FieldTable.h"
 #include "platform/mox/Strep.h"
-#include "platform/mox/StrepBuffer.h"
 
 /// The uniform text form of records, written and read by their field tables.
 namespace Hardware::Kest::Slice::detail {
@@ -20,56 +16,30 @@ constexpr std::string_view shortName(std::string_view typeName) {
 }
 
 template <class T>
-void appendField(Mox::StrepBuffer& text, Mox::Ptr<T> const& value) {
-  text.append(Mox::valueToStrepOfRawPtr(value.ptr(), T::_fwkType()).view());
+Mox::String8 fieldToStrep(T const& value) {
+  using Mox::valueToStrep;
+  return valueToStrep(value);
+}
+
+inline Mox::String8 fieldToStrep(std::uint32_t value) {
+  return Mox::valueToStrep(static_cast<unsigned long long>(value));
 }
 
 template <class T>
-void appendField(Mox::StrepBuffer& text, T const& value) {
-  using Mox::appendStrep;
-  if constexpr (std::is_same_v<T, std::uint32_t>) {
-    appendStrep(text, static_cast<unsigned long long>(value));
-  } else if constexpr (requires { appendStrep(text, value); }) {
-    appendStrep(text, value);
-  } else {
-    text.append(valueToStrep(value).view());
-  }
+Mox::String8 fieldToStrep(Mox::Ptr<T> const& value) {
+  return Mox::valueToStrepOfRawPtr(value.ptr(), T::_fwkType());
 }
 
 template <class Record>
-Mox::String8 recordToStrep(typename Record::Fields const& fields) {
-  Mox::StrepBuffer text;
-  auto const append = [&](auto lead) {
-    text.append(lead.text);
-    appendField(text, fields.*lead.field.member);
-  };
-  [&]<std::size_t... index>(std::index_sequence<index...>) {
-    (append(FieldLead<Record, index>()), ...);
-  }
-  (FieldIndexes<Record>());
-  text.append("})");
-  return text.string();
-}
-
-/// Reads fields from the start of a record as long as they stand there just as they are printed;
-/// false if there is none. It stops behind a value, from where any other field can be read. A
-/// switch port that is read as it was printed takes 0.25 of the instructions that it takes name by
-/// name.
-template <class Record>
-bool readPrintedFields(typename Record::Fields& fields, Mox::String8::IteratorConst& it,
-                       Mox::String8::IteratorConst const& end) {
-  auto const read = [&](auto lead) {
-    if (!it.viewTo(end).starts_with(lead.text)) return false;
-    it += lead.text.size();
-    Mox::deserializeAttr(it, end, &(fields.*lead.field.member), lead.field.name);
-    return true;
-  };
-  return [&]<std::size_t first, std::size_t... others>(std::index_sequence<first, others...>) {
-    if (!read(FieldLead<Record, first>())) return false;
-    static_cast<void>((read(FieldLead<Record, others>()) && ...));
-    return true;
-  }
-  (FieldIndexes<Record>());
+Mox::String8 recordToStrep(Record const& record) {
+  std::string text = std::string("Value('").append(Record::typeName).append("', ** {");
+  char const* before = "'";
+  forEachField<Record>([&](auto const& field) {
+    text.append(before).append(field.name).append("': ");
+    text.append(fieldToStrep(record.fields().*field.member).view());
+    before = ", '";
+  });
+  return Mox::String8(text.append("})"));
 }
 
 /// Reads the value of the field called `name`; false when the record has no such field.
@@ -85,29 +55,20 @@ bool readField(typename Record::Fields& fields, Mox::String8 const& name,
   return known;
 }
 
-/// Reads what is in front of a record's fields.
-template <class Record>
-void readHead(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end) {
-  static std::string const quotedTypeName = " '" + std::string(Record::typeName) + "'";
-  for (char const* token : {" Value", " (", quotedTypeName.c_str(), " ,", " **", " {"}) {
-    Mox::needString(it, end, token);
-  }
-}
-
 /// Reads a record's text form. Fields may come in any order, the last of several of the same name
 /// counts, and one that the text does not name keeps the value it has in `fields`.
 template <class Record>
 void readRecord(typename Record::Fields& fields, Mox::String8::IteratorConst& it,
                 Mox::String8::IteratorConst const& end) {
-  constexpr std::string_view name = shortName(Record::typeName);
-  bool first = !readPrintedFields<Record>(fields, it, end);
-  if (first) readHead<Record>(it, end);
-  for (;; first = false) {
+  std::string const typeName(Record::typeName);
+  std::string const quotedTypeName = " '" + typeName + "'";
+  std::string const name(shortName(typeName));
+  for (char const* token : {" Value", " (", quotedTypeName.c_str(), " ,", " **", " {"}) {
+    Mox::needString(it, end, token);
+  }
+  for (bool first = true;; first = false) {
     Mox::needString(it, end, " ");
-    if (it == end) {
-      std::string text = "premature end of value type ";
-      Mox::throwRangeException(Mox::String8(text.append(name)));
-    }
+    if (it == end) Mox::throwRangeException(Mox::String8("premature end of value type " + name));
     if (*it == '}') break;
     if (!first) Mox::needString(it, end, ", ");
     Mox::String8::IteratorConst const nameAt = it;
@@ -116,9 +77,8 @@ void readRecord(typename Record::Fields& fields, Mox::String8::IteratorConst& it
     Mox::needString(it, end, " : ");
     if (!readField<Record>(fields, fieldName, it, end)) {
       it = nameAt;
-      std::string text(name);
-      text.append(" has no such attribute: ").append(fieldName.view());
-      Mox::throwRangeException(Mox::String8(text));
+      std::string text = name + " has no such attribute: ";
+      Mox::throwRangeException(Mox::String8(text.append(fieldName.view())));
     }
   }
   Mox::needString(it, end, "} ");

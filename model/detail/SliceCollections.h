@@ -5,8 +5,7 @@
 
 /// The five keyed collections that the configuration and the status of a slice both have, each
 /// described once, in order of attribute number. `wrongKeyName` is what a refusal of generic access
-/// calls a key of the wrong type; tools know these names, uneven as they are. `tell` is given a
-/// function that makes the copy of the key which the observer gets.
+/// calls a key of the wrong type; tools know these names, uneven as they are.
 namespace Hardware::Kest::Slice::detail {
 
 /// What an observer of a slice entity can be told: for each collection the keyed handler, which the
@@ -44,7 +43,7 @@ struct SwitchPortCollection {
   static constexpr char const* wrongKeyName = name;
   static constexpr Mox::AttributeId index = 0;
   static Mox::String8 const& keyOf(auto const& record) { return record.ifName(); }
-  static void tell(auto& observer, auto const& key) { observer.onSwitchPort(key()); }
+  static void tell(auto& observer, Mox::String8 const& key) { observer.onSwitchPort(key); }
   static void tellImmediate(auto& observer) { observer.onSwitchPortmoxImmediate(); }
   static void tellWhole(auto& observer) { observer.onSwitchPort(); }
 };
@@ -54,7 +53,7 @@ struct NativeVlanCollection {
   static constexpr char const* keyName = "ifName";
   static constexpr char const* wrongKeyName = name;
   static constexpr Mox::AttributeId index = 1;
-  static void tell(auto& observer, auto const& key) { observer.onNativeVlan(key()); }
+  static void tell(auto& observer, Mox::String8 const& key) { observer.onNativeVlan(key); }
   static void tellImmediate(auto& observer) { observer.onNativeVlanmoxImmediate(); }
   static void tellWhole(auto& observer) { observer.onNativeVlan(); }
 };
@@ -64,7 +63,7 @@ struct SwitchportModeCollection {
   static constexpr char const* keyName = "ifName";
   static constexpr char const* wrongKeyName = name;
   static constexpr Mox::AttributeId index = 2;
-  static void tell(auto& observer, auto const& key) { observer.onSwitchportMode(key()); }
+  static void tell(auto& observer, Mox::String8 const& key) { observer.onSwitchportMode(key); }
   static void tellImmediate(auto& observer) { observer.onSwitchportModemoxImmediate(); }
   static void tellWhole(auto& observer) { observer.onSwitchportMode(); }
 };
@@ -75,7 +74,7 @@ struct DeviceCollection {
   static constexpr char const* wrongKeyName = keyName;
   static constexpr Mox::AttributeId index = 3;
   static Mox::String8 const& keyOf(auto const& record) { return record.devName(); }
-  static void tell(auto& observer, auto const& key) { observer.onDevice(key()); }
+  static void tell(auto& observer, Mox::String8 const& key) { observer.onDevice(key); }
   static void tellImmediate(auto& observer) { observer.onDevicemoxImmediate(); }
   static void tellWhole(auto& observer) { observer.onDevice(); }
 };
@@ -85,7 +84,7 @@ struct DeviceStateCollection {
   static constexpr char const* keyName = "devName";
   static constexpr char const* wrongKeyName = keyName;
   static constexpr Mox::AttributeId index = 4;
-  static void tell(auto& observer, auto const& key) { observer.onDeviceState(key()); }
+  static void tell(auto& observer, Mox::String8 const& key) { observer.onDeviceState(key); }
   static void tellImmediate(auto& observer) { observer.onDeviceStatemoxImmediate(); }
   static void tellWhole(auto& observer) { observer.onDeviceState(); }
 };

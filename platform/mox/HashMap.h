@@ -126,6 +126,13 @@ class HashMap {
       return removeFromTree(at);
     table_.remove(at.slot_);
   }
+  /// Returns the entry that leaves the map; null when no entry has the key.
+  Ptr<Entry> remove(String8 const& key) noexcept {
+    Place const at = place(key);
+    Ptr<Entry> removed(at.entry());
+    if (removed) remove(at);
+    return removed;
+  }
   void clear() noexcept {
     while (count() > 0) {  // an entry that goes may bring in others
       tree_.reset();

@@ -1,12 +1,8 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <memory>
-#include <tuple>
-#include <type_traits>
 #include <utility>
-#include <variant>
 
 #include "model/detail/FieldTable.h"
 #include "model/detail/RecordText.h"
@@ -40,54 +36,6 @@ void takeField(Mox::Ptr<T>& field, Mox::GenericIf const* item, char const* name)
   field = reference;
 }
 
-/// A variant of pointers to the members that a field table lists, each type of member once.
-template <class Known, class... Rest>
-struct MembersOf {
-  using Variant = Known;
-};
-template <class... Known, class Fields, class T, class... Rest>
-struct MembersOf<std::variant<Known...>, Field<Fields, T>, Rest...>
-    : std::conditional_t<(std::is_same_v<Known, T Fields::*> || ...),
-                         MembersOf<std::variant<Known...>, Rest...>,
-                         MembersOf<std::variant<Known..., T Fields::*>, Rest...>> {};
-
-/// The fields of a record by attribute number.
-///
-/// They are read by one function for each type, not each field, of which a processor guesses the
-/// right one more often: reads of fields in random order take 0.8 of the time.
-template <class Record>
-class FieldsById {
- public:
-  using Fields = typename Record::Fields;
-
-  /// Null when no field has that number.
-  static auto const* find(Mox::AttributeId id) {
-    Mox::AttributeId const at = id - firstFieldAttributeId;  // huge for what comes before
-    return at < all.size() ? &all[at] : nullptr;
-  }
-
- private:
-  template <class... AnyField>
-  static constexpr auto fieldsOf(AnyField const&... field) {
-    struct AField {
-      char const* name;
-      typename MembersOf<std::variant<>, AnyField...>::Variant member;
-    };
-    return std::array{AField{field.name, field.member}...};
-  }
-
-  static constexpr auto all =
-      std::apply([](auto const&... field) { return fieldsOf(field...); }, Record::fieldTable());
-};
-
-/// What a field refuses: every operation but a read, and an index.
-[[noreturn]] inline void refuseField(char const* name, Mox::AttributeOp const& op) {
-  if (op.code != Mox::AttributeOpCode::read) {
-    Mox::GenericIf::throwOpNotSupportedException(name, op.code);
-  }
-  Mox::GenericIf::throwBadIndexAttrException(name);
-}
-
 /// Adapter of a record. Fields can be read; a record is replaced as a whole, through the collection
 /// that holds it.
 template <class Record>
@@ -98,14 +46,13 @@ class RecordAdapter : public Mox::GenericValue<Record> {
   void attributeOp(Mox::AttributeOp const& op, Mox::GenericIf const* arg,
                    std::unique_ptr<Mox::GenericIf>& result) override {
     this->checkModifiable(op);
-    auto const* const field = FieldsById<Record>::find(op.attribute);
-    if (field == nullptr) {
-      Mox::GenericValue<Record>::attributeOp(op, arg, result);
-      return;
-    }
-    if (op.code != Mox::AttributeOpCode::read || op.index != nullptr) refuseField(field->name, op);
-    std::visit([&](auto member) { result = Mox::genericOf(this->val().fields().*member); },
-               field->member);
+    bool known = false;
+    forEachFieldAttribute<Record>([&](auto const& field, Mox::AttributeId id) {
+      if (id != op.attribute) return;
+      known = true;
+      readField(field, op, result);
+    });
+    if (!known) Mox::GenericValue<Record>::attributeOp(op, arg, result);
   }
 
   std::unique_ptr<Mox::GenericIf> genericIfListConstructor(
@@ -123,6 +70,17 @@ class RecordAdapter : public Mox::GenericValue<Record> {
     Record record(std::move(fields));
     if constexpr (requires { record.rangeCheck(); }) record.rangeCheck();
     return Mox::genericOf(record, false);
+  }
+
+ private:
+  /// Every other operation is refused, and so is an index.
+  void readField(auto const& field, Mox::AttributeOp const& op,
+                 std::unique_ptr<Mox::GenericIf>& result) const {
+    if (op.code != Mox::AttributeOpCode::read) {
+      Mox::GenericIf::throwOpNotSupportedException(field.name, op.code);
+    }
+    if (op.index != nullptr) Mox::GenericIf::throwBadIndexAttrException(field.name);
+    result = Mox::genericOf(this->val().fields().*field.member);
   }
 };
 

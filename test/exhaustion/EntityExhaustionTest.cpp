@@ -1,3 +1,4 @@
+#include <csignal>
 #include <functional>
 #include <memory>
 #include <string>
@@ -57,7 +58,6 @@ template <class C>
 class EntityExhaustion : public testing::Test {
  protected:
   using Entity = typename C::Entity;
-  using Change = std::function<void(Entity&)>;
 
   Scene<Entity> sceneOf(std::size_t entries, std::size_t observers) const {
     Scene<Entity> scene(observers);
@@ -67,98 +67,43 @@ class EntityExhaustion : public testing::Test {
     return scene;
   }
 
-  /// What an undisturbed change makes of the content, one text a change that is counted, after the
-  /// one of the beginning.
-  std::vector<std::string> contents(std::size_t entries, Change const& change) const {
-    Scene<Entity> scene = sceneOf(entries, 1);
-    std::vector<std::string> all{contentOf(*scene.entity)};
-    scene.witnesses[0]->reaction = [&] { all.push_back(contentOf(*scene.entity)); };
-    change(*scene.entity);
-    scene.witnesses[0]->reaction = nullptr;
-    return all;
-  }
-
-  /// Every change of `change` is done, counted and told to everybody, or none of the three; those
-  /// behind the one that fails have not begun.
-  void changesWholly(std::size_t entries, Change const& change) const {
-    std::vector<std::string> const all = contents(entries, change);
-    for (std::size_t const observers : {0U, 1U, 3U}) {
-      SCOPED_TRACE(testing::Message() << entries << " entries, " << observers << " observers");
-      atEveryAllocation([&] { return sceneOf(entries, observers); },
-                        [&](Scene<Entity>& scene) { change(*scene.entity); },
-                        [&](Scene<Entity>& scene, End end) {
-                          auto const done = static_cast<std::size_t>(scene.entity->changeCount());
-                          ASSERT_LT(done, all.size());
-                          EXPECT_EQ(end == End::done, done == all.size() - 1);
-                          EXPECT_EQ(contentOf(*scene.entity), all[done]);
-                          for (auto const& witness : scene.witnesses)
-                            EXPECT_EQ(witness->told, done);
-                        });
-    }
-  }
-
   Mox::String8 const there = numbered(0);
   Mox::String8 const absent{"Ethernet4/1/1, which is not there"};
+  typename C::Value const added = C::value(absent, 1);
+  typename C::Value const updated = C::value(there, 2);
 };
 
 TYPED_TEST_SUITE(EntityExhaustion, AllCollections, CollectionNames);
 
-TYPED_TEST(EntityExhaustion, InsertsWhollyOrNotAtAll) {
-  auto const value = TypeParam::value(this->absent, 1);
+TYPED_TEST(EntityExhaustion, InsertsCountsAndTellsOrDoesNothing) {
   for (std::size_t const entries : {0U, 1U, 8U}) {  // with 8 the map has to grow
-    this->changesWholly(entries, [&](auto& e) { TypeParam::is(e, this->absent, value); });
-  }
-}
-
-TYPED_TEST(EntityExhaustion, UpdatesWhollyOrNotAtAll) {
-  auto const value = TypeParam::value(this->there, 2);
-  this->changesWholly(3, [&](auto& e) { TypeParam::is(e, this->there, value); });
-}
-
-TYPED_TEST(EntityExhaustion, DeletesWhollyOrNotAtAll) {
-  this->changesWholly(3, [&](auto& e) { TypeParam::del(e, this->there); });
-  this->changesWholly(3, [&](auto& e) { TypeParam::del(e, TypeParam::iterator(e, this->there)); });
-}
-
-TYPED_TEST(EntityExhaustion, DeletesAllOneByOne) {
-  this->changesWholly(3, [](auto& e) { TypeParam::delAll(e); });
-}
-
-TYPED_TEST(EntityExhaustion, AnnouncesToAllOrToNobody) {
-  for (std::size_t const observers : {0U, 1U, 3U}) {
-    atEveryAllocation([&] { return this->sceneOf(1, observers); },
-                      [&](auto& scene) { TypeParam::notify(*scene.entity, this->there); },
-                      [&](auto& scene, End end) {
-                        EXPECT_EQ(scene.entity->changeCount(), 0U);
-                        for (auto const& witness : scene.witnesses) {
-                          EXPECT_EQ(witness->told, end == End::done ? 1U : 0U);
-                        }
-                      });
-  }
-}
-
-TYPED_TEST(EntityExhaustion, TakesInAnEntryWhollyOrNotAtAll) {
-  auto const value = TypeParam::value(this->absent, 1);
-  for (std::size_t const entries : {0U, 8U}) {
     std::string const before = contentOf(*this->sceneOf(entries, 0).entity);
-    atEveryAllocation([&] { return this->sceneOf(entries, 1); },
-                      [&](auto& scene) { TypeParam::newEntry(*scene.entity, this->absent, value); },
+    atEveryAllocation([&] { return this->sceneOf(entries, 3); },
+                      [&](auto& scene) { TypeParam::is(*scene.entity, this->absent, this->added); },
                       [&](auto& scene, End end) {
-                        EXPECT_EQ(contentOf(*scene.entity) == before, end == End::badAlloc);
-                        EXPECT_EQ(scene.witnesses[0]->told, 0U);
+                        std::size_t const done = end == End::done ? 1 : 0;
+                        EXPECT_EQ(contentOf(*scene.entity) == before, done == 0);
+                        EXPECT_EQ(scene.entity->changeCount(), done);
+                        for (auto const& witness : scene.witnesses) EXPECT_EQ(witness->told, done);
                       });
   }
 }
 
-TYPED_TEST(EntityExhaustion, ReadsWithoutMemory) {
-  atEveryAllocation([&] { return this->sceneOf(3, 0); },
+TYPED_TEST(EntityExhaustion, DoesEverythingElseWithoutMemory) {
+  atEveryAllocation([&] { return this->sceneOf(4, 3); },
                     [&](auto& scene) {
-                      TypeParam::lookup(*scene.entity, this->there);
-                      for (auto it = TypeParam::iterator(*scene.entity); it; ++it) it.value();
+                      auto& entity = *scene.entity;
+                      TypeParam::is(entity, this->there, this->updated);
+                      TypeParam::del(entity, this->there);
+                      TypeParam::del(entity, TypeParam::iterator(entity));
+                      TypeParam::delAll(entity);
+                      TypeParam::notify(entity, this->there);
+                      TypeParam::lookup(entity, this->there);
                     },
                     [](auto& scene, End end) {
                       EXPECT_EQ(end, End::done);
-                      EXPECT_EQ(scene.entity->lookupCount(), 1U);
+                      EXPECT_EQ(scene.entity->changeCount(), 5U);
+                      for (auto const& witness : scene.witnesses) EXPECT_EQ(witness->told, 6U);
                     });
 }
 
@@ -181,104 +126,47 @@ TYPED_TEST(ObserverExhaustion, AChangeInsideAChangeFailsAlone) {
     return scene;
   };
   atEveryAllocation(
-      prepare, [&](auto& scene) { scene.entity->nativeVlanIs(port, 10); },
+      prepare, [&](auto& scene) { scene.entity->nativeVlanNotify(port); },
       [&](auto& scene, End end) {
-        bool const isOutside = scene.entity->nativeVlan(port) == 10;
-        bool const isInside = scene.entity->deviceState(device) == DeviceState::deviceStateUp_;
-        EXPECT_EQ(end == End::done, isOutside);
-        EXPECT_EQ(scene.entity->changeCount(), (isOutside ? 1U : 0U) + (isInside ? 1U : 0U));
-        for (auto const& witness : scene.witnesses) {
-          EXPECT_EQ(witness->told, scene.entity->changeCount());
-        }
-        EXPECT_EQ(scene.witnesses[1]->exceptions, isOutside && !isInside ? 1U : 0U);
+        EXPECT_EQ(end, End::done);
+        std::uint64_t const inside = scene.entity->changeCount();
+        EXPECT_EQ(scene.witnesses[1]->exceptions, inside == 0 ? 1U : 0U);
+        for (auto const& one : scene.witnesses) EXPECT_EQ(one->told, 1U + inside);
       });
 }
 
-TYPED_TEST(ObserverExhaustion, JoinsOrDoesNot) {
-  atEveryAllocation(
-      [] { return Scene<TypeParam>(2); },
-      [](auto& scene) { Mox::Ptr<Witness<TypeParam>>(new Witness<TypeParam>(scene.entity)); },
-      [](auto& scene, End) {
-        EXPECT_EQ(scene.entity->observers().count(), 2U);
-        scene.entity->nativeVlanNotify("et1");
-        EXPECT_EQ(scene.witnesses[1]->told, 1U);
-      });
-}
-
-TYPED_TEST(ObserverExhaustion, MovesToAnotherEntityOrStays) {
+TYPED_TEST(ObserverExhaustion, JoinsLeavesMovesAndIsToldOfTheEndWithoutMemory) {
   struct Two {
-    Scene<TypeParam> from{2};
+    Scene<TypeParam> from{3};
     Scene<TypeParam> to{1};
   };
   atEveryAllocation([] { return Two(); },
-                    [](Two& two) { two.from.witnesses[0]->notifierIs(two.to.entity); },
-                    [](Two& two, End end) {
-                      bool const moved = end == End::done;
-                      auto const& witness = *two.from.witnesses[0];
-                      EXPECT_EQ(witness.notifier(), moved ? two.to.entity : two.from.entity);
-                      EXPECT_TRUE(witness.isRegisteredNotifiee());
-                      two.from.entity->nativeVlanNotify("et1");
-                      EXPECT_EQ(witness.told, moved ? 0U : 1U);
-                      two.to.entity->nativeVlanNotify("et1");
-                      EXPECT_EQ(witness.told, 1U);
-                    });
-}
-
-TYPED_TEST(ObserverExhaustion, LeavesAndComesBackWithoutMemory) {
-  atEveryAllocation([] { return Scene<TypeParam>(3); },
-                    [](auto& scene) {
-                      scene.witnesses[1]->isRegisteredNotifieeIs(false);
-                      scene.witnesses[1]->isRegisteredNotifieeIs(true);
+                    [](Two& two) {
+                      auto& witness = *two.from.witnesses[1];
+                      witness.isRegisteredNotifieeIs(false);
+                      witness.isRegisteredNotifieeIs(true);
+                      witness.notifierIs(two.to.entity);
+                      two.to.entity = nullptr;
                     },
-                    [](auto& scene, End end) {
+                    [](Two& two, End end) {
                       EXPECT_EQ(end, End::done);
-                      EXPECT_EQ(scene.entity->observers().count(), 3U);
+                      EXPECT_EQ(two.from.entity->observers().count(), 2U);
+                      EXPECT_EQ(two.from.witnesses[1]->zeroReferences, 1U);
+                      EXPECT_EQ(two.to.witnesses[0]->zeroReferences, 1U);
                     });
 }
 
-/// The last reference from outside goes in places that cannot fail.
-TYPED_TEST(ObserverExhaustion, TheEndOfReferencesIsToldWithoutMemory) {
-  atEveryAllocation([] { return Scene<TypeParam>(3); }, [](auto& scene) { scene.entity = nullptr; },
-                    [](auto& scene, End end) {
-                      EXPECT_EQ(end, End::done);
-                      for (auto const& witness : scene.witnesses) {
-                        EXPECT_EQ(witness->zeroReferences, 1U);
-                      }
-                    });
-}
-
-/// Tells of the slice id too.
-class IdWitness final : public KestSliceDmaConfig::Notifiee {
- public:
-  void onSliceId() override { ++told; }
-  std::size_t told = 0;
-};
-
-TEST(SliceIdExhaustion, IsSetWhollyOrNotAtAll) {
-  struct IdScene {
-    Mox::Ptr<KestSliceDmaConfig> config{new KestSliceDmaConfig("slice")};
-    std::vector<Mox::Ptr<IdWitness>> witnesses;
-  };
-  Mox::String8 const id("Linecard3, with a name that takes memory");
-  for (std::size_t const observers : {0U, 1U, 3U}) {
-    auto const prepare = [&] {
-      IdScene scene;
-      for (std::size_t i = 0; i < observers; ++i) {
-        scene.witnesses.emplace_back(new IdWitness);
-        scene.witnesses.back()->notifierIs(scene.config);
-        scene.witnesses.back()->isRegisteredNotifieeIs(true);
-      }
-      return scene;
-    };
-    atEveryAllocation(
-        prepare, [&](IdScene& scene) { scene.config->sliceIdIs(id); },
-        [&](IdScene& scene, End end) {
-          std::size_t const done = end == End::done ? 1 : 0;
-          EXPECT_EQ(scene.config->changeCount(), done);
-          EXPECT_EQ(scene.config->sliceId() == id, done == 1);
-          for (auto const& witness : scene.witnesses) EXPECT_EQ(witness->told, done);
-        });
-  }
+/// The change has been made by then, so whoever made it cannot be refused.
+TYPED_TEST(ObserverExhaustion, ManyAreToldOrTheProcessEnds) {
+  Scene<TypeParam> scene(9);
+  Mox::String8 const port = numbered(1);
+  EXPECT_EXIT(
+      {
+        Exhaustion::Shortage const shortage(1, Exhaustion::Lasting::once);
+        scene.entity->nativeVlanNotify(port);
+      },
+      testing::KilledBySignal(SIGABRT),
+      "^KestSliceDma: no memory to tell the observers of an entity what has changed\n$");
 }
 
 /// Told later, key by key or as a whole.
