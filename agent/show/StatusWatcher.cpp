@@ -8,10 +8,10 @@ namespace Kest::Agent {
 
 namespace {
 
-std::string valueText(Status::SwitchPort const& port) {
+std::string statusText(Status::SwitchPort const& port) {
   return port.created() ? "created" : "not created";
 }
-std::string valueText(Status::Device const& device) {
+std::string statusText(Status::Device const& device) {
   return device.registered() ? "registered" : "refused by the driver";
 }
 
@@ -24,7 +24,7 @@ void StatusWatcher::changed(Mox::AttributeId id, Mox::String8 const& key) {
   notifier()->forEachCollection([&](auto const& collection) {
     if (collection.attributeId != id) return;
     auto const entry = collection.iteratorConst(key);
-    std::string const now = entry ? valueText(entry.value()) : "removed";
+    std::string const now = entry ? statusText(entry.value()) : "removed";
     told_(std::string(collection.name) + " " + nameText(key) + ": " + now);
   });
 }
