@@ -1,5 +1,6 @@
 #include "agent/show/StatusWatcher.h"
 
+#include <type_traits>
 #include <utility>
 
 #include "agent/access/Text.h"
@@ -8,11 +9,15 @@ namespace Kest::Agent {
 
 namespace {
 
-std::string statusText(Status::SwitchPort const& port) {
-  return port.created() ? "created" : "not created";
-}
-std::string statusText(Status::Device const& device) {
-  return device.registered() ? "registered" : "refused by the driver";
+template <class Value>
+std::string statusText(Value const& value) {
+  if constexpr (std::is_same_v<Value, Status::SwitchPort>) {
+    return value.created() ? "created" : "not created";
+  } else if constexpr (std::is_same_v<Value, Status::Device>) {
+    return value.registered() ? "registered" : "refused by the driver";
+  } else {
+    return valueText(value);
+  }
 }
 
 }  // namespace
