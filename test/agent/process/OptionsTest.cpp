@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "agent/Version.h"
+#include "agent/process/Version.h"
 
 namespace Kest::Agent {
 namespace {

@@ -34,7 +34,7 @@ TEST_P(ValidSliceJson, HoldsTheSameAsItsStatements) {
 #define DEVICE "Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** "
 #define PORT "Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** "
 
-ValidJsonRow const rows[] = {
+ValidJsonRow const validRows[] = {
     {"EmptyObject", "{}", ""},
     {"EmptyMembers",
      R"({"pciHam": [], "sliceId": "", "switchPort": {}, "nativeVlan": {}, "switchportMode": {},
@@ -97,7 +97,7 @@ ValidJsonRow const rows[] = {
 #undef DEVICE
 #undef PORT
 
-INSTANTIATE_TEST_SUITE_P(Rows, ValidSliceJson, testing::ValuesIn(rows),
+INSTANTIATE_TEST_SUITE_P(Rows, ValidSliceJson, testing::ValuesIn(validRows),
                          [](auto const& row) { return row.param.name; });
 
 TEST(SliceJsonHandles, ThatOnlyTheFileBeforeDeclaredAreRefused) {
