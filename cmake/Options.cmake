@@ -88,3 +88,14 @@ macro(kest_agent_folder)
     set(KEST_TEST_HEADERS "")  # they were compiled with other options
   endif()
 endmacro()
+
+# kest_join_by_folder(TARGET): where sources are joined, joins those of one folder, so that only they share
+# names.
+function(kest_join_by_folder target)
+  get_target_property(sources ${target} SOURCES)
+  foreach(source ${sources})
+    get_filename_component(folder ${source} DIRECTORY)
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP "_${folder}")
+  endforeach()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
+endfunction()
