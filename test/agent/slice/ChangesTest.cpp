@@ -50,7 +50,7 @@ std::string port(int number, std::string const& more = "") {
   return portText("'ifName': 'et" + std::to_string(number) + "'" + more);
 }
 
-ChangesRow const rows[] = {
+ChangesRow const changesRows[] = {
     {"NothingFromNothing", "", "", {}, 0},
     {"NothingWhenEqual",
      "sliceId 'a'\n" + up + fap0 + port(1) + "nativeVlan 'et1' 1",
@@ -126,7 +126,7 @@ ChangesRow const rows[] = {
      2},
 };
 
-INSTANTIATE_TEST_SUITE_P(Rows, ChangesTable, testing::ValuesIn(rows),
+INSTANTIATE_TEST_SUITE_P(Rows, ChangesTable, testing::ValuesIn(changesRows),
                          [](auto const& row) { return row.param.name; });
 
 }  // namespace
