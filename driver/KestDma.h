@@ -14,6 +14,9 @@
 /// 19 (ENODEV) no such device; what other numbers mean to the caller stands with each operation.
 namespace Hardware::Kest {
 
+/// Stands for no VLAN and for no interface id: just outside the 12 bits of a VLAN id.
+inline constexpr unsigned short noVlanOrInterface = 4096;
+
 /// Creates the kernel network interface of one front-panel port, or brings an existing one in line
 /// with changed arguments: no `kestDmaIfdel` comes in between.
 ///
@@ -40,7 +43,7 @@ int kestDmaIfdel(char const* ifName);
 /// Sets the native VLAN of an existing interface.
 ///
 /// @param mode true exactly when the port's switch port mode has the numeric value 2
-/// @param vlanId VLAN id; 4096, always with `mode` false, clears the native VLAN
+/// @param vlanId VLAN id; `noVlanOrInterface`, always with `mode` false, clears the native VLAN
 /// @return 0: done. Other: when a VLAN was to be set, the caller ends the process; the result of a
 ///   clear is not used.
 int kestDmaNativeVlan(char const* ifName, bool mode, unsigned short vlanId);

@@ -17,7 +17,6 @@ namespace {
 
 constexpr int tryAgain = 11;  // EAGAIN
 constexpr useconds_t pauseMicroseconds = 100000;
-constexpr unsigned short none = 4096;  // no VLAN, no interface id: just outside 12 bits
 
 /// A record that the configuration does not hold reads as the default; only these fields decide.
 bool isAbsent(KestSliceDmaConfig::SwitchPort const& port) {
@@ -31,7 +30,8 @@ Mox::String8 untilNul(Mox::String8 const& text) {
 }
 
 int addInterface(KestSliceDmaConfig::SwitchPort const& port) {
-  int const shadowIntfId = port.shadowIntfId() == none ? -1 : static_cast<int>(port.shadowIntfId());
+  bool const noShadow = port.shadowIntfId() == noVlanOrInterface;
+  int const shadowIntfId = noShadow ? -1 : static_cast<int>(port.shadowIntfId());
   return kestDmaIfadd(port.ifName().charPtr(), static_cast<int>(port.destId()), shadowIntfId,
                       static_cast<int>(port.trafficClass()), untilNul(port.devName()),
                       static_cast<int>(port.fapNum()), port.ctrl(), port.hwLag(),
@@ -109,7 +109,8 @@ void KestSliceDmaSm::programNativeVlan(KestSliceDmaConfig const& config,
   if (!status_->switchPort(ifName).created()) return;
 
   if (vlan == 0) {
-    kestDmaNativeVlan(ifName.charPtr(), false, none);  // clearing what is not set may fail
+    // There may be nothing to clear: the result says nothing.
+    kestDmaNativeVlan(ifName.charPtr(), false, noVlanOrInterface);
     status_->nativeVlanDel(ifName);
     status_->switchportModeDel(ifName);
     return;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "agent/access/Text.h"
+#include "driver/KestDma.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "registry/RecordTypes.h"
 
@@ -26,15 +27,11 @@ Json memberOf(Json const& known, std::string const& name) {
   return known.is_object() && known.contains(name) ? known.at(name) : noSay;
 }
 
-constexpr unsigned noVlan = 4096;  // to the driver
-
-/// The driver takes a port's numbers as `int`, and -1 for a shadow interface that the record calls
-/// 4096.
+/// The driver takes a port's numbers as `int`, and -1 for no shadow interface.
 bool isSame(std::string const& field, Json const& wanted, Json const& has) {
   if (!wanted.is_number() || !has.is_number()) return wanted == has;
-  constexpr std::uint32_t noInterface = 4096;
   auto const number = wanted.get<std::uint32_t>();
-  bool const isNone = field == "shadowIntfId" && number == noInterface;
+  bool const isNone = field == "shadowIntfId" && number == Hardware::Kest::noVlanOrInterface;
   return static_cast<std::uint32_t>(has.get<std::int64_t>()) == (isNone ? ~0U : number);
 }
 
@@ -122,7 +119,7 @@ class SideComparison {
     std::uint16_t const wanted = isUp ? config_.nativeVlan(ifName) : 0;
     std::uint16_t const applied = status_.nativeVlan(ifName);
     Json driven = memberOf(known, "nativeVlan");
-    if (driven == noVlan) driven = 0;
+    if (driven == Hardware::Kest::noVlanOrInterface) driven = 0;
     if (applied != wanted || (!driven.is_discarded() && driven != applied)) {
       add(Config::NativeVlans::name, isUp ? Json(wanted) : noSay, applied, driven);
     }

@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "driver/KestDma.h"
 #include "driver/sim/Entries.h"
 #include "driver/sim/Export.h"
 #include "platform/mox/String8.h"
@@ -29,7 +30,7 @@ struct InterfaceParam {
 /// One kernel network interface.
 struct Interface {
   static constexpr unsigned short lastVlan = 4094;
-  static constexpr unsigned short noVlan = 4096;
+  static constexpr unsigned short noVlan = noVlanOrInterface;
   static constexpr bool isNativeVlan(unsigned short vlanId) {
     return (vlanId >= 1 && vlanId <= lastVlan) || vlanId == noVlan;
   }
