@@ -12,8 +12,8 @@
 namespace Kest::Bench {
 
 /// The record that the library keeps of `port`.
-inline Hardware::Kest::Slice::ConfigSwitchPort recordOf(Port const& port) {
-  return Hardware::Kest::Slice::ConfigSwitchPort(
+inline Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort recordOf(Port const& port) {
+  return Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort(
       {Mox::String8(port.ifName), Mox::String8(port.devName), port.destId, port.shadowIntfId,
        port.trafficClass, port.fapNum, port.ctrl, port.hwLag, Pelk::EthAddr(port.macAddr)});
 }
@@ -34,7 +34,7 @@ class CountingObserver : public Hardware::Kest::Slice::KestSliceDmaConfig::Notif
 class Ours {
  public:
   using Key = Mox::String8;
-  using Record = Hardware::Kest::Slice::ConfigSwitchPort;
+  using Record = Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort;
 
   static constexpr char const* name = "ours";
 

@@ -27,9 +27,10 @@ foreach(header
     driver/sim/Export.h
     driver/sim/SimControl.h
     model/detail/Collection.h
+    model/detail/Collections.inc
     model/detail/EndProcess.h
-    model/detail/EntityNotifiee.h
     model/detail/FieldTable.h
+    model/detail/ObservedEntity.h
     model/detail/ObserverList.h
     model/detail/RecordText.h
     model/detail/SliceCollections.h

@@ -12,19 +12,19 @@ Mox::MoxType const* typeObject() {
 
 }  // namespace
 
-Mox::MoxType const* ConfigSwitchPort::_fwkType() {
+Mox::MoxType const* KestSliceDmaConfig::SwitchPort::_fwkType() {
   return typeObject<_Type>();
 }
 
-Mox::MoxType const* ConfigDevice::_fwkType() {
+Mox::MoxType const* KestSliceDmaConfig::Device::_fwkType() {
   return typeObject<_Type>();
 }
 
-Mox::MoxType const* StatusSwitchPort::_fwkType() {
+Mox::MoxType const* KestSliceDmaStatus::SwitchPort::_fwkType() {
   return typeObject<_Type>();
 }
 
-Mox::MoxType const* StatusDevice::_fwkType() {
+Mox::MoxType const* KestSliceDmaStatus::Device::_fwkType() {
   return typeObject<_Type>();
 }
 

@@ -1,41 +1,43 @@
 #pragma once
 
-#include "model/ConfigRecords.h"
-#include "model/StatusRecords.h"
+#include "model/KestSliceDmaConfig.h"
+#include "model/KestSliceDmaStatus.h"
 #include "registry/DeviceStateType.h"
 #include "registry/detail/RecordAdapter.h"
 
 /// Type objects and adapters of the four records.
 namespace Hardware::Kest::Slice {
 
-class KEST_SLICE_DMA_API ConfigSwitchPort::GenericIf_ final
-    : public detail::RecordAdapter<ConfigSwitchPort> {
+class KEST_SLICE_DMA_API KestSliceDmaConfig::SwitchPort::GenericIf_ final
+    : public detail::RecordAdapter<KestSliceDmaConfig::SwitchPort> {
  public:
   using RecordAdapter::RecordAdapter;
 };
-class KEST_SLICE_DMA_API ConfigSwitchPort::_Type final
-    : public detail::RecordType<ConfigSwitchPort> {};
+class KEST_SLICE_DMA_API KestSliceDmaConfig::SwitchPort::_Type final
+    : public detail::RecordType<KestSliceDmaConfig::SwitchPort> {};
 
-class KEST_SLICE_DMA_API ConfigDevice::GenericIf_ final
-    : public detail::RecordAdapter<ConfigDevice> {
+class KEST_SLICE_DMA_API KestSliceDmaConfig::Device::GenericIf_ final
+    : public detail::RecordAdapter<KestSliceDmaConfig::Device> {
  public:
   using RecordAdapter::RecordAdapter;
 };
-class KEST_SLICE_DMA_API ConfigDevice::_Type final : public detail::RecordType<ConfigDevice> {};
+class KEST_SLICE_DMA_API KestSliceDmaConfig::Device::_Type final
+    : public detail::RecordType<KestSliceDmaConfig::Device> {};
 
-class KEST_SLICE_DMA_API StatusSwitchPort::GenericIf_ final
-    : public detail::RecordAdapter<StatusSwitchPort> {
+class KEST_SLICE_DMA_API KestSliceDmaStatus::SwitchPort::GenericIf_ final
+    : public detail::RecordAdapter<KestSliceDmaStatus::SwitchPort> {
  public:
   using RecordAdapter::RecordAdapter;
 };
-class KEST_SLICE_DMA_API StatusSwitchPort::_Type final
-    : public detail::RecordType<StatusSwitchPort> {};
+class KEST_SLICE_DMA_API KestSliceDmaStatus::SwitchPort::_Type final
+    : public detail::RecordType<KestSliceDmaStatus::SwitchPort> {};
 
-class KEST_SLICE_DMA_API StatusDevice::GenericIf_ final
-    : public detail::RecordAdapter<StatusDevice> {
+class KEST_SLICE_DMA_API KestSliceDmaStatus::Device::GenericIf_ final
+    : public detail::RecordAdapter<KestSliceDmaStatus::Device> {
  public:
   using RecordAdapter::RecordAdapter;
 };
-class KEST_SLICE_DMA_API StatusDevice::_Type final : public detail::RecordType<StatusDevice> {};
+class KEST_SLICE_DMA_API KestSliceDmaStatus::Device::_Type final
+    : public detail::RecordType<KestSliceDmaStatus::Device> {};
 
 }  // namespace Hardware::Kest::Slice

@@ -18,9 +18,11 @@ concept IsRecord = requires {
 };
 
 /// Entry of a collection: counted, so whoever holds it sees later values too.
-template <class Description, class Value>
+template <class ValueType>
 class Entry : public Mox::HashMapEntry {
  public:
+  using Value = ValueType;
+
   Entry(Mox::String8 key, Value value)
       : Mox::HashMapEntry(std::move(key)), value_(std::move(value)) {}
 
@@ -39,17 +41,16 @@ class Entry : public Mox::HashMapEntry {
 /// the entity's observers the key; they find the change done. An insertion without memory throws
 /// `std::bad_alloc` before anything has changed.
 ///
-/// `Description` says once what the collection is: `name`, `keyName`, `attributeId` and how an
-/// observer is told (`tell`). `Owner` is the entity, which lends its counters and its observers.
-template <class Owner, class Description, class ValueType>
+/// `Description` says once what the collection is: `name`, `keyName`, place in the order (`index`)
+/// and how an observer is told. `Owner` is the entity, which lends its counters and its observers.
+template <class Owner, class Description, class EntryType>
 class Collection {
  public:
-  using Value = ValueType;
-  using Entry = detail::Entry<Description, Value>;
+  using Entry = EntryType;
+  using Value = typename Entry::Value;
 
   static constexpr char const* name = Description::name;
   static constexpr char const* keyName = Description::keyName;
-  static constexpr char const* wrongKeyName = Description::wrongKeyName;
   static constexpr Mox::AttributeId attributeId = Owner::firstCollectionId + Description::index;
 
   /// Resumable, as the map's: valid across any change of the collection, as long as it lives.
@@ -68,9 +69,7 @@ class Collection {
   explicit Collection(Owner& owner) noexcept : owner_(owner) {}
 
   /// The key under which a record is stored.
-  static Mox::String8 const& keyOf(Value const& record) requires IsRecord<Value> {
-    return Description::keyOf(record);
-  }
+  static Mox::String8 const& keyOf(Value const& record) { return Description::keyOf(record); }
 
   static constexpr Description description() { return {}; }
 
@@ -139,7 +138,9 @@ class Collection {
   }
 
   void announce(Mox::String8 const& key) const {
-    owner_.deliver(attributeId, [&](auto& observer) { Description::tell(observer, key); });
+    owner_.observers().tell(attributeId, [&](ListedNotifiee& observer) {
+      Description::tell(static_cast<typename Owner::NotifieeConst&>(observer), key);
+    });
   }
 
   Owner& owner_;

@@ -48,10 +48,11 @@ constexpr std::size_t memberCount() {
   }
 }
 
-/// Whether the table names as many fields as there are.
-template <class Fields, class Table>
-constexpr bool isComplete(Table const&) {
-  return memberCount<Fields>() == std::tuple_size_v<Table>;
+/// Whether the record's table names as many fields as there are.
+template <class Record>
+constexpr bool isComplete() {
+  return memberCount<typename Record::Fields>() ==
+         std::tuple_size_v<decltype(Record::fieldTable())>;
 }
 
 }  // namespace Hardware::Kest::Slice::detail

@@ -4,8 +4,7 @@
 #include "platform/mox/String8.h"
 
 /// The five keyed collections that the configuration and the status of a slice both have, each
-/// described once, in order of attribute number. `wrongKeyName` is what a refusal of generic access
-/// calls a key of the wrong type; tools know these names, uneven as they are.
+/// described once, in order of attribute number.
 namespace Hardware::Kest::Slice::detail {
 
 /// What an observer of a slice entity can be told: for each collection the keyed handler, which the
@@ -40,7 +39,6 @@ class SliceHandlers : public Base {
 struct SwitchPortCollection {
   static constexpr char const* name = "switchPort";
   static constexpr char const* keyName = "ifName";
-  static constexpr char const* wrongKeyName = name;
   static constexpr Mox::AttributeId index = 0;
   static Mox::String8 const& keyOf(auto const& record) { return record.ifName(); }
   static void tell(auto& observer, Mox::String8 const& key) { observer.onSwitchPort(key); }
@@ -51,7 +49,6 @@ struct SwitchPortCollection {
 struct NativeVlanCollection {
   static constexpr char const* name = "nativeVlan";
   static constexpr char const* keyName = "ifName";
-  static constexpr char const* wrongKeyName = name;
   static constexpr Mox::AttributeId index = 1;
   static void tell(auto& observer, Mox::String8 const& key) { observer.onNativeVlan(key); }
   static void tellImmediate(auto& observer) { observer.onNativeVlanmoxImmediate(); }
@@ -61,7 +58,6 @@ struct NativeVlanCollection {
 struct SwitchportModeCollection {
   static constexpr char const* name = "switchportMode";
   static constexpr char const* keyName = "ifName";
-  static constexpr char const* wrongKeyName = name;
   static constexpr Mox::AttributeId index = 2;
   static void tell(auto& observer, Mox::String8 const& key) { observer.onSwitchportMode(key); }
   static void tellImmediate(auto& observer) { observer.onSwitchportModemoxImmediate(); }
@@ -71,7 +67,6 @@ struct SwitchportModeCollection {
 struct DeviceCollection {
   static constexpr char const* name = "device";
   static constexpr char const* keyName = "devName";
-  static constexpr char const* wrongKeyName = keyName;
   static constexpr Mox::AttributeId index = 3;
   static Mox::String8 const& keyOf(auto const& record) { return record.devName(); }
   static void tell(auto& observer, Mox::String8 const& key) { observer.onDevice(key); }
@@ -82,7 +77,6 @@ struct DeviceCollection {
 struct DeviceStateCollection {
   static constexpr char const* name = "deviceState";
   static constexpr char const* keyName = "devName";
-  static constexpr char const* wrongKeyName = keyName;
   static constexpr Mox::AttributeId index = 4;
   static void tell(auto& observer, Mox::String8 const& key) { observer.onDeviceState(key); }
   static void tellImmediate(auto& observer) { observer.onDeviceStatemoxImmediate(); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "model/detail/Collection.h"
@@ -32,6 +33,13 @@ class CollectionIterator final : public Mox::AttributeIterator {
   Mox::Ptr<Mox::PtrInterface const> entity_;
   typename Collection::IteratorConst at_;
 };
+
+/// What a refusal calls a key of the wrong type. Tools know these names, uneven as they are.
+template <class Collection>
+constexpr char const* wrongKeyName() {
+  bool const isDevice = std::string_view(Collection::keyName) == "devName";
+  return isDevice ? Collection::keyName : Collection::name;
+}
 
 /// One operation on one collection. What it changes goes through the collection's mutators, so
 /// observers are told as of any other change.
@@ -70,7 +78,7 @@ class CollectionOperation {
   }
 
  private:
-  Mox::String8 const& key() const { return key(op_.index, Collection::wrongKeyName); }
+  Mox::String8 const& key() const { return key(op_.index, wrongKeyName<Collection>()); }
 
   /// What is to be returned is made first: behind the removal there may be no memory for it.
   std::unique_ptr<Mox::GenericIf> removed() const {

@@ -7,6 +7,7 @@
 #include "registry/DeviceStateType.h"
 #include "registry/RecordTypes.h"
 #include "test/complexity/Texts.h"
+#include "test/model/RecordNames.h"
 
 namespace Kest::Complexity {
 

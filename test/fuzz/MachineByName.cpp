@@ -8,6 +8,7 @@
 #include "registry/EntityTypes.h"
 #include "registry/SmType.h"
 #include "test/fuzz/Fuzz.h"
+#include "test/model/RecordNames.h"
 
 namespace Fuzz {
 

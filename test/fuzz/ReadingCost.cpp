@@ -13,6 +13,7 @@
 #include "registry/RecordTypes.h"
 #include "test/fuzz/Cost.h"
 #include "test/fuzz/Fuzz.h"
+#include "test/model/RecordNames.h"
 
 /// What reading costs: libFuzzer looks for texts that cost more by the byte than others. The first
 /// byte selects the reader; whether it takes the text does not matter.

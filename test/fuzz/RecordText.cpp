@@ -4,6 +4,7 @@
 #include "registry/DeviceStateType.h"
 #include "registry/RecordTypes.h"
 #include "test/fuzz/Fuzz.h"
+#include "test/model/RecordNames.h"
 
 /// The text forms of the records and of the device state. The first byte selects the type.
 namespace {

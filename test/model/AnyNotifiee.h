@@ -5,7 +5,8 @@
 
 namespace Hardware::Kest::Slice {
 
-/// Observer base of either entity, with the handlers of both: a status never calls `onSliceId`.
+/// Observer base of either entity, with the handlers of both: a status never
+/// calls `onSliceId`.
 template <class Entity>
 class AnyNotifiee : public Entity::Notifiee {
  public:

@@ -8,9 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "model/KestSliceDmaConfig.h"
-#include "model/KestSliceDmaStatus.h"
 #include "platform/mox/Dir.h"
+#include "test/model/RecordNames.h"
 
 namespace Hardware::Kest::Slice {
 

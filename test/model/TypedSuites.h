@@ -18,6 +18,8 @@ using AllCollections =
                    NativeVlanOf<KestSliceDmaStatus>, SwitchportModeOf<KestSliceDmaStatus>,
                    DeviceOf<KestSliceDmaStatus>, DeviceStateOf<KestSliceDmaStatus>>;
 
+using BothEntities = testing::Types<KestSliceDmaConfig, KestSliceDmaStatus>;
+
 /// What the types are called.
 struct EntityNames {
   template <class E>

@@ -10,6 +10,7 @@
 #include "registry/RecordTypes.h"
 #include "registry/Registration.h"
 #include "registry/SmType.h"
+#include "test/model/RecordNames.h"
 #include "test/registry/RegistryText.h"
 #include "test/support/Refusal.h"
 

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "model/KestSliceDmaConfig.h"
-#include "model/KestSliceDmaStatus.h"
+#include "test/model/RecordNames.h"
 #include "test/simulation/Text.h"
 #include "test/simulation/Values.h"
 

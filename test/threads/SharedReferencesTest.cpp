@@ -7,11 +7,11 @@
 #include <thread>
 #include <vector>
 
-#include "model/ConfigRecords.h"
 #include "platform/fru/PciHam.h"
 #include "platform/mox/GenericValue.h"
 #include "platform/mox/Ptr.h"
 #include "platform/mox/String8.h"
+#include "test/model/RecordNames.h"
 
 namespace Mox {
 namespace {

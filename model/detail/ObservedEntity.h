@@ -1,12 +1,42 @@
 #pragma once
 
+#include <utility>
+
 #include "model/detail/ObserverList.h"
+#include "platform/mox/Entity.h"
+#include "platform/mox/MoxType.h"
+#include "platform/mox/TypeNode.h"
 
 namespace Hardware::Kest::Slice::detail {
 
+/// An entity that tells observers of its own what changes.
+class ObservedEntity : public Mox::Entity {
+ public:
+  /// The observers registered now. An observer joins and leaves by itself.
+  ObserverList& observers() const noexcept { return observers_; }
+
+  /// Name of the registered attribute of that number; empty when the entity has none.
+  Mox::String8 attributeString(Mox::AttributeId id) const override {
+    Mox::TypeNode const* const node = fwkType()->typeNode();
+    Mox::Attribute const* const attribute = node == nullptr ? nullptr : node->attribute(id);
+    return attribute == nullptr ? Mox::String8() : attribute->name;
+  }
+
+  /// Called by the framework when only observers still hold the entity.
+  void zeroReferencesIs(bool zero) override {
+    if (!zero) return;
+    observers_.tell(zeroReferencesAttributeId,
+                    [](ListedNotifiee& observer) { observer.onZeroReferences(); });
+  }
+
+ protected:
+  explicit ObservedEntity(Mox::Name name) noexcept : Entity(std::move(name)) {}
+
+ private:
+  mutable ObserverList observers_;
+};
+
 /// Base of the observers of one entity type: registration with the entity's observer list.
-///
-/// `Entity` has an `observers()` list.
 template <class Entity>
 class EntityNotifiee : public ListedNotifiee {
  public:
