@@ -6,7 +6,7 @@ logs=$root/build/logs
 
 # Folders with the product's own sources.
 # shellcheck disable=SC2034  # used by the scripts that source this file
-product_folders=(platform model driver sm registry agent ctl)
+product_folders=(text platform model driver sm registry agent ctl)
 
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 

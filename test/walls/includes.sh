@@ -29,15 +29,16 @@ agent_rooms_to() {
 # What the files of FOLDER may include, as a pattern. The first that matches holds.
 allowed_in() {
   case "$1" in
+    text/*) echo 'text/' ;;
     platform/*) echo 'platform/' ;;
     model/*) echo '(model|platform)/' ;;
-    driver/*/*) echo "${1%/*}/|driver/[^/]+$|platform/" ;;
+    driver/*/*) echo "${1%/*}/|driver/[^/]+$|platform/|text/" ;;
     driver/*) echo 'driver/[^/]+$|platform/' ;;
     sm/*) echo '(sm|model|platform)/|driver/[^/]+$' ;;
     registry/*) echo '(registry|model|sm|platform)/' ;;
-    agent/*/*) echo "agent/($(agent_rooms_to "$1"))/|(registry|sm|model|platform)/|driver/[^/]+$" ;;
-    agent/*) echo '(agent|registry|sm|model|platform)/|driver/[^/]+$' ;;
-    ctl/*) echo '(ctl|agent/wire)/' ;;
+    agent/*/*) echo "agent/($(agent_rooms_to "$1"))/|(registry|sm|model|platform|text)/|driver/[^/]+$" ;;
+    agent/*) echo '(agent|registry|sm|model|platform|text)/|driver/[^/]+$' ;;
+    ctl/*) echo '(ctl|agent/wire|text)/' ;;
   esac
 }
 
@@ -50,11 +51,11 @@ check_include() {
   fi
 }
 
-mapfile -t folders < <(ls -d platform model driver sm registry agent ctl 2>/dev/null)
+mapfile -t folders < <(ls -d text platform model driver sm registry agent ctl 2>/dev/null)
 ((${#folders[@]})) || { echo "no product folder in $PWD"; exit 1; }
 
 # Includes in quotation marks, and those in angle brackets that lead into the repository.
-include='^[[:space:]]*#[[:space:]]*include[[:space:]]*("|<(platform|model|driver|sm|registry|agent|ctl)/)'
+include='^[[:space:]]*#[[:space:]]*include[[:space:]]*("|<(text|platform|model|driver|sm|registry|agent|ctl)/)'
 includes=$(grep -rnE --include='*.h' --include='*.cpp' --include='*.in' "$include" "${folders[@]}" | sort -t: -k1,1 -k2,2n)
 [[ -n $includes ]] || { echo "no include found in $PWD"; exit 1; }
 while IFS=: read -r file line text; do

@@ -25,12 +25,13 @@ expect() {
 plant platform/mox/Ptr.h '#pragma once' '#include <atomic>' '#include "platform/mox/Name.h"' \
   '#include "platform/detail/EnumText.h"'
 plant model/Entity.h '#pragma once' '#include "model/detail/Table.h"' '#include "platform/mox/Ptr.h"'
-plant driver/sim/Sim.cpp '#include "driver/sim/Sim.h"' '#include "driver/KestDma.h"'
+plant driver/sim/Sim.cpp '#include "driver/sim/Sim.h"' '#include "driver/KestDma.h"' '#include "text/File.h"'
 plant sm/Sm.cpp '#include "driver/KestDma.h"' '#include "model/Entity.h"' '#include "sm/detail/Reactor.h"'
 plant registry/Types.cpp '#include "sm/Sm.h"'
 plant agent/main.cpp '#include <CLI/CLI.hpp>' '#include "registry/Types.h"' '#include "agent/Agent.h"'
-plant agent/slice/Read.cpp '#include "agent/rules/Rules.h"' '#include "agent/slice/Read.h"' '#include "agent/wire/Protocol.h"'
-plant ctl/main.cpp '#include "agent/wire/Protocol.h"' '#include "ctl/Client.h"'
+plant agent/slice/Read.cpp '#include "agent/rules/Rules.h"' '#include "agent/slice/Read.h"' '#include "text/File.h"'
+plant ctl/main.cpp '#include "agent/wire/Protocol.h"' '#include "ctl/Client.h"' '#include "text/File.h"'
+plant text/File.cpp '#include "text/File.h"'
 plant test/sm/Fixture.h '#pragma once' '#include "agent/Agent.h"'
 expect 0 ""
 
@@ -44,6 +45,8 @@ plant model/Up.cpp '#include "model/Up.h"' '' ' #  include "sm/Sm.h"' '#include 
 plant platform/mox/Up.h '#pragma once' '#include "model/Entity.h"'
 plant registry/Low.cpp '#include "driver/KestDma.h"' '#include "platform/mox/detail/Rep.h"'
 plant sm/Low.cpp '#include "platform/detail/EnumText.h"' '#include "model/../agent/Agent.h"' '#include "Sm.h"'
+plant sm/Reads.cpp '#include "text/File.h"'
+plant text/Up.cpp '#include "platform/mox/Ptr.h"' '#include "agent/Agent.h"'
 plant sm/Sim.cpp '#include "driver/sim/Sim.h"' '#include "registry/Types.h"'
 plant test/sm/Bare.h 'int once;'
 expect 1 "agent/Agent.h:1: agent/ may not include driver/sim/Sim.h
@@ -63,8 +66,11 @@ registry/Low.cpp:2: platform/mox/detail/Rep.h is a detail of the platform
 sm/Low.cpp:1: platform/detail/EnumText.h is a detail of the platform
 sm/Low.cpp:2: sm/ may not include model/../agent/Agent.h
 sm/Low.cpp:3: sm/ may not include Sm.h
+sm/Reads.cpp:1: sm/ may not include text/File.h
 sm/Sim.cpp:1: sm/ may not include driver/sim/Sim.h
 sm/Sim.cpp:2: sm/ may not include registry/Types.h
+text/Up.cpp:1: text/ may not include platform/mox/Ptr.h
+text/Up.cpp:2: text/ may not include agent/Agent.h
 agent/Agent.h:1: no #pragma once
 test/sm/Bare.h:1: no #pragma once
-21 defects"
+24 defects"

@@ -1,10 +1,10 @@
-#include "agent/wire/NearMatch.h"
+#include "text/NearMatch.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
-namespace Kest::Wire {
+namespace Text {
 namespace {
 
 TEST(NearMatch, CountsInsertionsOmissionsReplacementsAndSwaps) {
@@ -90,4 +90,4 @@ TEST(NearMatch, MistakesWithinTheBoundLeadBackToTheName) {
 }
 
 }  // namespace
-}  // namespace Kest::Wire
+}  // namespace Text
