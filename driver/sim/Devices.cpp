@@ -4,8 +4,8 @@
 #include <ostream>
 #include <utility>
 
+#include "driver/sim/Members.h"
 #include "driver/sim/Names.h"
-#include "platform/mox/Strep.h"
 
 namespace Hardware::Kest::Sim {
 
@@ -81,8 +81,13 @@ int Devices::flip(String8 const& devName) {
 }
 
 Device const* Devices::named(String8 const& devName) const {
+  String8 const* const path = pathOf(devName);
+  return path == nullptr ? nullptr : devices_.find(*path);
+}
+
+String8 const* Devices::pathOf(String8 const& devName) const {
   auto const at = paths_.find(devName);
-  return at == paths_.end() ? nullptr : devices_.find(at->second);
+  return at == paths_.end() ? nullptr : &at->second;
 }
 
 String8 Devices::nameAt(String8 const& pciPath) const {
@@ -91,11 +96,7 @@ String8 Devices::nameAt(String8 const& pciPath) const {
 }
 
 std::ostream& operator<<(std::ostream& out, DeviceParam const& param) {
-  return out << "numFaps " << param.numFaps << ", fapType " << param.fapType << ", cpuTmSysPort "
-             << param.cpuTmSysPort << ", cpuEthSysPort " << param.cpuEthSysPort
-             << ", cpuRawSysPort " << param.cpuRawSysPort << ", sflowPort " << param.sflowPort
-             << ", cpuAradSysPort " << param.cpuAradSysPort << ", cpuArad " << param.cpuArad
-             << ", cpuAradBridge " << param.cpuAradBridge;
+  return streamMembers(out, param);
 }
 
 std::ostream& operator<<(std::ostream& out, Device const& device) {

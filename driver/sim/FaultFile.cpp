@@ -8,6 +8,7 @@
 #include "driver/sim/Names.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Strep.h"
+#include "text/FileError.h"
 
 namespace Hardware::Kest::Sim {
 
@@ -27,7 +28,8 @@ class LineReader {
  public:
   explicit LineReader(String8 const& line) : it_(line.begin()), end_(line.end()) {}
 
-  std::size_t column() const { return it_.pos() + 1; }
+  /// From 0, in bytes.
+  std::size_t column() const { return it_.pos(); }
 
   void skipBlanks() { Mox::needString(it_, end_, " "); }
 
@@ -142,8 +144,8 @@ Faults readFaults(std::string_view text, std::string const& source, Devices cons
     try {
       readStatement(reader, devices, faults);
     } catch (Mox::RangeException const& exception) {
-      Mox::throwRangeException(Mox::format("%s:%u:%zu: %s", source.c_str(), number, reader.column(),
-                                           exception.text().charPtr()));
+      Text::Place const place(number, reader.column(), line.view());
+      Mox::throwRangeException(String8(place.headline(source, exception.text().view())));
     }
   }
   return faults;

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "driver/sim/Devices.h"
+#include "driver/sim/Members.h"
 #include "driver/sim/Names.h"
 #include "platform/mox/RangeException.h"
-#include "platform/mox/Strep.h"
 #include "platform/pelk/EthAddr.h"
 
 namespace Hardware::Kest::Sim {
@@ -72,11 +72,7 @@ void Interfaces::deviceRenamed(String8 const& from, String8 const& to) {
 }
 
 std::ostream& operator<<(std::ostream& out, InterfaceParam const& param) {
-  return out << "destId " << param.destId << ", shadowIntfId " << param.shadowIntfId
-             << ", trafficClass " << param.trafficClass << ", devName "
-             << Mox::valueToStrep(param.devName) << ", fapNum " << param.fapNum << ", ctrl "
-             << Mox::valueToStrep(param.ctrl) << ", hwLag " << Mox::valueToStrep(param.hwLag)
-             << ", macAddr " << Mox::valueToStrep(param.macAddr);
+  return streamMembers(out, param);
 }
 
 std::ostream& operator<<(std::ostream& out, Interface const& interface) {

@@ -2,13 +2,14 @@
 
 #include <cstdio>
 #include <exception>
-#include <iterator>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "driver/sim/SimDriver.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Strep.h"
+#include "text/Words.h"
 
 namespace {
 
@@ -34,27 +35,25 @@ std::string string(char const* chars) {
   return chars == nullptr ? "" : chars;
 }
 
-struct Text {
-  std::string_view what;
+struct Answer {
+  std::string what;
   std::string (SimDriver::*text)() const;
 };
 
-constexpr Text texts[] = {
-    {"dump", &SimDriver::dumpText},
-    {"log", &SimDriver::logText},
-    {"faults", &SimDriver::faultsText},
-    {"state", &SimDriver::stateText},
-};
-
 std::string textOf(std::string const& what) {
-  std::string known;
-  for (Text const& text : texts) {
-    if (text.what == what) return (simDriver().*text.text)();
-    if (!known.empty()) known += &text == std::end(texts) - 1 ? " or " : ", ";
-    known += text.what;
+  static Answer const answers[] = {
+      {"dump", &SimDriver::dumpText},
+      {"log", &SimDriver::logText},
+      {"faults", &SimDriver::faultsText},
+      {"state", &SimDriver::stateText},
+  };
+  std::vector<std::string> known;
+  for (Answer const& answer : answers) {
+    if (answer.what == what) return (simDriver().*answer.text)();
+    known.push_back(answer.what);
   }
-  Mox::throwRangeException(
-      String8("expected " + known + ", found " + Mox::valueToStrep(String8(what)).charPtr()));
+  Mox::throwRangeException(String8("expected " + Text::listed(known) + ", found " +
+                                   Mox::valueToStrep(String8(what)).charPtr()));
 }
 
 using Sink = void (*)(void* context, char const* text, unsigned bytes);
@@ -109,10 +108,8 @@ int kestDmaSimDevice(char const* name, unsigned nameBytes,
                      char* error, unsigned errorBytes) noexcept {
   return answered(error, errorBytes, [&] {
     String8 const devName(std::string_view(name, nameBytes));
-    for (auto const& [pciPath, device] : simDriver().devices()) {
-      if (device.name != devName || devName.empty()) continue;
-      hand(entryText(pciPath, device), sink, context);
-      return;
+    if (String8 const* const pciPath = simDriver().pathOf(devName)) {
+      hand(entryText(*pciPath, *simDriver().device(devName)), sink, context);
     }
   });
 }

@@ -121,6 +121,10 @@ Device const* SimDriver::device(String8 const& devName) const {
   return state_.devices.named(devName);
 }
 
+String8 const* SimDriver::pathOf(String8 const& devName) const {
+  return state_.devices.pathOf(devName);
+}
+
 void SimDriver::dump(std::ostream& out) const {
   out << "kest-dma-sim: interfaces " << interfaces().size() << ", devices " << devices().size()
       << ", faults to come " << faults_.size() << ", calls " << log_.total() << " ("

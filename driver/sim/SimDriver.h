@@ -53,6 +53,8 @@ class KEST_SIM_API SimDriver {
   /// Null when there is none of that name; valid until the next operation.
   Interface const* interface(Mox::String8 const& ifName) const;
   Device const* device(Mox::String8 const& devName) const;
+  /// The PCI path of the device of that name.
+  Mox::String8 const* pathOf(Mox::String8 const& devName) const;
   std::map<Mox::String8, Interface> const& interfaces() const { return state_.interfaces.all(); }
   /// By PCI path.
   std::map<Mox::String8, Device> const& devices() const { return state_.devices.all(); }

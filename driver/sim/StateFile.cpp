@@ -1,11 +1,14 @@
 #include "driver/sim/StateFile.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <utility>
 
 #include "driver/sim/ChangeLine.h"
 #include "driver/sim/File.h"
 #include "platform/mox/RangeException.h"
+#include "text/File.h"
 
 namespace Hardware::Kest::Sim {
 
@@ -46,19 +49,19 @@ bool StateFile::append(Change const& change) {
 }
 
 void StateFile::replace(SliceState const& state) {
-  try {
-    std::string const text = stateText(state);
-    replaceFile(path_, text);
-    documentBytes_ = bytes_ = text.size();
-    check_ = checkOf(text);
-    failing_ = false;
-  } catch (Mox::RangeException const& exception) {
-    if (!failing_) {
-      std::fprintf(stderr, "kest-dma-sim: %s; trying again with every operation\n",
-                   exception.what());
-    }
-    failing_ = true;
+  std::string const text = stateText(state);
+  std::string const fresh = path_ + ".tmp";
+  std::remove(fresh.c_str());  // left by a process that was killed
+  int const error = text.size() > largestFile ? EFBIG : Text::replaceFile(path_, text, {fresh});
+  if (error != 0 && !failing_) {
+    std::fprintf(stderr,
+                 "kest-dma-sim: %s: cannot be written: %s; trying again with every operation\n",
+                 path_.c_str(), std::strerror(error));
   }
+  failing_ = error != 0;
+  if (failing_) return;
+  documentBytes_ = bytes_ = text.size();
+  check_ = checkOf(text);
 }
 
 }  // namespace Hardware::Kest::Sim

@@ -3,40 +3,41 @@
 #include <concepts>
 #include <cstdint>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 
-#include "driver/sim/JsonString.h"
 #include "driver/sim/StateMembers.h"
 #include "platform/mox/RangeException.h"
+#include "text/Escapes.h"
+#include "text/JsonDocument.h"
 
 namespace Hardware::Kest::Sim {
 
 using Mox::String8;
-using nlohmann::ordered_json;
+using Text::Json;
+using Text::percentEncoded;
 
 namespace {
 
 /// The name must be new: the object's own ways of adding would look for it, one member after the
 /// other.
-void append(ordered_json& object, std::string name, ordered_json value) {
-  object.get_ref<ordered_json::object_t&>().emplace_back(std::move(name), std::move(value));
+void append(Json& object, std::string name, Json value) {
+  object.get_ref<Json::object_t&>().emplace_back(std::move(name), std::move(value));
 }
 
-ordered_json toJson(std::integral auto const& value) {
+Json toJson(std::integral auto const& value) {
   return value;
 }
 
-ordered_json toJson(String8 const& value) {
-  return escaped(value.view());
+Json toJson(String8 const& value) {
+  return percentEncoded(value.view());
 }
 
-ordered_json toJson(Format const&) {
+Json toJson(Format const&) {
   return formatName;
 }
 
-ordered_json toJson(FapType value) {
+Json toJson(FapType value) {
   auto const number = static_cast<std::int32_t>(value);
   try {
     return stringValue(FapTypeInstance(static_cast<unsigned>(number))).charPtr();
@@ -46,23 +47,23 @@ ordered_json toJson(FapType value) {
 }
 
 template <class Record>
-ordered_json toJson(Record const& record);
+Json toJson(Record const& record);
 
 template <class Value>
-ordered_json toJson(std::optional<Value> const& value) {
-  return value ? toJson(*value) : ordered_json();
+Json toJson(std::optional<Value> const& value) {
+  return value ? toJson(*value) : Json();
 }
 
 template <class Value>
-ordered_json toJson(std::map<String8, Value> const& values) {
-  ordered_json object = ordered_json::object();
-  for (auto const& [key, value] : values) append(object, escaped(key.view()), toJson(value));
+Json toJson(std::map<String8, Value> const& values) {
+  Json object = Json::object();
+  for (auto const& [key, value] : values) append(object, percentEncoded(key.view()), toJson(value));
   return object;
 }
 
 template <class Record>
-ordered_json toJson(Record const& record) {
-  ordered_json object = ordered_json::object();
+Json toJson(Record const& record) {
+  Json object = Json::object();
   forMembers(record,
              [&](char const* name, auto const& member) { append(object, name, toJson(member)); });
   return object;

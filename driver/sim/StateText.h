@@ -20,8 +20,8 @@
 ///
 /// Every member of the document is there and no other. Interfaces are found by name, devices by PCI
 /// path. FAP types go by name, or by number when they have none. Strings and keys are as
-/// `JsonString.h` says. A change has the entries that it is about, whole, or null for one that has
-/// gone. A last change without the end of its line is ignored: its writer was killed.
+/// `Text::percentEncoded` makes them. A change has the entries that it is about, whole, or null for
+/// one that has gone. A last change without the end of its line is ignored: its writer was killed.
 namespace Hardware::Kest::Sim {
 
 /// What outlives the process: all that the operations have made of the slice.

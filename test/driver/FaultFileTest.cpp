@@ -175,7 +175,7 @@ TEST(FaultFile, IsHandedOverThroughTheCEntry) {
   EXPECT_EQ(kestDmaSimFaultFileIs(path.c_str(), error, sizeof error), -1);
   EXPECT_EQ(error, path + ": cannot be read: No such file or directory");
   EXPECT_EQ(kestDmaSimFaultFileIs("/", error, sizeof error), -1);
-  EXPECT_STREQ(error, "/: cannot be read: Is a directory");
+  EXPECT_STREQ(error, "/: cannot be read: it is no regular file");
 }
 
 }  // namespace

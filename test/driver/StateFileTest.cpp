@@ -182,7 +182,8 @@ TEST(StateFile, IsRefusedWholeAndThenLeftAlone) {
   std::string const text = "{\"format\": \"kest-dma-sim-state/1\",\n\"interfaces\": 1}";
   std::ofstream(bad) << text;
   EXPECT_EQ(pathRefusal(driver, bad), bad + ":2:1: /interfaces: expected an object, found 1");
-  EXPECT_EQ(pathRefusal(driver, folder.path()), folder.path() + ": cannot be read: Is a directory");
+  EXPECT_EQ(pathRefusal(driver, folder.path()),
+            folder.path() + ": cannot be read: it is no regular file");
   EXPECT_EQ(pathRefusal(driver, bad + "/state"), bad + "/state: cannot be read: Not a directory");
   EXPECT_EQ(pathRefusal(driver, ""), "expected the path of a state file, found an empty one");
   EXPECT_EQ(driver.dumpText(), before);

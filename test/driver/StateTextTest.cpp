@@ -49,34 +49,13 @@ TEST(StateText, SaysWhereItIsNoJson) {
     std::string text;
     char const* error;
   } const table[] = {
-      {"",
-       ":1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', or "
-       "a literal"},
-      {"{} {}", ":1:4: syntax error while parsing value - unexpected '{'; expected end of input"},
-      {"{\n  \"format\" 1",
-       ":2:12: /format: syntax error while parsing object separator - unexpected number "
-       "literal; expected ':'"},
-      {"{\"a\":\n\n tru}",
-       ":3:5: /a: syntax error while parsing value - invalid literal; last read: "
-       "'\"a\":<U+000A><U+000A> tru}'"},
-      {"{\"a\": 01}",
-       ":1:8: syntax error while parsing object - unexpected number literal; expected "
-       "'}'"},
-      {"{\"a\": \"\n\"}",
-       ":1:8: /a: syntax error while parsing value - invalid string: control character U+000A (LF) "
-       "must "
-       "be escaped to \\u000A or \\n; last read: '\"<U+000A>'"},
-      {"{\"a\": \"\xff\"}",
-       ":1:8: /a: syntax error while parsing value - invalid string: ill-formed "
-       "UTF-8 byte; last read: '\"\xff'"},
-      {"{\"a\": \"\\ud800\"}",
-       ":1:14: /a: syntax error while parsing value - invalid string: surrogate U+D800..U+DBFF "
-       "must be "
-       "followed by U+DC00..U+DFFF; last read: '\"\\ud800\"'"},
-      {"{\"a\": {\"b/c\": 1e999}}", ":1:19: /a/b~1c: number overflow parsing '1e999'"},
-      {"{\"a\": {\"b\": {}, \"b\": {}}}", ":1:17: /a/b: expected a member once, found it twice"},
-      {"{\"a\": {\"b\": {}, \"c\": [[", ":1:22: /a/c: expected no array in a state, found one"},
-      {"[]", ":1:1: expected no array in a state, found one"},
+      {"", ":1:1: no JSON: unexpected end of input; expected '[', '{', or a literal"},
+      {"{} {}", ":1:4: no JSON: unexpected '{'; expected end of input"},
+      {"{\n  \"format\" 1", ":2:12: no JSON: unexpected number literal; expected ':'"},
+      {"{\"a\":\n\n tru}", ":3:5: no JSON: invalid literal"},
+      {"{\"a\": {\"b\": {}, \"b\": {}}}", ":1:17: /a/b: given a second time"},
+      {"{\"format\": [[1]]}", ":1:2: /format: expected \"kest-dma-sim-state/1\", found an array"},
+      {"[]", ":1:1: expected an object, found an array"},
       {"7", ":1:1: expected an object, found 7"},
       {"{}", ":1:1: /format: expected \"kest-dma-sim-state/1\", found nothing"},
   };
@@ -100,11 +79,11 @@ TEST(StateText, SaysWhatIsNoState) {
       {"\"et3/1\"", "\"et3~%\"",
        "4:5: /interfaces/et3~0%: expected the string's form \"et3~%25\", found \"et3~%\""},
       {"%FF", "%ff",
-       "16:5: /interfaces/%ff\\\"%25\\u0000\\n: expected the string's form "
+       "16:5: /interfaces/%ff\"%25\\x00\\x0a: expected the string's form "
        "\"%25ff\\\"%25\\u0000\\n\", "
        "found \"%ff\\\"%25\\u0000\\n\""},
       {"%FF", "%41",
-       "16:5: /interfaces/%41\\\"%25\\u0000\\n: expected the string's form \"A\\\"%25\\u0000\\n\", "
+       "16:5: /interfaces/%41\"%25\\x00\\x0a: expected the string's form \"A\\\"%25\\u0000\\n\", "
        "found "
        "\"%41\\\"%25\\u0000\\n\""},
       {"\"et3/1\"", "\"\"", "4:5: /interfaces/: expected an interface's name, found an empty one"},
@@ -211,7 +190,7 @@ TEST(StateText, IsBounded) {
   EXPECT_EQ(refusal(device(longest, longest)), "accepted");
   EXPECT_EQ(refusal(device(levels(32), "")), "accepted");
   EXPECT_EQ(refusal(device(longest + "%25", "")),
-            "my.state:30:5: /devices/" + longest +
+            "my.state:30:5: /devices/" + std::string(81, 'a') + " ... " + std::string(87, 'a') +
                 "%25: expected a PCI path of at most 255 bytes "
                 "and 32 levels, found a longer or deeper one");
   EXPECT_EQ(refusal(device(levels(33), "")).substr(0, 26), "my.state:30:5: /devices/~1");
@@ -219,8 +198,8 @@ TEST(StateText, IsBounded) {
       refusal(device("", longest + "a")),
       "my.state:31:7: /devices//name: expected a name of at most 255 bytes, found a longer one");
   EXPECT_EQ(refusal(changed("et3/1", longest + longest)),
-            "my.state:4:5: /interfaces/" + longest + std::string(33, 'a') +
-                "...: expected a name of at most 255 bytes, found a longer one");
+            "my.state:4:5: /interfaces/" + std::string(78, 'a') + " ... " + std::string(90, 'a') +
+                ": expected a name of at most 255 bytes, found a longer one");
 
   std::string deep;
   for (int level = 1; level <= 15; ++level) deep += "{\"a\":";
