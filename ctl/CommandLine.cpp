@@ -6,9 +6,9 @@
 #include <system_error>
 #include <utility>
 
-#include "agent/wire/NearMatch.h"
-#include "ctl/Text.h"
 #include "ctl/Version.h"
+#include "text/Escapes.h"
+#include "text/NearMatch.h"
 
 namespace Kest::Ctl {
 
@@ -105,7 +105,7 @@ class VerbLine {
   void take(std::string argument) {
     if (argument.ends_with(guard)) argument.pop_back();
     options_.arguments.push_back(std::move(argument));
-    if (isUtf8(options_.arguments.back())) return;
+    if (Text::isUtf8(options_.arguments.back())) return;
     throw usageFailure(std::string(verb_.name) + ": expected UTF-8 in argument " +
                        std::to_string(options_.arguments.size()));
   }
@@ -119,7 +119,7 @@ class VerbLine {
     std::string const& word = options_.arguments.front();
     if (std::find(words.begin(), words.end(), word) != words.end()) return;
     throw usageFailure(std::string(verb_.name) + " has no action '" + word + "'",
-                       Wire::nearMatch(word, words).value_or(std::string()));
+                       Text::nearMatch(word, words).value_or(std::string()));
   }
 
   CLI::App app_;
@@ -164,7 +164,7 @@ std::variant<Command, std::string> readCommandLine(std::vector<std::string> cons
     std::vector<std::string> names;
     for (Verb const& verb : verbs()) names.emplace_back(verb.name);
     throw usageFailure("there is no verb '" + name + "'; kestctl --help lists them",
-                       Wire::nearMatch(name, names).value_or(std::string()));
+                       Text::nearMatch(name, names).value_or(std::string()));
   }
   VerbLine line(*command.verb, command.options);
   try {

@@ -5,7 +5,7 @@
 #include "agent/wire/Protocol.h"
 #include "ctl/Client.h"
 #include "ctl/CommandLine.h"
-#include "ctl/Text.h"
+#include "text/Escapes.h"
 
 namespace Kest::Ctl {
 
@@ -113,7 +113,7 @@ std::vector<std::string> completions(std::vector<std::string> const& words) {
   std::string const word = words.empty() ? "" : words.back();
   std::erase_if(all, [&](std::string const& candidate) {
     bool const isShell = candidate == "file:";
-    bool const isPrintable = escaped(candidate) == candidate;
+    bool const isPrintable = Text::visible(candidate) == candidate;
     return !isShell && !(isPrintable && candidate.starts_with(word));
   });
   return all;

@@ -1,14 +1,9 @@
 #include "ctl/Files.h"
 
 #include <fcntl.h>
-#include <poll.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -16,7 +11,8 @@
 
 #include "agent/wire/Protocol.h"
 #include "ctl/Failure.h"
-#include "ctl/Text.h"
+#include "text/Escapes.h"
+#include "text/File.h"
 
 namespace Kest::Ctl {
 
@@ -24,15 +20,13 @@ namespace {
 
 constexpr std::size_t longestFile = std::size_t{1} << 30;  // bytes: no slice file comes near
 constexpr char const* standardInput = "standard input";
-constexpr mode_t permissions = 0777;
-constexpr mode_t modeOfNewFiles = 0666;  // less the umask
 
 /// JSON could not carry other bytes, and what the agent got would not be what the file says.
 void requireUtf8(std::string_view content, std::string const& name) {
   std::size_t number = 1;
   while (!content.empty()) {
     std::size_t const end = std::min(content.find('\n'), content.size() - 1);
-    if (!isUtf8(content.substr(0, end + 1))) {
+    if (!Text::isUtf8(content.substr(0, end + 1))) {
       throw usageFailure(name + ":" + std::to_string(number) + ": expected UTF-8");
     }
     content.remove_prefix(end + 1);
@@ -40,66 +34,26 @@ void requireUtf8(std::string_view content, std::string const& name) {
   }
 }
 
-struct CloseFile {
-  void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
-File opened(std::string const& file) {
-  File stream(std::fopen(file.c_str(), "rb"));
-  if (!stream) throw usageFailure(file + " cannot be read: " + std::strerror(errno));
-  return stream;
+Text::Descriptor opened(std::string const& file) {
+  Text::Descriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!opened.isOpen()) throw usageFailure(file + " cannot be read: " + std::strerror(errno));
+  return opened;
 }
 
-std::string streamBytes(std::FILE* stream, std::string const& name, std::size_t most) {
+std::string allOf(int fd, std::string const& name, std::size_t most) {
   std::string content;
-  std::array<char, 65536> block{};
-  while (std::size_t const bytes = std::fread(block.data(), 1, block.size(), stream)) {
-    content.append(block.data(), bytes);
-    if (content.size() > most) {
-      throw usageFailure(name + " is too long: more than " + std::to_string(most) + " bytes");
-    }
+  int const error = Text::readAll(fd, most, content);
+  if (error == EFBIG) {
+    throw usageFailure(name + " is too long: more than " + std::to_string(most) + " bytes");
   }
-  if (std::ferror(stream) != 0) {
-    throw usageFailure(name + " cannot be read: " + std::strerror(errno));
-  }
+  if (error != 0) throw usageFailure(name + " cannot be read: " + std::strerror(error));
   return content;
 }
 
-std::string streamContent(std::FILE* stream, std::string const& name) {
-  std::string content = streamBytes(stream, name, Wire::longestTrustedRequest);
+std::string textOf(int fd, std::string const& name) {
+  std::string content = allOf(fd, name, Wire::longestTrustedRequest);
   requireUtf8(content, name);
   return content;
-}
-
-bool isSame(struct stat const& a, struct stat const& b) {
-  return a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec &&
-         a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
-}
-
-/// Waits where the descriptor does not block. False, with `errno`, when it cannot be written.
-bool writeAll(int fd, std::string_view text) {
-  while (!text.empty()) {
-    ssize_t const written = write(fd, text.data(), text.size());
-    if (written >= 0) {
-      text.remove_prefix(static_cast<std::size_t>(written));
-    } else if (errno == EAGAIN) {
-      pollfd waiting{fd, POLLOUT, 0};
-      poll(&waiting, 1, -1);
-    } else if (errno != EINTR) {
-      return false;
-    }
-  }
-  return true;
-}
-
-/// Closes the descriptor whatever happens. `errno` is that of the first step that failed.
-bool writeAndClose(int fd, std::string const& content, bool toDisk) {
-  bool const good = writeAll(fd, content) && (!toDisk || fsync(fd) == 0);
-  int const why = errno;
-  bool const closed = close(fd) == 0;
-  if (!good) errno = why;
-  return good && closed;
 }
 
 /// Where symbolic links lead to, for a file that exists.
@@ -108,64 +62,60 @@ std::string resolved(std::string const& file) {
   return path ? path.get() : file;
 }
 
-bool replace(std::string const& file, std::string const& content) {
+/// 0, or an error number.
+int replace(std::string const& file, std::string const& content) {
   struct stat old {};
-  bool const exists = stat(file.c_str(), &old) == 0;
-  if (exists && !S_ISREG(old.st_mode)) {
-    int const fd = open(file.c_str(), O_WRONLY | O_CLOEXEC);
-    return fd >= 0 && writeAndClose(fd, content, false);
+  if (stat(file.c_str(), &old) == 0 && !S_ISREG(old.st_mode)) {
+    Text::Descriptor special(open(file.c_str(), O_WRONLY | O_CLOEXEC));
+    if (!special.isOpen()) return errno;
+    int const error = Text::writeAll(special.fd(), content);
+    int const closing = special.close();
+    return error != 0 ? error : closing;
   }
   std::string const target = resolved(file);
-  std::string const fresh = target + "." + std::to_string(getpid()) + ".new";
-  int const fd = open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, modeOfNewFiles);
-  if (fd < 0) return false;
-  bool const hasMode = !exists || fchmod(fd, old.st_mode & permissions) == 0;
-  if (writeAndClose(fd, content, true) && hasMode && rename(fresh.c_str(), target.c_str()) == 0) {
-    return true;
-  }
-  int const why = errno;
-  unlink(fresh.c_str());
-  errno = why;
-  return false;
+  constexpr mode_t modeOfNewFiles = 0666;
+  return Text::replaceFile(
+      target, content, {target + "." + std::to_string(getpid()) + ".new", modeOfNewFiles, true});
 }
 
 }  // namespace
 
 std::string bytesOf(std::string const& file) {
-  File const stream = opened(file);
+  Text::Descriptor const stream = opened(file);
   struct stat before {};
   struct stat after {};
-  bool const isKnown = fstat(fileno(stream.get()), &before) == 0;
-  std::string content = streamBytes(stream.get(), file, longestFile);
-  if (isKnown && S_ISREG(before.st_mode) && fstat(fileno(stream.get()), &after) == 0 &&
-      !isSame(before, after)) {
+  bool const isKnown = fstat(stream.fd(), &before) == 0 && S_ISREG(before.st_mode);
+  std::string content = allOf(stream.fd(), file, longestFile);
+  if (isKnown && fstat(stream.fd(), &after) == 0 && !Text::isSameFile(before, after)) {
     throw usageFailure(file + " changed while it was read");
   }
   return content;
 }
 
 std::string bytesOfInput() {
-  return streamBytes(stdin, standardInput, longestFile);
+  return allOf(STDIN_FILENO, standardInput, longestFile);
 }
 
 std::string contentOf(std::string const& file) {
-  return streamContent(opened(file).get(), file);
+  return textOf(opened(file).fd(), file);
 }
 
 std::string contentOfInput() {
-  return streamContent(stdin, standardInput);
+  return textOf(STDIN_FILENO, standardInput);
 }
 
 void replaceFile(std::string const& file, std::string const& content) {
-  if (replace(file, content)) return;
-  throw usageFailure(file + " cannot be written: " + std::strerror(errno));
+  int const error = replace(file, content);
+  if (error != 0) throw usageFailure(file + " cannot be written: " + std::strerror(error));
 }
 
 bool print(std::string const& text) {
-  if (writeAll(STDOUT_FILENO, text)) return true;
-  if (errno == EPIPE) return false;
-  throw Failure(Exit::failed, "output",
-                std::string("standard output cannot be written: ") + std::strerror(errno));
+  int const error = Text::writeAll(STDOUT_FILENO, text);
+  if (error != 0 && error != EPIPE) {
+    throw Failure(Exit::failed, "output",
+                  std::string("standard output cannot be written: ") + std::strerror(error));
+  }
+  return error == 0;
 }
 
 }  // namespace Kest::Ctl

@@ -2,10 +2,16 @@
 
 #include "ctl/Failure.h"
 #include "ctl/Text.h"
+#include "text/Escapes.h"
+#include "text/Table.h"
 
 namespace Kest::Ctl {
 
 namespace {
+
+using Text::Cell;
+using Text::Row;
+using Text::Table;
 
 /// "3 changes", "1 change".
 std::string counted(std::size_t count, std::string const& what) {
@@ -52,38 +58,15 @@ std::string yesNo(Json const& flag) {
 }
 
 /// What the sides say, once if they all say the same.
-struct Sides {
-  std::string text;
-  bool agree;
-};
-
-Sides beside(std::vector<std::string> const& sides) {
+Cell beside(std::vector<std::string> const& sides) {
   std::string text;
   bool agree = true;
   for (std::string const& side : sides) {
     agree = agree && side == sides.front();
     text.append(text.empty() ? "" : " / ").append(side);
   }
-  return {agree ? sides.front() : text, agree};
+  return agree ? Cell{sides.front()} : Cell{text, Text::Mark::bad};
 }
-
-/// A row of a table in which some cells compare sides.
-class Row {
- public:
-  void add(std::string text) { cells_.push_back(std::move(text)); }
-  void add(Sides const& sides) {
-    if (!sides.agree) differing_.push_back(cells_.size());
-    cells_.push_back(sides.text);
-  }
-  void addTo(Table& table) const {
-    table.add(cells_);
-    for (std::size_t const column : differing_) table.mark(column);
-  }
-
- private:
-  std::vector<std::string> cells_;
-  std::vector<std::size_t> differing_;
-};
 
 std::string text(Json const& value) {
   return value.is_null() || value == Json("") ? "-" : shown(value);
@@ -93,19 +76,17 @@ Row deviceRow(Json const& device) {
   Json const& config = device.at("config");
   Json const& status = device.at("status");
   Json const& driver = device.at("driver");
-  Row row;
-  row.add(shown(device.at("name")));
-  row.add(text(member(config, "pciHam")));
-  row.add(enumerator(member(config, "fapType"), "fapType"));
-  row.add(
-      beside({yesNo(!member(config, "devName").is_null()), yesNo(member(status, "registered"))}));
   Json const& up = member(driver, "up");
-  row.add(beside({enumerator(member(config, "deviceState"), "deviceState"),
-                  enumerator(member(status, "deviceState"), "deviceState"),
-                  up.is_null() ? "-"
-                  : up == true ? "up"
-                               : "down"}));
-  return row;
+  return {
+      {shown(device.at("name"))},
+      {text(member(config, "pciHam"))},
+      {enumerator(member(config, "fapType"), "fapType")},
+      beside({yesNo(!member(config, "devName").is_null()), yesNo(member(status, "registered"))}),
+      beside({enumerator(member(config, "deviceState"), "deviceState"),
+              enumerator(member(status, "deviceState"), "deviceState"),
+              up.is_null() ? "-"
+              : up == true ? "up"
+                           : "down"})};
 }
 
 std::string vlanText(Json const& vlan) {
@@ -118,11 +99,6 @@ Row portRow(Json const& port, bool driverTells) {
   Json const& status = port.at("status");
   Json const& driver = port.at("driver");
   Json const& exists = member(config, "ifName");
-  Row row;
-  row.add(shown(port.at("name")));
-  row.add(text(member(config, "devName")));
-  row.add(text(member(config, "destId")));
-  row.add(text(member(config, "macAddr")));
   std::vector<std::string> created{yesNo(!exists.is_null()), yesNo(member(status, "created"))};
   std::vector<std::string> vlans{vlanText(member(config, "nativeVlan")),
                                  vlanText(member(status, "nativeVlan"))};
@@ -130,22 +106,25 @@ Row portRow(Json const& port, bool driverTells) {
     created.push_back(yesNo(!driver.is_null()));
     vlans.push_back(vlanText(member(driver, "nativeVlan")));
   }
-  row.add(beside(created));
-  row.add(beside(vlans));
   // A mode says something only where there is a native VLAN.
   bool const hasVlan = vlans.front() != "-";
   std::string const mode = enumerator(member(config, "switchportMode"), "switchportMode");
-  row.add(hasVlan && mode != "-"
+  return {{shown(port.at("name"))},
+          {text(member(config, "devName"))},
+          {text(member(config, "destId"))},
+          {text(member(config, "macAddr"))},
+          beside(created),
+          beside(vlans),
+          hasVlan && mode != "-"
               ? beside({mode, enumerator(member(status, "switchportMode"), "switchportMode")})
-              : Sides{mode, true});
-  return row;
+              : Cell{mode}};
 }
 
 }  // namespace
 
 Shown presentTypes(Json const& result, Options const&, bool colour) {
   Table table({"type", "kind"});
-  for (Json const& type : result) table.add({shown(type.at("name")), shown(type.at("kind"))});
+  for (Json const& type : result) table.add({{shown(type.at("name"))}, {shown(type.at("kind"))}});
   return {table.text(colour)};
 }
 
@@ -157,10 +136,13 @@ Shown presentType(Json const& result, Options const&, bool colour) {
   if (result.at("attributes").empty()) return {text};
   Table table({"attribute", "id", "class", "type", "key", "arguments", "flags"});
   for (Json const& attribute : result.at("attributes")) {
-    table.add({shown(attribute.at("name")), shown(attribute.at("id")), shown(attribute.at("class")),
-               shown(attribute.at("type")), keyText(attribute),
-               attribute.contains("arguments") ? signature(attribute.at("arguments")) : "",
-               joined(attribute.at("flags"), " ")});
+    table.add({{shown(attribute.at("name"))},
+               {shown(attribute.at("id"))},
+               {shown(attribute.at("class"))},
+               {shown(attribute.at("type"))},
+               {keyText(attribute)},
+               {attribute.contains("arguments") ? signature(attribute.at("arguments")) : ""},
+               {joined(attribute.at("flags"), " ")}});
   }
   return {text + table.text(colour)};
 }
@@ -211,9 +193,9 @@ Shown presentSlice(Json const& result, Options const&, bool colour) {
     driverTells = driverTells || !port.at("driver").is_null();
   }
   Table devices({"device", "handle", "chip type", "registered", "state"});
-  for (Json const& device : result.at("devices")) deviceRow(device).addTo(devices);
+  for (Json const& device : result.at("devices")) devices.add(deviceRow(device));
   Table ports({"port", "device", "destination", "MAC", "created", "native VLAN", "mode"});
-  for (Json const& port : result.at("ports")) portRow(port, driverTells).addTo(ports);
+  for (Json const& port : result.at("ports")) ports.add(portRow(port, driverTells));
   if (!result.at("devices").empty()) text += devices.text(colour);
   if (!result.at("devices").empty() && !result.at("ports").empty()) text += "\n";
   if (!result.at("ports").empty()) text += ports.text(colour);
@@ -256,10 +238,10 @@ Shown presentSetting(Json const& result, Options const&, bool) {
 Shown presentDriver(Json const& result, Options const& options, bool) {
   std::string const& action = options.arguments.at(0);
   if (action == "log" || action == "dump") {
-    return {escapedLines(result.at("text").get_ref<std::string const&>())};
+    return {Text::visibleLines(result.at("text").get_ref<std::string const&>())};
   }
-  if (action == "state") return {escapedLines(result.at("state").dump(2)) + "\n"};
-  return {action == "flip" ? escaped(options.arguments.at(1)) + ": flipped\n"
+  if (action == "state") return {Text::visibleLines(result.at("state").dump(2)) + "\n"};
+  return {action == "flip" ? Text::visible(options.arguments.at(1)) + ": flipped\n"
                            : std::string("faults replaced\n")};
 }
 

@@ -12,7 +12,7 @@
 #include "ctl/Complete.h"
 #include "ctl/Files.h"
 #include "ctl/Present.h"
-#include "ctl/Text.h"
+#include "text/Escapes.h"
 
 namespace {
 
@@ -86,9 +86,9 @@ bool printError(Failure const& failure) {
 
 Exit complain(Failure const& failure, bool asJson) {
   if (asJson && printError(failure)) return failure.exit();
-  std::cerr << "kestctl: " << escapedLines(failure.what()) << '\n';
+  std::cerr << "kestctl: " << Text::visibleLines(failure.what()) << '\n';
   if (!failure.suggestion().empty()) {
-    std::cerr << "did you mean '" << escaped(failure.suggestion()) << "'?\n";
+    std::cerr << "did you mean '" << Text::visible(failure.suggestion()) << "'?\n";
   }
   return failure.exit();
 }

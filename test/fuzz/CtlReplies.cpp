@@ -1,7 +1,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ctl/Present.h"
-#include "ctl/Text.h"
+#include "text/Escapes.h"
 #include "test/fuzz/Fuzz.h"
 
 /// What the client shows of replies: an agent of another version may send anything. It is shown, or
@@ -24,7 +24,7 @@ bool hasControls(std::string const& text) {
 }
 
 void requireHarmless(std::string const& text) {
-  Fuzz::require(isUtf8(text), "what is shown is UTF-8", text);
+  Fuzz::require(Text::isUtf8(text), "what is shown is UTF-8", text);
   Fuzz::require(!hasControls(text), "what is shown has no control characters", text);
 }
 
