@@ -5,7 +5,6 @@
 
 #include "agent/access/Collections.h"
 #include "agent/control/ControlServer.h"
-#include "agent/process/ControlPath.h"
 #include "agent/process/RunReason.h"
 #include "agent/rules/ChangeRules.h"
 #include "agent/show/StatusReport.h"
@@ -33,16 +32,16 @@ Agent::Agent(Options options, Console console, DriverLibrary const& driver)
                                        [this](std::string const& line) {
                                          if (verbose_) console_.line("status  " + line);
                                        })),
-      application_(loop_, console_, config_, verbose_),
-      served_{config_,
-              status_,
-              sm_,
-              driver,
-              handles_,
-              [this] { return application_.isRunning(); },
-              [this](std::string const& file, Slice slice, Done done) {
-                apply(file, std::move(slice), anyChanges, std::move(done));
-              }} {
+      rollOut_(loop_, console_, config_, verbose_),
+      running_{config_,
+               status_,
+               sm_,
+               driver,
+               handles_,
+               [this] { return rollOut_.isRunning(); },
+               [this](std::string const& file, Slice slice, Done done) {
+                 apply(file, std::move(slice), anyChanges, std::move(done));
+               }} {
   loop_.signalIs(SIGHUP, [this] { reload(); });
   for (int const signal : {SIGTERM, SIGINT}) {
     loop_.signalIs(signal, [this, signal] { end(signal); });
@@ -68,16 +67,16 @@ int Agent::run() {
 
 /// Before anything is applied: an agent that nobody can ask is not started.
 void Agent::openControl() {
-  std::optional<std::string> const path = controlPath(options_);
+  std::optional<std::string> const path = options_.controlPath();
   if (path) {
     control_ = std::make_unique<ControlServer>(
-        loop_, *path, served_, SocketAccess{options_.controlMode, options_.controlGroup});
+        loop_, *path, running_, SocketAccess{options_.controlMode, options_.controlGroup});
   } else if (options_.control.empty() && !options_.once) {
     console_.line("no control socket: --control names one, where XDG_RUNTIME_DIR is not set");
   }
 }
 
-void Agent::applySliceFile(Slice wanted, Application::Decide decide) {
+void Agent::applySliceFile(Slice wanted, RollOut::Decide decide) {
   auto done = [this](Applied const& outcome) {
     if (options_.poll) sm_->modeIs(Hardware::Kest::SmMode::smModePolling_);
     if (options_.once) {
@@ -90,10 +89,10 @@ void Agent::applySliceFile(Slice wanted, Application::Decide decide) {
 
 /// None may be running. Devices that go still refer to the old handles; what refers to a handle
 /// keeps it.
-void Agent::apply(std::string const& file, Slice wanted, Application::Decide decide, Done done) {
+void Agent::apply(std::string const& file, Slice wanted, RollOut::Decide decide, Done done) {
   wanted.handles.enterTree();
   auto const handles = std::make_shared<PciHandles>(std::move(wanted.handles));
-  application_.start(
+  rollOut_.start(
       wanted.config,
       [this, handles, decide = std::move(decide)](Changes const& changes) {
         if (!decide(changes)) return false;
@@ -126,7 +125,7 @@ SliceEnd Agent::sliceEnd() const {
 /// A file that is refused changes nothing. While changes are being applied the file waits: a step
 /// that belongs to one already taken must not get lost.
 void Agent::reload() {
-  if (reading_ || application_.isRunning()) {
+  if (reading_ || rollOut_.isRunning()) {
     reloadWanted_ = true;
     return;
   }
@@ -139,7 +138,7 @@ void Agent::readOn() {
   try {
     if (reading_->goOn()) return loop_.later([this] { readOn(); });
     Slice wanted = std::exchange(reading_, nullptr)->slice();
-    if (application_.isRunning()) {  // a client was faster
+    if (rollOut_.isRunning()) {  // a client was faster
       reloadWanted_ = true;
       return;
     }
@@ -178,7 +177,7 @@ void Agent::end(int signal) {
   constexpr int signalledExit = 128;
   if (options_.once) exitCode_ = signalledExit + signal;
   reading_ = nullptr;
-  application_.abandon();
+  rollOut_.abandon();
   loop_.stop();
 }
 

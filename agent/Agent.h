@@ -9,10 +9,10 @@
 #include "agent/process/DriverLibrary.h"
 #include "agent/process/Options.h"
 #include "agent/show/StatusWatcher.h"
-#include "agent/slice/Application.h"
+#include "agent/slice/RollOut.h"
 #include "agent/slice/SliceFile.h"
 #include "agent/slice/SliceFileReading.h"
-#include "agent/verbs/Served.h"
+#include "agent/verbs/RunningAgent.h"
 #include "platform/mox/ActivityLoop.h"
 #include "sm/KestSliceDmaSm.h"
 
@@ -42,9 +42,9 @@ class Agent {
  private:
   using Done = std::function<void(Applied)>;
 
-  void apply(std::string const& file, Slice wanted, Application::Decide decide, Done done);
+  void apply(std::string const& file, Slice wanted, RollOut::Decide decide, Done done);
   Applied applied(std::string const& file, std::size_t changes, std::size_t unchanged);
-  void applySliceFile(Slice wanted, Application::Decide decide);
+  void applySliceFile(Slice wanted, RollOut::Decide decide);
   void openControl();
   SliceEnd sliceEnd() const;
   void reload();
@@ -62,10 +62,10 @@ class Agent {
   Mox::Ptr<Status> status_;
   Mox::Ptr<Hardware::Kest::Slice::KestSliceDmaSm> sm_;
   Mox::Ptr<StatusWatcher> statusWatcher_;
-  Application application_;
+  RollOut rollOut_;
   PciHandles handles_;
   std::unique_ptr<SliceFileReading> reading_;  // while the slice file is read again
-  Served served_;
+  RunningAgent running_;
   std::unique_ptr<ControlServer> control_;
   Slice wanted_;  // from the start to the run
   bool reloadWanted_ = false;

@@ -4,10 +4,15 @@
 
 #include "ctl/Json.h"
 #include "ctl/Options.h"
-#include "ctl/Verbs.h"
 
 /// Results of the verbs, for people.
 namespace Kest::Ctl {
+
+/// How a verb's result is shown.
+struct Shown {
+  std::string text;
+  bool isGood = true;  // otherwise the exit code is that of a failure
+};
 
 Shown presentTypes(Json const& result, Options const& options, bool colour);
 Shown presentType(Json const& result, Options const& options, bool colour);

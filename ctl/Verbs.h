@@ -7,6 +7,7 @@
 
 #include "ctl/Json.h"
 #include "ctl/Options.h"
+#include "ctl/Present.h"
 
 namespace Kest::Ctl {
 
@@ -21,12 +22,6 @@ struct Parameter {
   bool isOptional = false;
   bool isRepeated = false;              // takes all that are left
   std::vector<char const*> words = {};  // what `word` completes to
-};
-
-/// How a verb's result is shown.
-struct Shown {
-  std::string text;
-  bool isGood = true;  // otherwise the exit code is that of a failure
 };
 
 /// One verb. Parsing, help, requests, presentation and completion all come from the table.

@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "agent/access/JsonText.h"
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 #include "platform/mox/Entity.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "platform/mox/GenericValue.h"
@@ -85,7 +84,7 @@ Json listJson(GenericIf::List_ const& list) {
 
 [[noreturn]] void refuse(std::string const& expected, Json const& found) {
   constexpr std::size_t longest = 60;
-  std::string text = found.dump(-1, ' ', false, Json::error_handler_t::replace);
+  std::string text = jsonText(found);
   if (text.size() > longest) text = text.substr(0, longest) + "...";
   throw Mox::RangeException(String8("expected " + expected + ", found " + text));
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <memory>
-#include <nlohmann/json_fwd.hpp>
 #include <string_view>
 
+#include "agent/access/JsonText.h"
 #include "platform/mox/GenericIf.h"
 
 /// Values of registered types as JSON, and back. Everything is derived from the type registry:
@@ -20,8 +20,6 @@
 /// Whatever has no form of its own is the string of its text form. Bytes of a string that are no
 /// UTF-8 are kept as they are; who serializes the JSON decides about them.
 namespace Kest::Agent {
-
-using Json = nlohmann::ordered_json;
 
 Json toJson(Mox::GenericIf const& value);
 

@@ -1,9 +1,8 @@
 #include "agent/access/JsonText.h"
 
 #include <nlohmann/json.hpp>
-#include <string>
 
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 #include "agent/wire/Protocol.h"
 #include "platform/mox/RangeException.h"
 
@@ -49,6 +48,10 @@ class Bounds {
 };
 
 }  // namespace
+
+std::string jsonText(Json const& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
 
 Json objectFromText(std::string_view text) {
   if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {

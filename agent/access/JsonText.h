@@ -1,10 +1,16 @@
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
+#include <string>
 #include <string_view>
 
-#include "agent/access/GenericJson.h"
-
 namespace Kest::Agent {
+
+/// Members stay in the order in which they came.
+using Json = nlohmann::ordered_json;
+
+/// JSON on one line; bytes that are no UTF-8 become U+FFFD.
+std::string jsonText(Json const& json);
 
 /// The JSON object that a text of whatever origin is. `Mox::RangeException` "expected ..., found
 /// ..." when it is none, nests deeper than `Wire::deepestRequest`, as what works through JSON goes

@@ -1,6 +1,6 @@
 #include "agent/access/OrderedKeys.h"
 
-#include <cstddef>
+#include "platform/mox/GenericValue.h"
 
 namespace Kest::Agent {
 
@@ -13,6 +13,15 @@ constexpr std::size_t shortKey = 64;
 
 }  // namespace
 
+void OrderedKeys::add(std::shared_ptr<Mox::AttributeIterator> entries) {
+  add([entries = std::move(entries)]() -> std::optional<Mox::String8> {
+    if (!*entries) return std::nullopt;
+    Mox::String8 key = *Mox::genericVal<Mox::String8>(entries->key().get());
+    ++*entries;
+    return key;
+  });
+}
+
 bool OrderedKeys::gather() {
   std::size_t gathered = 0;
   while (!sources_.empty() && gathered < keysInAStep) {
@@ -24,12 +33,6 @@ bool OrderedKeys::gather() {
     }
   }
   return !sources_.empty();
-}
-
-std::size_t heldBy(std::vector<std::shared_ptr<OrderedKeys const>> const& all) {
-  std::size_t bytes = 0;
-  for (auto const& keys : all) bytes += keys->held();
-  return bytes;
 }
 
 std::optional<Mox::String8> OrderedKeys::take() {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "agent/access/Collections.h"
+#include "platform/mox/GenericIf.h"
 #include "platform/mox/Ptr.h"
 #include "platform/mox/String8.h"
 
@@ -37,6 +38,9 @@ class OrderedKeys {
     });
   }
 
+  /// The keys of a collection that is walked by name.
+  void add(std::shared_ptr<Mox::AttributeIterator> entries);
+
   /// Gathers for half a millisecond or so. False once every key has been gathered.
   bool gather();
 
@@ -54,8 +58,5 @@ class OrderedKeys {
   std::vector<Source> sources_;  // the last one is being gathered
   std::set<Mox::String8, NaturalOrder> keys_;
 };
-
-/// About how many bytes of memory all of them take together.
-std::size_t heldBy(std::vector<std::shared_ptr<OrderedKeys const>> const& all);
 
 }  // namespace Kest::Agent

@@ -10,8 +10,8 @@
 #include <utility>
 #include <variant>
 
+#include "agent/control/Refusal.h"
 #include "agent/control/RequestText.h"
-#include "agent/verbs/Refusal.h"
 
 namespace Kest::Agent {
 
@@ -26,26 +26,11 @@ constexpr std::uint32_t readable = EPOLLIN;
 constexpr std::uint32_t writable = EPOLLOUT;
 constexpr char const* resultLead = R"({"ok":true,"result":)";
 
-std::string text(Json const& json) {
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 /// A reply but for its end.
 std::string refusalLead(ControlError const& refused) {
   Json error{{"kind", Wire::name(refused.kind())}, {"message", refused.what()}};
   if (!refused.suggestion().empty()) error["suggestion"] = refused.suggestion();
-  return R"({"ok":false,"error":)" + text(error);
-}
-
-/// The refusal that the exception being handled is. A lack of memory is thrown on.
-ControlError refusalOfException() {
-  try {
-    return currentRefusal();
-  } catch (std::bad_alloc const&) {
-    throw;
-  } catch (std::exception const& failed) {
-    return {ErrorKind::internal, failed.what()};
-  }
+  return R"({"ok":false,"error":)" + jsonText(error);
 }
 
 }  // namespace
@@ -82,7 +67,7 @@ void Connection::orRefused(Step const& step) {
   try {
     step();
   } catch (std::exception const&) {
-    ControlError const refused = refusalOfException();
+    ControlError const refused = currentRefusal();
     upload_.reset();
     long_.reset();
     if (isTelling_) return end();  // nothing can be said within a reply
@@ -243,7 +228,7 @@ std::string Connection::tail() const {
 }
 
 void Connection::tell(Json const& result) {
-  output_.add(resultLead + text(result) + tail());
+  output_.add(resultLead + jsonText(result) + tail());
   replied();
 }
 

@@ -52,20 +52,20 @@ std::size_t raiseDescriptorLimit() {
 
 }  // namespace
 
-ControlServer::ControlServer(Mox::ActivityLoop& loop, std::string const& path, Served const& served,
-                             SocketAccess const& access)
+ControlServer::ControlServer(Mox::ActivityLoop& loop, std::string const& path,
+                             RunningAgent const& agent, SocketAccess const& access)
     : listener_(path, access),
-      verbs_(served),
-      places_(raiseDescriptorLimit()),
+      verbs_(agent),
+      admission_(raiseDescriptorLimit()),
       readers_(mostHeldByReaders, [this] { relieve(); }),
       trusted_(mostHeldByTrusted, [] {}),
       turns_(loop),
       taking_(turns_, *this, listener_.fd(), true),
       alarm_(new Alarm(Mox::activityManager()->clock(), [this] { onAlarm(); })),
       configFeed_(
-          new ConfigFeed(served.config, "config", [this](Json const& event) { publish(event); })),
+          new ConfigFeed(agent.config, "config", [this](Json const& event) { publish(event); })),
       statusFeed_(
-          new StatusFeed(served.status, "status", [this](Json const& event) { publish(event); })) {
+          new StatusFeed(agent.status, "status", [this](Json const& event) { publish(event); })) {
   taking_.watch(EPOLLIN);
 }
 
@@ -98,7 +98,7 @@ bool ControlServer::accept() {
   }
   if (!client.isOpen()) return false;
   Peer const peer = Peer::of(client.fd());
-  std::string const refusal = places_.refusal(peer);
+  std::string const refusal = admission_.refusal(peer);
   if (refusal.empty()) {
     add(std::move(client), peer);
   } else {
@@ -113,11 +113,11 @@ void ControlServer::add(Descriptor client, Peer const& peer) {
       turns_, peer.mayChange ? trusted_ : readers_, std::move(client), peer,
       [this](Connection& from, Json const& request) { return serve(from, request); },
       [this](Connection& gone) { leave(gone); });
-  places_.take(peer);
+  admission_.admit(peer);
   try {
     connections_.emplace(fd, connection);
   } catch (std::bad_alloc const&) {
-    places_.giveBack(peer);
+    admission_.leave(peer);
     throw;
   }
   alarmAt(connection->silentAt());
@@ -127,7 +127,7 @@ void ControlServer::add(Descriptor client, Peer const& peer) {
 void ControlServer::leave(Connection& gone) noexcept {
   freed_ += gone.share();
   if (freed_ >= worthTrimming) taking_.ready();
-  places_.giveBack(gone.peer());
+  admission_.leave(gone.peer());
   connections_.erase(gone.fd());
 }
 
@@ -179,7 +179,7 @@ void ControlServer::publish(Json const& event) {
                                      [](auto const& entry) { return entry.second->isWatching(); });
   if (!isWatched) return;
   try {
-    std::string const line = event.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+    std::string const line = jsonText(event) + "\n";
     std::vector<Client> watching;
     for (auto const& [fd, connection] : connections_) {
       if (connection->isWatching()) watching.push_back(connection);

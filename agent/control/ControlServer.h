@@ -8,10 +8,10 @@
 
 #include "agent/access/ChangeFeed.h"
 #include "agent/control/Account.h"
+#include "agent/control/Admission.h"
 #include "agent/control/Alarm.h"
 #include "agent/control/Connection.h"
 #include "agent/control/Listener.h"
-#include "agent/control/Places.h"
 #include "agent/control/Turns.h"
 #include "agent/verbs/Verbs.h"
 #include "platform/mox/ActivityLoop.h"
@@ -23,7 +23,7 @@ class ControlServer final : private Turns::Taker {
  public:
   /// Takes clients from now on. What is served must outlive this, as the loop must.
   /// @throw ControlSocketError
-  ControlServer(Mox::ActivityLoop& loop, std::string const& path, Served const& served,
+  ControlServer(Mox::ActivityLoop& loop, std::string const& path, RunningAgent const& agent,
                 SocketAccess const& access = {});
   ~ControlServer();
   ControlServer(ControlServer const&) = delete;
@@ -46,7 +46,7 @@ class ControlServer final : private Turns::Taker {
 
   Listener listener_;
   Verbs verbs_;
-  Places places_;
+  Admission admission_;
   Account readers_;
   Account trusted_;  // root and the agent's user
   Turns turns_;

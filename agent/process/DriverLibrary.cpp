@@ -74,7 +74,7 @@ DriverLibrary::DriverLibrary(std::string const& driver)
   for (Operation const& operation : operations) operation.bind(symbol(operation.symbol));
 }
 
-DriverLibrary::DeviceState DriverLibrary::deviceState(Mox::String8 const& devName) const {
+DriverLibrary::DeviceAnswer DriverLibrary::deviceState(Mox::String8 const& devName) const {
   bool up = false;
   int const error = inDriver<&Hardware::Kest::kestDmaIsDeviceUp>(devName, &up);
   return {error, up};

@@ -24,11 +24,11 @@ class DriverLibrary {
   std::string const& path() const noexcept { return path_; }
 
   /// What the driver says of a device's state: an error number, and with 0 whether it is up.
-  struct DeviceState {
+  struct DeviceAnswer {
     int error;
     bool up;
   };
-  DeviceState deviceState(Mox::String8 const& devName) const;
+  DeviceAnswer deviceState(Mox::String8 const& devName) const;
 
   /// What the library exports under that name; null when it does not.
   void* symbol(char const* name) const;

@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "agent/process/Version.h"
+#include "agent/wire/Protocol.h"
 
 namespace Kest::Agent {
 
@@ -20,6 +21,14 @@ std::string octalMode(std::string const& digits) {
 }
 
 }  // namespace
+
+std::optional<std::string> Options::controlPath() const {
+  if (control == "none") return std::nullopt;
+  if (!control.empty()) return control;
+  // A single pass ends before anybody could ask; it must not get in the way of a running agent.
+  if (once) return std::nullopt;
+  return Wire::defaultSocketPath();
+}
 
 std::variant<Options, Exit> parseOptions(int argc, char const* const* argv) {
   Options options;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -20,6 +21,9 @@ struct Options {
   bool poll = false;
   bool verbose = false;
   bool supervise = false;
+
+  /// Where the control socket is to be; none when there is to be none.
+  std::optional<std::string> controlPath() const;
 };
 
 /// How the program ends.

@@ -38,15 +38,12 @@ void checkStateRemoval(Mox::String8 const& devName, Config const& config, Status
 
 }  // namespace
 
-void checkStore(Place const& entry, Mox::GenericIf const& value) {
+void checkStore(Target const& entry, Mox::GenericIf const& value) {
   checkKey(entry.attribute->keyName.view(), *entry.key);
-  if (auto const* const vlan = Mox::genericVal<std::uint16_t>(&value)) checkValue(*vlan);
-  if (auto const* const state = Mox::genericVal<DeviceState>(&value)) {
-    checkStateName(stringValue(*state));
-  }
+  checkValue(value);
 }
 
-void checkRemove(Place const& entry, Config const& config, Status const& status) {
+void checkRemove(Target const& entry, Config const& config, Status const& status) {
   if (isStates(*entry.attribute)) checkStateRemoval(*entry.key, config, status);
 }
 
@@ -59,7 +56,7 @@ void checkApply(Config const& wanted, Config const& config, Status const& status
   }
 }
 
-void checkNotify(Place const& entry, Config const& config, Status const& status) {
+void checkNotify(Target const& entry, Config const& config, Status const& status) {
   checkKey(entry.attribute->keyName.view(), *entry.key);
   if (isStates(*entry.attribute)) checkState(*entry.key, config, status);
 }

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 #include "driver/KestDma.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "registry/RecordTypes.h"

@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "agent/access/Collections.h"
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 
 namespace Kest::Agent {
 

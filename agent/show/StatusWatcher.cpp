@@ -3,7 +3,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 
 namespace Kest::Agent {
 

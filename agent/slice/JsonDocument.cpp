@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 #include "platform/mox/String8.h"
 
 namespace Kest::Agent {

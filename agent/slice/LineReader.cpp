@@ -2,7 +2,7 @@
 
 #include <cctype>
 
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 
 namespace Kest::Agent {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 #include "platform/mox/Dir.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Strep.h"

@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 #include "agent/wire/NearMatch.h"
 #include "model/KestSliceDmaConfig.h"
 #include "platform/mox/RangeException.h"

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "agent/slice/SliceFile.h"
+#include "agent/slice/Slice.h"
 #include "platform/mox/GenericIf.h"
 #include "platform/mox/TypeNode.h"
 

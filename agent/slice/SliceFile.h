@@ -1,28 +1,11 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
-#include "agent/access/Entities.h"
-#include "agent/slice/PciHandles.h"
-#include "platform/mox/Ptr.h"
+#include "agent/slice/Slice.h"
 
 namespace Kest::Agent {
-
-/// What a slice file asks for.
-struct Slice {
-  Mox::Ptr<Config> config;  // a configuration of its own, observed by nobody
-  PciHandles handles;
-};
-
-enum class SliceForm { statements, json };
-
-/// Whether a file must end with `end`, which says that it is whole.
-enum class SliceEnd { optional, required };
-
-/// JSON for a name that ends in `.json`.
-SliceForm sliceFormOf(std::string_view name);
 
 /// Reads a slice file: one statement a line, `#` starts a comment, in the text forms
 /// of the configuration entity:

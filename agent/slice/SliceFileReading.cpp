@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "agent/slice/FileError.h"
+#include "agent/slice/SliceForm.h"
 
 namespace Kest::Agent {
 

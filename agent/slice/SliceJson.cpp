@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "agent/access/Steps.h"
-#include "agent/access/Text.h"
+#include "agent/access/PiecewiseWork.h"
+#include "agent/access/ValueText.h"
 #include "agent/rules/SliceRules.h"
 #include "agent/slice/JsonDocument.h"
 #include "agent/slice/SliceAttributes.h"
@@ -67,7 +67,7 @@ class JsonSliceReader final : public SliceReader {
 
   bool goOn() override {
     constexpr std::size_t entriesAtOnce = 50;
-    if (document_) return steps_.take(entriesAtOnce);
+    if (document_) return work_.take(entriesAtOnce);
     document_.emplace(name_, text_);
     begin(document_->value());
     return true;
@@ -95,7 +95,7 @@ class JsonSliceReader final : public SliceReader {
     });
     // Before what refers to them, wherever they stand.
     if (slice.contains(handlesName)) handles(JsonPointer() / handlesName, slice[handlesName]);
-    steps_.add([this, &slice, next = slice.begin()]() mutable {
+    work_.add([this, &slice, next = slice.begin()]() mutable {
       if (next == slice.end()) return false;
       if (!isInCollection_) member(JsonPointer() / next.key(), next.value());
       if (isInCollection_) nextEntry(JsonPointer() / next.key(), next.value());
@@ -107,7 +107,7 @@ class JsonSliceReader final : public SliceReader {
 
   void handles(JsonPointer const& place, Json const& paths) {
     at(place, [&] { expect(paths.is_array(), "an array of paths", paths); });
-    steps_.add([this, place, &paths, index = std::size_t{0}]() mutable {
+    work_.add([this, place, &paths, index = std::size_t{0}]() mutable {
       if (index == paths.size()) return false;
       handle(place / index, paths[index]);
       ++index;
@@ -195,7 +195,7 @@ class JsonSliceReader final : public SliceReader {
 
   /// @param devices all of them, by their names
   void states(Json const& devices) {
-    steps_.add([this, &devices, next = devices.begin()]() mutable {
+    work_.add([this, &devices, next = devices.begin()]() mutable {
       if (next == devices.end()) return false;
       at(JsonPointer() / Config::Devices::name / next.key(),
          [&] { builder_.checkHasState(String8(next.key())); });
@@ -209,7 +209,7 @@ class JsonSliceReader final : public SliceReader {
   std::string text_;
   std::optional<JsonDocument> document_;  // of the whole text
   SliceBuilder builder_;
-  Steps steps_;
+  PiecewiseWork work_;
   Attribute const* collection_ = nullptr;  // whose entries are being read
   Json::const_iterator entry_;             // the next one
   bool isInCollection_ = false;

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <memory>
-#include <string>
 #include <string_view>
 
-#include "agent/slice/SliceFile.h"
+#include "agent/slice/Slice.h"
 
 namespace Kest::Agent {
 
@@ -24,8 +22,5 @@ class SliceReader {
 
 /// What `SliceReader::take` is best given at once.
 inline constexpr std::size_t sliceBytesAtOnce = std::size_t{16} << 10U;
-
-/// @param name stands for the file in errors
-std::unique_ptr<SliceReader> sliceReader(std::string_view name, SliceForm form, SliceEnd end);
 
 }  // namespace Kest::Agent

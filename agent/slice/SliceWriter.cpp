@@ -8,7 +8,7 @@
 
 #include "agent/access/GenericJson.h"
 #include "agent/access/OrderedKeys.h"
-#include "agent/access/Steps.h"
+#include "agent/access/PiecewiseWork.h"
 #include "agent/slice/SliceAttributes.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "platform/mox/GenericValue.h"
@@ -191,14 +191,14 @@ class SliceWriter::Walk {
   bool goOn(std::string& text) {
     constexpr std::size_t entriesAtOnce = 50;
     text_ = &text;
-    return steps_.take(entriesAtOnce);
+    return work_.take(entriesAtOnce);
   }
-  std::size_t held() const { return steps_.held(); }
+  std::size_t held() const { return work_.held(); }
 
  private:
   template <class Work>
   void addOnce(Work work) {
-    steps_.add([work] {
+    work_.add([work] {
       work();
       return false;
     });
@@ -209,7 +209,7 @@ class SliceWriter::Walk {
   }
 
   void findHandles(Attribute const& collection) {
-    steps_.add([this, at = iteratorOf(collection)] {
+    work_.add([this, at = iteratorOf(collection)] {
       if (!*at) return false;
       forEachField(*at->value(), [&](auto const&, Mox::GenericIf const& field) {
         bool isHandle = false;
@@ -227,8 +227,7 @@ class SliceWriter::Walk {
     paths.add([this, next = std::size_t{0}]() mutable {
       return next < handles_.size() ? std::optional(handles_[next++]) : std::nullopt;
     });
-    steps_.addVisits(std::move(paths),
-                     [this](String8 const& path) { form_->handle(*text_, path); });
+    work_.addVisits(std::move(paths), [this](String8 const& path) { form_->handle(*text_, path); });
     addOnce([this] { form_->endList(*text_); });
   }
 
@@ -242,14 +241,9 @@ class SliceWriter::Walk {
 
   void writeEntries(Attribute const& collection) {
     OrderedKeys keys;
-    keys.add([at = iteratorOf(collection)]() -> std::optional<String8> {
-      if (!*at) return std::nullopt;
-      String8 const key = *Mox::genericVal<String8>(at->key().get());
-      ++*at;
-      return key;
-    });
-    steps_.addVisits(std::move(keys),
-                     [this, &collection](String8 const& key) { writeEntry(collection, key); });
+    keys.add(iteratorOf(collection));
+    work_.addVisits(std::move(keys),
+                    [this, &collection](String8 const& key) { writeEntry(collection, key); });
     addOnce([this] { form_->endList(*text_); });
   }
 
@@ -262,7 +256,7 @@ class SliceWriter::Walk {
   std::unique_ptr<FileForm> form_;
   std::vector<String8> handles_;  // paths, some of them more than once
   std::string* text_ = nullptr;
-  Steps steps_;
+  PiecewiseWork work_;
 };
 
 SliceWriter::SliceWriter(Mox::Ptr<Config const> config, std::vector<String8> handles,

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "agent/slice/SliceFile.h"
+#include "agent/slice/SliceForm.h"
 
 namespace Kest::Agent {
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <variant>
 
-#include "agent/access/GenericJson.h"
+#include "agent/access/JsonText.h"
 
 namespace Kest::Agent {
 
@@ -40,8 +40,8 @@ class LongResult {
 
   /// Goes on for a millisecond at most. Appends the next piece of the result's JSON text, or
   /// nothing while the result is still being found.
-  /// @throw as `Verbs::carryOut`, before any text has been appended; after that nothing but
-  /// `std::bad_alloc`, which costs the client its connection
+  /// @throw std::exception what the request is refused with, before any text has been appended;
+  /// after that nothing but `std::bad_alloc`, which costs the client its connection
   virtual Progress goOn(std::string& text) = 0;
 };
 
@@ -55,10 +55,10 @@ class Upload {
   virtual std::size_t held() const { return std::size_t{16} << 10; }
 
   /// The next bytes, cut anywhere; some ten KiB at a time.
-  /// @throw as `Verbs::carryOut`: the request is refused, and what is left of the bytes skipped
+  /// @throw std::exception what the request is refused with; the rest of the bytes is skipped
   virtual void take(std::string_view bytes) = 0;
   /// After the last byte. No second upload comes of it.
-  /// @throw as `Verbs::carryOut`
+  /// @throw std::exception what the request is refused with
   virtual Answer end() = 0;
 };
 

@@ -38,10 +38,10 @@ Json sideJson(Entity const& entity, std::string_view keyName, String8 const& key
   return side;
 }
 
-Json rowJson(Served const& served, std::string_view keyName, String8 const& key, Json driver) {
+Json rowJson(RunningAgent const& agent, std::string_view keyName, String8 const& key, Json driver) {
   return {{"name", std::string(key.view())},
-          {"config", sideJson(*served.config, keyName, key)},
-          {"status", sideJson(*served.status, keyName, key)},
+          {"config", sideJson(*agent.config, keyName, key)},
+          {"status", sideJson(*agent.status, keyName, key)},
           {"driver", std::move(driver)}};
 }
 
@@ -87,45 +87,41 @@ void steer(SimulatedDriver const& simulated, Wire::ErrorKind refusedKind, Work c
 
 Answer Verbs::verify(Request const& request) {
   request.checkMembers({});
-  DriverView const driver(served_.driver);
-  auto const any = std::make_shared<bool>(false);
-  auto const compared = [&](OrderedKeys names, auto differences) {
-    auto tell = [&served = served_, driver, differences](Items& items, String8 const& name) {
-      for (Difference const& found : differences(*served.config, *served.status, driver, name)) {
-        items.add(differenceJson(found));
-      }
-    };
-    return forEachKey(std::move(names), std::move(tell), any);
-  };
+  DriverView const driver(agent_.driver);
   auto result = std::make_unique<PiecewiseResult>();
+  auto const compare = [&](OrderedKeys names, auto differences) {
+    result->addItems(std::move(names), [&agent = agent_, &list = *result, driver,
+                                        differences](String8 const& name) {
+      for (Difference const& found : differences(*agent.config, *agent.status, driver, name)) {
+        list.item(differenceJson(found));
+      }
+    });
+  };
   result->add(R"({"differences":[)");
-  result->add(compared(deviceNames(served_.config, served_.status), &deviceDifferences));
-  result->add(compared(portNames(served_.config, served_.status, driver), &portDifferences));
-  result->add([any, driver](std::string& text) {
-    text += *any ? R"(],"clean":false)" : R"(],"clean":true)";
-    if (!driver.tellsAll()) text += R"(,"notCompared":["interfaces","device parameters"])";
-    text += "}";
-    return false;
+  compare(deviceNames(agent_.config, agent_.status), &deviceDifferences);
+  compare(portNames(agent_.config, agent_.status, driver), &portDifferences);
+  result->addMade([driver](bool anyDifferences) {
+    return std::string(anyDifferences ? R"(],"clean":false)" : R"(],"clean":true)") +
+           (driver.tellsAll() ? "}" : R"(,"notCompared":["interfaces","device parameters"]})");
   });
   return result;
 }
 
 Answer Verbs::show(Request const& request) {
   request.checkMembers({});
-  DriverView const driver(served_.driver);
+  DriverView const driver(agent_.driver);
   auto result = std::make_unique<PiecewiseResult>();
   result->add(R"({"devices":[)");
-  result->add(forEachKey(deviceNames(served_.config, served_.status),
-                         [&served = served_, driver](Items& items, String8 const& devName) {
-                           items.add(rowJson(served, Config::Devices::keyName, devName,
-                                             driver.device(devName)));
-                         }));
+  result->addItems(deviceNames(agent_.config, agent_.status), [&agent = agent_, &list = *result,
+                                                               driver](String8 const& devName) {
+    list.item(rowJson(agent, Config::Devices::keyName, devName, driver.device(devName)));
+  });
   result->add(R"(],"ports":[)");
-  result->add(forEachKey(portNames(served_.config, served_.status, driver),
-                         [&served = served_, driver](Items& items, String8 const& ifName) {
-                           items.add(rowJson(served, Config::SwitchPorts::keyName, ifName,
-                                             driver.interface(ifName)));
-                         }));
+  result->addItems(
+      portNames(agent_.config, agent_.status, driver),
+      [&agent = agent_, &list = *result, driver](String8 const& ifName) {
+        list.item(rowJson(agent, Config::SwitchPorts::keyName, ifName, driver.interface(ifName)));
+      });
   result->add("]}");
   return result;
 }
@@ -134,7 +130,7 @@ Answer Verbs::driver(Request const& request) {
   request.checkMembers({"action", "text", "device"});
   request.string("action");  // there is no default
   std::string const action = request.oneOf("action", {"log", "dump", "state", "fault", "flip"});
-  SimulatedDriver const simulated(served_.driver);
+  SimulatedDriver const simulated(agent_.driver);
   if (action == "fault") {
     std::string const text = request.string("text");
     if (text.find('\0') != std::string::npos) {  // which would end it for the driver

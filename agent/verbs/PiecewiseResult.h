@@ -1,82 +1,50 @@
 #pragma once
 
 #include <cstddef>
-#include <deque>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
-#include "agent/access/OrderedKeys.h"
+#include "agent/access/JsonText.h"
+#include "agent/access/PiecewiseWork.h"
 #include "agent/verbs/Answer.h"
 
 namespace Kest::Agent {
 
-/// JSON on one line; bytes that are no UTF-8 become U+FFFD.
-std::string jsonText(Json const& json);
-
-/// Appends the items of an array, or the members of an object, with commas between them.
-class Items {
- public:
-  /// @param any whether there are items in front; kept up to date
-  Items(std::string& text, bool& any) : text_(text), any_(any) {}
-
-  void add(Json const& item) { next() += jsonText(item); }
-  void add(std::string_view name, Json const& value) {
-    (next() += jsonText(name) + ":") += jsonText(value);
-  }
-
- private:
-  std::string& next() {
-    if (std::exchange(any_, true)) text_ += ',';
-    return text_;
-  }
-
-  std::string& text_;
-  bool& any_;
-};
-
-/// A long result that is told part after part.
+/// A long result that is put together from parts: texts, and the items of arrays and objects, with
+/// commas between them. Whatever makes an item may throw nothing but `std::bad_alloc`.
 class PiecewiseResult final : public LongResult {
  public:
-  /// Does half a millisecond's work on a part, and appends the text that comes of it. False once
-  /// the part is whole. Nothing but `std::bad_alloc` may come out of it.
-  using Part = std::function<bool(std::string& text)>;
-
-  /// A part about keys, whose memory counts.
-  struct KeyedPart {
-    Part part;
-    std::shared_ptr<OrderedKeys const> keys;
-  };
-
   PiecewiseResult() = default;
   PiecewiseResult(PiecewiseResult const&) = delete;
   PiecewiseResult& operator=(PiecewiseResult const&) = delete;
 
-  void add(Part part) { parts_.push_back(std::move(part)); }
-  void add(KeyedPart part);
-  /// A text as it is, however long.
+  /// A text as it is, however long. Items after it have no comma in front.
   void add(std::string text);
+  /// A text that is made when it is its turn.
+  /// @param make is told whether any items came after the last text
+  void addMade(std::function<std::string(bool anyItems)> make);
+  /// Items: `tellNext` tells one with `item`, or returns false after the last.
+  void addItems(std::function<bool()> tellNext);
+  /// Items about keys, in order: `tell` tells any number with `item`. The keys are gathered first.
+  void addItems(OrderedKeys keys, std::function<void(Mox::String8 const& key)> tell);
+
+  /// Tells an item of an array, or a member of an object; while items are told.
+  void item(Json const& item) { next() += jsonText(item); }
+  void item(std::string_view name, Json const& value) {
+    (next() += jsonText(name) + ":") += jsonText(value);
+  }
 
   Progress goOn(std::string& text) override;
-  std::size_t held() const override;
+  std::size_t held() const override { return LongResult::held() + work_.held() + textBytes_; }
 
  private:
-  std::deque<Part> parts_;
-  std::vector<std::shared_ptr<OrderedKeys const>> keys_;
-  std::size_t textBytes_ = 0;  // of texts that are not told whole
+  std::string& next();
+
+  PiecewiseWork work_;
+  std::string* text_ = nullptr;  // what is told now is appended to it
+  bool anyItems_ = false;        // after the last text
+  std::size_t textBytes_ = 0;    // of texts that have not been told whole
 };
-
-/// The items that `tell` adds one after the other, until it returns false.
-/// @param any whether there are items in front; shared where several parts make one array
-PiecewiseResult::Part whileAny(std::function<bool(Items& items)> tell,
-                               std::shared_ptr<bool> any = std::make_shared<bool>(false));
-
-/// The items that `tell` adds for each key, in order. The keys are gathered first.
-PiecewiseResult::KeyedPart forEachKey(
-    OrderedKeys keys, std::function<void(Items& items, Mox::String8 const& key)> tell,
-    std::shared_ptr<bool> any = std::make_shared<bool>(false));
 
 }  // namespace Kest::Agent

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "agent/access/ControlError.h"
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 #include "agent/verbs/PiecewiseResult.h"
 #include "agent/verbs/Verbs.h"
 #include "agent/wire/NearMatch.h"
@@ -135,7 +135,7 @@ std::vector<std::string> handlerNames(std::vector<Root> const& roots,
 
 }  // namespace
 
-Json Verbs::types(Request const& request) {
+Answer Verbs::types(Request const& request) {
   request.checkMembers({});
   Json list = Json::array();
   for (MoxType const* type : registered()) {
@@ -144,34 +144,34 @@ Json Verbs::types(Request const& request) {
   return list;
 }
 
-Json Verbs::describe(Request const& request) {
+Answer Verbs::describe(Request const& request) {
   request.checkMembers({"type"});
   MoxType const& type = typeNamed(request.string("type"));
   Json attributes = Json::array();
   for (Mox::Attribute const& attribute : type.typeNode()->attributes()) {
     attributes.push_back(attributeJson(attribute));
   }
-  return {{"name", spelled(type.fullName())},
-          {"kind", kindName(type.kind())},
-          {"constructor", argumentsJson(type.typeNode()->constructorArguments())},
-          {"attributes", attributes}};
+  return Json{{"name", spelled(type.fullName())},
+              {"kind", kindName(type.kind())},
+              {"constructor", argumentsJson(type.typeNode()->constructorArguments())},
+              {"attributes", attributes}};
 }
 
 Answer Verbs::complete(Request const& request) {
   request.checkMembers({"path", "type", "handler"});
   if (auto const type = request.optionalString("type")) return typeNames(*type);
   if (auto const handler = request.optionalString("handler")) {
-    return handlerNames(served_.roots(), *handler);
+    return handlerNames(agent_.roots(), *handler);
   }
   std::string const path = request.string("path");
-  Continuations all = continuations(served_.roots(), path);
+  Continuations all = continuations(agent_.roots(), path);
   auto result = std::make_unique<PiecewiseResult>();
   result->add("[");
-  result->add(forEachKey(std::move(all.names), [path, before = std::move(all.before)](
-                                                   Items& items, Mox::String8 const& name) {
+  result->addItems(std::move(all.names), [&list = *result, path, before = std::move(all.before)](
+                                             Mox::String8 const& name) {
     std::string const whole = before + std::string(name.view());
-    if (whole.starts_with(path)) items.add(whole);
-  }));
+    if (whole.starts_with(path)) list.item(whole);
+  });
   result->add("]");
   return result;
 }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "agent/access/ControlError.h"
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 #include "agent/wire/NearMatch.h"
 
 namespace Kest::Agent {

@@ -3,8 +3,9 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <utility>
 
-#include "agent/access/GenericJson.h"
+#include "agent/verbs/Answer.h"
 
 namespace Kest::Agent {
 
@@ -13,7 +14,10 @@ namespace Kest::Agent {
 class Request {
  public:
   /// @param json an object, which must outlive this
-  explicit Request(Json const& json) : json_(json) {}
+  /// @param later takes a result that comes after the answer
+  explicit Request(Json const& json, Later later = {}) : json_(json), later_(std::move(later)) {}
+
+  Later const& later() const noexcept { return later_; }
 
   /// Refuses members besides these, `verb` and `id`.
   void checkMembers(std::initializer_list<char const*> known) const;
@@ -27,6 +31,7 @@ class Request {
 
  private:
   Json const& json_;
+  Later later_;
 };
 
 }  // namespace Kest::Agent

@@ -2,13 +2,11 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "agent/access/ControlError.h"
 #include "agent/rules/ChangeRules.h"
-#include "agent/slice/Changes.h"
-#include "agent/slice/SliceReader.h"
+#include "agent/slice/Comparison.h"
+#include "agent/slice/SliceForm.h"
 #include "agent/slice/SliceWriter.h"
 #include "agent/verbs/PiecewiseResult.h"
-#include "agent/verbs/Refusal.h"
 #include "agent/verbs/Verbs.h"
 
 /// Whole slice files.
@@ -35,11 +33,7 @@ class SliceWork : public LongResult {
   /// Bytes of the file, before the first `goOn`; or all of them, for `goOn` to read.
   void take(std::string_view bytes) {
     uploaded_ += bytes.size();
-    try {
-      reader_->take(bytes);
-    } catch (std::exception const&) {
-      throw currentRefusal();
-    }
+    reader_->take(bytes);
   }
   void contentIs(std::string content) { content_ = std::move(content); }
 
@@ -50,15 +44,11 @@ class SliceWork : public LongResult {
   }
 
   Progress goOn(std::string& text) override {
-    try {
-      if (!reader_) return carryOn(text);
-      if (readOn()) return Progress::more;
-      begin(reader_->slice());
-      reader_ = nullptr;
-      return Progress::more;
-    } catch (std::exception const&) {
-      throw currentRefusal();
-    }
+    if (!reader_) return carryOn(text);
+    if (readOn()) return Progress::more;
+    begin(reader_->slice());
+    reader_ = nullptr;
+    return Progress::more;
   }
 
  protected:
@@ -168,12 +158,8 @@ class DumpWork final : public LongResult {
   Progress goOn(std::string& text) override {
     std::string lines;
     if (isOnTrial_) {
-      try {
-        isOnTrial_ = trial_.goOn(lines);
-        return Progress::more;
-      } catch (std::exception const&) {
-        throw currentRefusal();
-      }
+      isOnTrial_ = trial_.goOn(lines);
+      return Progress::more;
     }
     bool const isMore = writer_.goOn(lines);
     std::string const piece = jsonText(lines);
@@ -200,26 +186,26 @@ Json appliedJson(Applied const& applied) {
 
 }  // namespace
 
-Answer Verbs::apply(Request const& request, Later later) {
+Answer Verbs::apply(Request const& request) {
   checkIdle();
-  auto apply = [this, file = request.string("file"), later = std::move(later)](Slice wanted) {
+  auto apply = [this, file = request.string("file"), later = request.later()](Slice wanted) {
     checkIdle();
-    checkApply(*wanted.config, *served_.config, *served_.status);
-    served_.apply(file, std::move(wanted),
-                  [later](Applied const& applied) { later(appliedJson(applied)); });
+    checkApply(*wanted.config, *agent_.config, *agent_.status);
+    agent_.apply(file, std::move(wanted),
+                 [later](Applied const& applied) { later(appliedJson(applied)); });
   };
   return answerOf(request, std::make_unique<ApplyWork>(request, std::move(apply)));
 }
 
 Answer Verbs::diff(Request const& request) {
-  return answerOf(request, std::make_unique<DiffWork>(request, served_.config));
+  return answerOf(request, std::make_unique<DiffWork>(request, agent_.config));
 }
 
 Answer Verbs::dump(Request const& request) {
   request.checkMembers({"format"});
   bool const isJson = request.oneOf("format", {"slice", "json"}) == "json";
   return std::unique_ptr<LongResult>(std::make_unique<DumpWork>(
-      served_.config, served_.handles.paths(), isJson ? SliceForm::json : SliceForm::statements));
+      agent_.config, agent_.handles.paths(), isJson ? SliceForm::json : SliceForm::statements));
 }
 
 }  // namespace Kest::Agent

@@ -2,14 +2,11 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <type_traits>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "agent/access/ControlError.h"
-#include "agent/access/Text.h"
-#include "agent/verbs/Refusal.h"
+#include "agent/access/ValueText.h"
 #include "agent/wire/NearMatch.h"
 #include "platform/mox/Trace.h"
 
@@ -17,15 +14,11 @@ namespace Kest::Agent {
 
 using Wire::ErrorKind;
 
-/// One verb. It changes something always, or only when the request has one of some members.
 struct Verbs::Verb {
-  using Now = Json (Verbs::*)(Request const&);
-  using InPieces = Answer (Verbs::*)(Request const&);
-  using Longer = Answer (Verbs::*)(Request const&, Later);
-
   char const* name;
-  bool (*changes)(Request const& request);  // or takes as long as the whole state is large
-  std::variant<Now, InPieces, Longer> carryOut;
+  /// Whether the request changes something, or takes as long as the whole state is large.
+  bool (*changes)(Request const& request);
+  Answer (Verbs::*carryOut)(Request const& request);
 };
 
 std::span<Verbs::Verb const> Verbs::all() {
@@ -61,7 +54,7 @@ std::span<Verbs::Verb const> Verbs::all() {
 }
 
 Answer Verbs::carryOut(Json const& json, bool mayChange, Later later) {
-  Request const request(json);
+  Request const request(json, std::move(later));
   std::string const name = request.string("verb");
   auto const verb = std::find_if(all().begin(), all().end(),
                                  [&](Verb const& candidate) { return candidate.name == name; });
@@ -77,30 +70,18 @@ Answer Verbs::carryOut(Json const& json, bool mayChange, Later later) {
         ErrorKind::denied,
         "'" + name + "' changes the agent or holds it up: only root and the agent's user may");
   }
-  try {
-    return std::visit(
-        [&](auto operation) -> Answer {
-          if constexpr (std::is_same_v<decltype(operation), Verb::Longer>) {
-            return (this->*operation)(request, std::move(later));
-          } else {
-            return (this->*operation)(request);
-          }
-        },
-        verb->carryOut);
-  } catch (std::exception const&) {
-    throw currentRefusal();
-  }
+  return (this->*verb->carryOut)(request);
 }
 
 void Verbs::checkIdle() const {
-  if (!served_.isApplying()) return;
+  if (!agent_.isApplying()) return;
   throw ControlError(ErrorKind::busy, "a slice file is being applied: try again when it is done");
 }
 
-Json Verbs::trace(Request const& request) {
+Answer Verbs::trace(Request const& request) {
   request.checkMembers({"setting"});
   if (auto const setting = request.optionalString("setting")) Mox::traceSettingIs(*setting);
-  return {{"setting", std::string(Mox::traceSetting().view())}};
+  return Json{{"setting", std::string(Mox::traceSetting().view())}};
 }
 
 }  // namespace Kest::Agent

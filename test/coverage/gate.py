@@ -19,7 +19,7 @@ WHOLE = re.compile(
     r"|platform/(mox/(Strep|String8|Trace)\.|pelk/|detail/EnumText)"
     r"|model/(DeviceState\.|detail/RecordText)"
     r"|driver/sim/(ChangeLine|FaultFile|JsonString|JsonTree|StateReader|StateText)"
-    r"|agent/(slice/(?!Application|Changes)\w+|rules/SliceRules|access/(JsonText|Place)|control/RequestText"
+    r"|agent/(slice/(?!RollOut|Comparison)\w+|rules/SliceRules|access/(JsonText|Target)|control/RequestText"
     r"|verbs/Request)\.")
 
 LISTED = "test/coverage/compiler-branches"

@@ -339,13 +339,13 @@ class ServedScene {
       Hardware::Kest::Slice::kestSliceDmaSmFactory(config, status_)};
   DriverLibrary driver_{"sim"};
   PciHandles handles_;
-  Served served_{config,
-                 status_,
-                 sm_,
-                 driver_,
-                 handles_,
-                 [] { return false; },
-                 [](std::string const&, Slice, std::function<void(Applied)> const&) {}};
+  RunningAgent served_{config,
+                       status_,
+                       sm_,
+                       driver_,
+                       handles_,
+                       [] { return false; },
+                       [](std::string const&, Slice, std::function<void(Applied)> const&) {}};
   std::optional<Client> client_;
   std::unique_ptr<ControlServer> server_;
 };

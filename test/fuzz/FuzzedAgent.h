@@ -8,7 +8,7 @@
 #include "agent/control/ControlServer.h"
 #include "agent/show/Differences.h"
 #include "agent/show/StatusReport.h"
-#include "agent/slice/Application.h"
+#include "agent/slice/RollOut.h"
 #include "platform/mox/Trace.h"
 #include "test/fuzz/Machine.h"
 #include "test/fuzz/SocketFolder.h"
@@ -38,7 +38,7 @@ class FuzzedAgent {
   std::string socket() const { return folder_.socket(); }
   void round() { loop_.runOnce(0); }
   std::size_t connections() const { return server_.connections(); }
-  bool isApplying() const { return application_.isRunning(); }
+  bool isApplying() const { return rollOut_.isRunning(); }
   /// Whether configuration, status and driver agree.
   bool isClean() const {
     Kest::Agent::DriverView const driver(driver_);
@@ -67,7 +67,7 @@ class FuzzedAgent {
     wanted.handles.enterTree();
     wanted.handles.succeed(handles_);
     handles_ = std::move(wanted.handles);
-    application_.start(
+    rollOut_.start(
         wanted.config, [](Kest::Agent::Changes const&) { return true; },
         [this, done = std::move(done)](std::size_t announced, std::size_t unchanged) {
           done({announced, unchanged, Kest::Agent::notUp(*config_, *status_)});
@@ -82,16 +82,16 @@ class FuzzedAgent {
   Mox::Ptr<Machine::Config> config_{new Machine::Config("config")};
   Mox::Ptr<Machine::Status> status_{new Machine::Status("status")};
   Kest::Agent::PciHandles handles_;
-  Kest::Agent::Application application_{loop_, console_, config_, false};
-  Kest::Agent::Served served_{config_,
-                              status_,
-                              nullptr,
-                              driver_,
-                              handles_,
-                              [this] { return isApplying(); },
-                              [this](std::string const&, Slice slice, auto done) {
-                                apply(std::move(slice), std::move(done));
-                              }};
+  Kest::Agent::RollOut rollOut_{loop_, console_, config_, false};
+  Kest::Agent::RunningAgent served_{config_,
+                                    status_,
+                                    nullptr,
+                                    driver_,
+                                    handles_,
+                                    [this] { return isApplying(); },
+                                    [this](std::string const&, Slice slice, auto done) {
+                                      apply(std::move(slice), std::move(done));
+                                    }};
   Kest::Agent::ControlServer server_{loop_, folder_.socket(), served_};
 };
 

@@ -2,7 +2,7 @@
 
 #include "agent/access/Collections.h"
 #include "agent/show/StatusReport.h"
-#include "agent/slice/Changes.h"
+#include "agent/slice/Comparison.h"
 #include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
 #include "agent/slice/SliceWriter.h"

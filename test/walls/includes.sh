@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # includes.sh ROOT: every include in the repository at ROOT stays on its floor or goes down, is written
-# from the repository's root, and leaves the platform's details alone; every header can be included
-# twice. Each defect is a line `file:line: what`.
+# from the repository's root, leaves the platform's details alone and forms no circle; every header can
+# be included twice. Each defect is a line `file:line: what`.
 set -euo pipefail
 export LC_ALL=C
 
@@ -69,5 +69,10 @@ for folder in "${folders[@]}" test bench fuzz; do
     defect "$file:1: no #pragma once"
   done < <(grep -rLE --include='*.h' --include='*.h.in' '^#pragma once$' "$folder" | sort)
 done
+
+# No file includes another one that leads back to it. A header and its source count as one file.
+circles=$(sed -nE 's,^([^:]+)\.(h|cpp|in):.*["<]([^">]+)\.h[">].*,\1 \3,p' <<<"$includes" |
+  grep -vE '^(platform|driver/sim)/' | tsort 2>&1 >/dev/null) ||
+  defect "these files include each other: $(sed -n 's/^tsort: \(.*[^:]\)$/\1/p' <<<"$circles" | paste -sd ' ')"
 
 ((defects == 0)) || { echo "$defects defects"; exit 1; }

@@ -284,7 +284,7 @@ TEST_F(Verify, SaysWhatADriverThatTellsLittleLeavesUncompared) {
   DriverLibrary const bare(KEST_DRIVER_BARE);
   Mox::Ptr<Config> const wanted(new Config("config"));
   Mox::Ptr<Status> const done(new Status("status"));
-  Served const little{wanted, done, nullptr, bare, handles, served.isApplying, served.apply};
+  RunningAgent const little{wanted, done, nullptr, bare, handles, served.isApplying, served.apply};
   auto const verified = [&] {
     return whole(Verbs(little).carryOut({{"verb", "verify"}}, false, nullptr), {});
   };

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "agent/slice/SliceReader.h"
+#include "agent/slice/SliceForm.h"
 #include "agent/slice/SliceStatements.h"
 #include "platform/mox/RangeException.h"
 #include "test/agent/support/SliceTexts.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
-#include "agent/slice/SliceReader.h"
+#include "agent/slice/SliceForm.h"
 #include "platform/mox/Dir.h"
 #include "platform/mox/RangeException.h"
 #include "test/agent/support/SliceTexts.h"

@@ -6,7 +6,7 @@
 #include <random>
 #include <sstream>
 
-#include "agent/slice/Changes.h"
+#include "agent/slice/Comparison.h"
 #include "platform/mox/Dir.h"
 #include "platform/mox/RangeException.h"
 #include "test/agent/support/SliceTexts.h"

@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "agent/control/Refusal.h"
 #include "agent/control/RequestText.h"
 #include "agent/show/StatusReport.h"
-#include "agent/slice/Changes.h"
-#include "agent/verbs/Refusal.h"
+#include "agent/slice/Comparison.h"
 #include "agent/verbs/Verbs.h"
 #include "driver/sim/SimDriver.h"
 #include "test/agent/support/SliceTexts.h"
@@ -94,15 +94,16 @@ class ServedAgent : public testing::Test {
       Hardware::Kest::Slice::kestSliceDmaSmFactory(config, status)};
   PciHandles handles;
   bool applying = false;
-  Served served{config,
-                status,
-                sm,
-                driver,
-                handles,
-                [this] { return applying; },
-                [this](std::string const& file, Slice wanted, std::function<void(Applied)> done) {
-                  done(apply(file, std::move(wanted)));
-                }};
+  RunningAgent served{
+      config,
+      status,
+      sm,
+      driver,
+      handles,
+      [this] { return applying; },
+      [this](std::string const& file, Slice wanted, std::function<void(Applied)> done) {
+        done(apply(file, std::move(wanted)));
+      }};
   Verbs verbs{served};
 };
 

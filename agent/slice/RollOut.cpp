@@ -1,34 +1,33 @@
-#include "agent/slice/Application.h"
+#include "agent/slice/RollOut.h"
 
 #include <utility>
 
 namespace Kest::Agent {
 
-Application::Application(Mox::ActivityLoop& loop, Console& console, Mox::Ptr<Config> config,
-                         bool verbose)
+RollOut::RollOut(Mox::ActivityLoop& loop, Console& console, Mox::Ptr<Config> config, bool verbose)
     : loop_(loop), console_(console), config_(std::move(config)), verbose_(verbose) {}
 
-void Application::start(Mox::Ptr<Config const> wanted, Decide decide, Done done) {
+void RollOut::start(Mox::Ptr<Config const> wanted, Decide decide, Done done) {
   comparison_ = std::make_unique<Comparison>(config_, std::move(wanted));
   decide_ = std::move(decide);
   done_ = std::move(done);
-  later(&Application::compare);
+  later(&RollOut::compare);
   running_ = true;
 }
 
-void Application::abandon() {
+void RollOut::abandon() {
   changes_ = {};
   running_ = false;
 }
 
-void Application::later(Work work) {
+void RollOut::later(Work work) {
   loop_.later([this, work] {
     if (running_) (this->*work)();
   });
 }
 
-void Application::compare() {
-  if (comparison_->goOn()) return later(&Application::compare);
+void RollOut::compare() {
+  if (comparison_->goOn()) return later(&RollOut::compare);
   auto const comparison = std::move(comparison_);
   Decide const decide = std::move(decide_);
   if (decide(comparison->changes())) return begin(std::move(comparison->changes()));
@@ -36,14 +35,14 @@ void Application::compare() {
   running_ = false;
 }
 
-void Application::begin(Changes changes) {
+void RollOut::begin(Changes changes) {
   changes_ = std::move(changes);
   stepsTotal_ = changes_.steps.size();
   portsDone_ = 0;
   step();
 }
 
-void Application::step() {
+void RollOut::step() {
   if (changes_.steps.empty()) {
     running_ = false;
     Done const done = std::move(done_);  // it may start on further changes
@@ -54,10 +53,10 @@ void Application::step() {
   show(change);
   change.apply(*config_);
   if (change.createsPort) ++portsDone_;
-  later(&Application::step);
+  later(&RollOut::step);
 }
 
-void Application::show(Change const& change) {
+void RollOut::show(Change const& change) {
   if (verbose_) console_.line("config  " + change.text);
   console_.progress("ports", portsDone_, changes_.portsSet, change.text);
 }

@@ -1,4 +1,4 @@
-#include "agent/control/Places.h"
+#include "agent/control/Admission.h"
 
 #include <algorithm>
 
@@ -15,11 +15,11 @@ std::string full(std::string const& whose) {
 }  // namespace
 
 /// Where descriptors are few, not all places are kept.
-std::size_t Places::kept() const noexcept {
+std::size_t Admission::kept() const noexcept {
   return std::min(Wire::connectionsKept, all_ / 2);
 }
 
-std::string Places::refusal(Peer const& peer) const {
+std::string Admission::refusal(Peer const& peer) const {
   if (trusted_ + others_ >= all_) return full(std::to_string(all_) + " connections");
   if (peer.mayChange) return "";
   auto const known = byUser_.find(peer.user);
@@ -31,7 +31,7 @@ std::string Places::refusal(Peer const& peer) const {
   return full(std::to_string(others_) + " connections of users who may only read");
 }
 
-void Places::take(Peer const& peer) {
+void Admission::admit(Peer const& peer) {
   if (peer.mayChange) {
     ++trusted_;
   } else {
@@ -40,7 +40,7 @@ void Places::take(Peer const& peer) {
   }
 }
 
-void Places::giveBack(Peer const& peer) noexcept {
+void Admission::leave(Peer const& peer) noexcept {
   if (peer.mayChange) {
     --trusted_;
     return;

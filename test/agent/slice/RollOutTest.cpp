@@ -1,4 +1,4 @@
-#include "agent/slice/Application.h"
+#include "agent/slice/RollOut.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +9,10 @@
 namespace Kest::Agent {
 namespace {
 
-class ApplicationTest : public testing::Test {
+class RollOutTest : public testing::Test {
  protected:
   void start(std::string const& text) {
-    application.start(
+    rollOut.start(
         parseSlice("slice", text).config, [this](Changes const&) { return mayApply; },
         [this](std::size_t announced, std::size_t unchanged) {
           done += std::to_string(announced) + "/" + std::to_string(unchanged) + " ";
@@ -23,12 +23,12 @@ class ApplicationTest : public testing::Test {
   Console console{out, false, false};
   Mox::ActivityLoop loop{nullptr};
   Mox::Ptr<Config> config{new Config("config")};
-  Application application{loop, console, config, true};
+  RollOut rollOut{loop, console, config, true};
   bool mayApply = true;
   std::string done;  // changes that were announced / entries that were alike
 };
 
-TEST_F(ApplicationTest, AppliesOneChangeARound) {
+TEST_F(RollOutTest, AppliesOneChangeARound) {
   start("nativeVlan 'et1' 1\nnativeVlan 'et2' 2");
   EXPECT_EQ(out.str(), "") << "whoever starts it may still be at work";
   loop.runOnce(0);
@@ -36,23 +36,23 @@ TEST_F(ApplicationTest, AppliesOneChangeARound) {
   EXPECT_EQ(entriesOf(*config), (Entries{"nativeVlan 'et1' 1"}));
   loop.runOnce(0);
   EXPECT_EQ(entriesOf(*config), (Entries{"nativeVlan 'et1' 1", "nativeVlan 'et2' 2"}));
-  EXPECT_TRUE(application.isRunning());
+  EXPECT_TRUE(rollOut.isRunning());
   EXPECT_EQ(done, "");
   loop.runOnce(0);
-  EXPECT_FALSE(application.isRunning());
+  EXPECT_FALSE(rollOut.isRunning());
   EXPECT_EQ(done, "2/0 ");
   loop.runOnce(0);
   EXPECT_EQ(done, "2/0 ");
 }
 
-TEST_F(ApplicationTest, IsDoneWhenNothingDiffers) {
+TEST_F(RollOutTest, IsDoneWhenNothingDiffers) {
   start("");
   loop.runOnce(0);
-  EXPECT_FALSE(application.isRunning());
+  EXPECT_FALSE(rollOut.isRunning());
   EXPECT_EQ(done, "0/0 ");
 }
 
-TEST_F(ApplicationTest, ComparesInPiecesBetweenWhichOthersGetTheirTurn) {
+TEST_F(RollOutTest, ComparesInPiecesBetweenWhichOthersGetTheirTurn) {
   constexpr int ports = 10000;
   std::string text;
   for (int port = 0; port < ports; ++port) {
@@ -61,43 +61,43 @@ TEST_F(ApplicationTest, ComparesInPiecesBetweenWhichOthersGetTheirTurn) {
   }
   start(text);
   int rounds = 0;
-  for (; application.isRunning(); ++rounds) loop.runOnce(0);
+  for (; rollOut.isRunning(); ++rounds) loop.runOnce(0);
   EXPECT_GT(rounds, 50);
   EXPECT_LT(rounds, ports / 10);
   EXPECT_EQ(done, "0/10000 ");
 }
 
-TEST_F(ApplicationTest, AppliesNothingThatIsRefused) {
+TEST_F(RollOutTest, AppliesNothingThatIsRefused) {
   mayApply = false;
   start("nativeVlan 'et1' 1");
   loop.runOnce(0);
   EXPECT_EQ(entriesOf(*config), Entries());
-  EXPECT_FALSE(application.isRunning());
+  EXPECT_FALSE(rollOut.isRunning());
   EXPECT_EQ(done, "");
 }
 
-TEST_F(ApplicationTest, MayStartAgainFromItsEnd) {
+TEST_F(RollOutTest, MayStartAgainFromItsEnd) {
   auto const anything = [](Changes const&) { return true; };
-  application.start(parseSlice("slice", "").config, anything,
-                    [&, last = std::string("nativeVlan 'et1' 1")](std::size_t, std::size_t) {
-                      start("nativeVlan 'et1' 1");
-                      loop.runOnce(0);
-                      EXPECT_EQ(entriesOf(*config), (Entries{last}))
-                          << "the work that runs was destroyed";
-                    });
+  rollOut.start(parseSlice("slice", "").config, anything,
+                [&, last = std::string("nativeVlan 'et1' 1")](std::size_t, std::size_t) {
+                  start("nativeVlan 'et1' 1");
+                  loop.runOnce(0);
+                  EXPECT_EQ(entriesOf(*config), (Entries{last}))
+                      << "the work that runs was destroyed";
+                });
   loop.runOnce(0);
   EXPECT_EQ(done, "");
   loop.runOnce(0);
   EXPECT_EQ(done, "1/0 ");
 }
 
-TEST_F(ApplicationTest, AppliesNothingMoreOnceAbandoned) {
+TEST_F(RollOutTest, AppliesNothingMoreOnceAbandoned) {
   start("nativeVlan 'et1' 1\nnativeVlan 'et2' 2");
   loop.runOnce(0);
-  application.abandon();
+  rollOut.abandon();
   loop.runOnce(0);
   EXPECT_EQ(entriesOf(*config), (Entries{"nativeVlan 'et1' 1"}));
-  EXPECT_FALSE(application.isRunning());
+  EXPECT_FALSE(rollOut.isRunning());
   EXPECT_EQ(done, "");
 }
 

@@ -1,4 +1,4 @@
-#include "agent/slice/Changes.h"
+#include "agent/slice/Comparison.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "agent/process/Console.h"
-#include "agent/slice/Changes.h"
+#include "agent/slice/Comparison.h"
 #include "platform/mox/ActivityLoop.h"
 
 namespace Kest::Agent {
@@ -14,14 +14,14 @@ namespace Kest::Agent {
 /// Brings the running configuration in line with another one: compares the two in pieces, and
 /// applies the changes one at a time, a round of the activity loop each, so that signals, timers
 /// and clients come in between. A port takes the driver 100 ms or more.
-class Application {
+class RollOut {
  public:
   /// Told what is to change, before anything does; false when it is not to be applied.
   using Decide = std::function<bool(Changes const& changes)>;
   /// Told how many changes were applied, and how many entries were alike.
   using Done = std::function<void(std::size_t announced, std::size_t unchanged)>;
 
-  Application(Mox::ActivityLoop& loop, Console& console, Mox::Ptr<Config> config, bool verbose);
+  RollOut(Mox::ActivityLoop& loop, Console& console, Mox::Ptr<Config> config, bool verbose);
 
   bool isRunning() const noexcept { return running_; }
 
@@ -33,7 +33,7 @@ class Application {
   void abandon();
 
  private:
-  using Work = void (Application::*)();
+  using Work = void (RollOut::*)();
 
   void later(Work work);
   void compare();

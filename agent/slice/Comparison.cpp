@@ -1,10 +1,10 @@
-#include "agent/slice/Changes.h"
+#include "agent/slice/Comparison.h"
 
 #include <type_traits>
 #include <utility>
 
 #include "agent/access/Collections.h"
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 
 namespace Kest::Agent {
 
@@ -37,7 +37,7 @@ bool isReregistered(Config::Device const* before, Config::Device const& now) {
 
 Comparison::Comparison(Mox::Ptr<Config const> running, Mox::Ptr<Config const> wanted)
     : running_(std::move(running)), wanted_(std::move(wanted)) {
-  steps_.add([this] {
+  work_.add([this] {
     compareSliceId();
     return false;
   });
@@ -54,7 +54,7 @@ Comparison::Comparison(Mox::Ptr<Config const> running, Mox::Ptr<Config const> wa
 }
 
 bool Comparison::goOn() {
-  return steps_.take(keysAtOnce);
+  return work_.take(keysAtOnce);
 }
 
 void Comparison::compareSliceId() {
@@ -74,14 +74,14 @@ void Comparison::removals() {
   };
   OrderedKeys keys;
   keys.add<Collection>(running_);
-  steps_.addVisits(std::move(keys), compareKey);
+  work_.addVisits(std::move(keys), compareKey);
 }
 
 template <class Collection>
 void Comparison::settings() {
   OrderedKeys keys;
   keys.add<Collection>(wanted_);
-  steps_.addVisits(std::move(keys), [this](Mox::String8 const& key) { compare<Collection>(key); });
+  work_.addVisits(std::move(keys), [this](Mox::String8 const& key) { compare<Collection>(key); });
 }
 
 template <class Collection>

@@ -1,4 +1,6 @@
-#include "agent/verbs/Refusal.h"
+#include "agent/control/Refusal.h"
+
+#include <new>
 
 #include "agent/process/DriverLibrary.h"
 #include "agent/slice/FileError.h"
@@ -7,9 +9,9 @@
 
 namespace Kest::Agent {
 
-using Wire::ErrorKind;
-
 namespace {
+
+using Wire::ErrorKind;
 
 /// The kind of error that a refusal of generic access is to a client.
 ErrorKind kindOf(Mox::GenericAccessException const& refused) {
@@ -44,6 +46,10 @@ ControlError currentRefusal() {
     return {ErrorKind::file, refused.what()};
   } catch (DriverError const& refused) {
     return {ErrorKind::refused, refused.what()};
+  } catch (std::bad_alloc const&) {
+    throw;
+  } catch (std::exception const& failed) {
+    return {ErrorKind::internal, failed.what()};
   }
 }
 

@@ -5,8 +5,8 @@
 #include <functional>
 #include <string>
 
-#include "agent/access/Steps.h"
-#include "agent/slice/SliceFile.h"
+#include "agent/access/Entities.h"
+#include "agent/access/PiecewiseWork.h"
 
 namespace Kest::Agent {
 
@@ -50,7 +50,7 @@ class Comparison {
   bool goOn();
 
   /// About how many bytes of memory the keys take that are still to be compared.
-  std::size_t held() const { return steps_.held(); }
+  std::size_t held() const { return work_.held(); }
 
   /// What has been found. The steps may be taken out as they are found.
   Changes& changes() noexcept { return changes_; }
@@ -71,7 +71,7 @@ class Comparison {
   Mox::Ptr<Config const> running_;
   Mox::Ptr<Config const> wanted_;
   Changes changes_;
-  Steps steps_;
+  PiecewiseWork work_;
 };
 
 /// All of them at once.

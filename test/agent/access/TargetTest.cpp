@@ -1,4 +1,4 @@
-#include "agent/access/Place.h"
+#include "agent/access/Target.h"
 
 #include "platform/mox/GenericValue.h"
 #include "test/agent/support/ServedAgent.h"
@@ -30,14 +30,14 @@ class PathTo : public ServedAgent {
   /// Where a path leads, as "attribute[key]:field = text form"; or the refusal.
   std::string at(std::string const& path) {
     try {
-      Place const place = placeAt(served.roots(), path);
-      EXPECT_EQ(place.path, path);
+      Target const target = targetAt(served.roots(), path);
+      EXPECT_EQ(target.path, path);
       std::string text;
-      if (place.attribute != nullptr) text += place.attribute->name.view();
-      if (place.key) text += "[" + std::string(place.key->view()) + "]";
-      if (place.field != nullptr) text += ":" + std::string(place.field->name.view());
-      if (place.isWholeCollection()) return text + " of " + place.object->strRep().charPtr();
-      auto const value = place.read();
+      if (target.attribute != nullptr) text += target.attribute->name.view();
+      if (target.key) text += "[" + std::string(target.key->view()) + "]";
+      if (target.field != nullptr) text += ":" + std::string(target.field->name.view());
+      if (target.isWholeCollection()) return text + " of " + target.object->strRep().charPtr();
+      auto const value = target.read();
       return text + " = " + (value ? value->strRep().charPtr() : "nothing");
     } catch (ControlError const& refused) {
       EXPECT_EQ(refused.kind(), Wire::ErrorKind::path);

@@ -12,15 +12,15 @@ namespace Kest::Agent {
 
 /// How many connections there are, and may be. Some are kept for those who may change the agent; no
 /// other user gets more than a few.
-class Places {
+class Admission {
  public:
   /// @param all at most `Wire::mostConnections`
-  explicit Places(std::size_t all) noexcept : all_(all) {}
+  explicit Admission(std::size_t all) noexcept : all_(all) {}
 
   /// Why there is no place for one more; empty when there is.
   std::string refusal(Peer const& peer) const;
-  void take(Peer const& peer);
-  void giveBack(Peer const& peer) noexcept;
+  void admit(Peer const& peer);
+  void leave(Peer const& peer) noexcept;
 
  private:
   std::size_t kept() const noexcept;

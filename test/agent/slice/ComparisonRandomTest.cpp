@@ -6,7 +6,7 @@
 #include <set>
 
 #include "agent/show/StatusReport.h"
-#include "agent/slice/Changes.h"
+#include "agent/slice/Comparison.h"
 #include "driver/sim/SimDriver.h"
 #include "sm/KestSliceDmaSm.h"
 #include "test/agent/support/SliceTexts.h"

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "agent/access/Place.h"
+#include "agent/access/Target.h"
 #include "agent/process/DriverLibrary.h"
-#include "agent/slice/SliceFile.h"
+#include "agent/slice/Slice.h"
 #include "sm/KestSliceDmaSm.h"
 
 namespace Kest::Agent {
@@ -20,7 +20,7 @@ struct Applied {
 };
 
 /// What the verbs of the control protocol work on: the running agent.
-struct Served {
+struct RunningAgent {
   Mox::Ptr<Config> config;
   Mox::Ptr<Status> status;
   Mox::Ptr<Hardware::Kest::Slice::KestSliceDmaSm> sm;

@@ -1,10 +1,10 @@
-#include "agent/access/Place.h"
+#include "agent/access/Target.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "agent/access/ControlError.h"
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 #include "agent/wire/NearMatch.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "platform/mox/GenericValue.h"
@@ -62,20 +62,20 @@ std::string shown(std::string_view name) {
 class Walk {
  public:
   Walk(std::vector<Root> const& roots, std::string_view path) : rest_(path) {
-    place_.path = std::string(path);
+    target_.path = std::string(path);
     start(roots);
   }
 
   /// Where the path leads.
-  Place whole() {
+  Target whole() {
     while (!done_) atKey() ? entry() : step();
-    return std::move(place_);
+    return std::move(target_);
   }
 
   Continuations continuations() {
     while (!atKey() && rest_.find('/') != std::string_view::npos) step();
-    if (place_.attribute != nullptr && !atKey()) follow();
-    return {place_.path.substr(0, place_.path.size() - rest_.size()),
+    if (target_.attribute != nullptr && !atKey()) follow();
+    return {target_.path.substr(0, target_.path.size() - rest_.size()),
             atKey() ? keys() : listed(attributes())};
   }
 
@@ -85,7 +85,7 @@ class Walk {
     std::size_t const slash = rest_.find('/');
     std::string_view const name = rest_.substr(0, slash);
     done_ = slash == std::string_view::npos;
-    walked_ = place_.path.substr(0, place_.path.size() - rest_.size());
+    walked_ = target_.path.substr(0, target_.path.size() - rest_.size());
     rest_.remove_prefix(done_ ? rest_.size() : slash + 1);
     return name;
   }
@@ -102,41 +102,34 @@ class Walk {
       leadsNowhere("a path begins with one of " + expected + ", not with " + shown(name), name,
                    names(roots));
     }
-    place_.object = root->adapter();
+    target_.object = root->adapter();
   }
 
   void step() {
-    if (place_.attribute != nullptr) follow();
+    if (target_.attribute != nullptr) follow();
     std::string_view const name = next();
-    for (Mox::Attribute const& attribute : attributesOf(*place_.object)) {
-      if (attribute.name == name) place_.attribute = &attribute;
+    for (Mox::Attribute const& attribute : attributesOf(*target_.object)) {
+      if (attribute.name == name) target_.attribute = &attribute;
     }
-    if (place_.attribute == nullptr) {
+    if (target_.attribute == nullptr) {
       leadsNowhere(owner() + " has no attribute " + shown(name), name,
-                   attributeNames(*place_.object));
+                   attributeNames(*target_.object));
     }
   }
 
   /// What is left of the path is a key.
-  bool atKey() const { return place_.isWholeCollection(); }
+  bool atKey() const { return target_.isWholeCollection(); }
 
   OrderedKeys keys() const {
-    std::shared_ptr<Mox::AttributeIterator> const it =
-        place_.object->attributeIteratorConst(place_.attribute->id);
     OrderedKeys all;
-    all.add([it]() -> std::optional<String8> {
-      if (!*it) return std::nullopt;
-      String8 const key = *Mox::genericVal<String8>(it->key().get());
-      ++*it;
-      return key;
-    });
+    all.add(target_.object->attributeIteratorConst(target_.attribute->id));
     return all;
   }
 
   /// A collection's name with the slash behind it: alone it says nothing of an entry.
   std::vector<std::string> attributes() const {
     std::vector<std::string> all;
-    for (Mox::Attribute const& attribute : attributesOf(*place_.object)) {
+    for (Mox::Attribute const& attribute : attributesOf(*target_.object)) {
       bool const isCollection = attribute.introspectionClass == IntrospectionClass::collection;
       all.push_back(std::string(attribute.name.view()) + (isCollection ? "/" : ""));
     }
@@ -148,38 +141,38 @@ class Walk {
 
   /// Goes on to what the attribute refers to.
   void follow() {
-    bool const isData = place_.attribute->introspectionClass == IntrospectionClass::scalar;
-    Generic value = isData ? place_.read() : nullptr;
+    bool const isData = target_.attribute->introspectionClass == IntrospectionClass::scalar;
+    Generic value = isData ? target_.read() : nullptr;
     auto* const reference = dynamic_cast<Mox::GenericIfPtrInterface*>(value.get());
     if (reference == nullptr || !reference->object()) {
       throw ControlError(
           Wire::ErrorKind::path,
-          nameText(String8(place_.path.substr(0, place_.path.size() - rest_.size() - 1))) +
+          nameText(String8(target_.path.substr(0, target_.path.size() - rest_.size() - 1))) +
               " leads no further: it refers to nothing");
     }
-    place_.object = std::move(value);
-    place_.attribute = nullptr;
+    target_.object = std::move(value);
+    target_.attribute = nullptr;
   }
 
   /// The rest is a key; or, if there is no such entry, the key of one that is there, a colon, and
   /// the name of a field.
   void entry() {
     done_ = true;
-    place_.key = String8(rest_);
+    target_.key = String8(rest_);
     std::size_t const colon = rest_.rfind(':');
-    if (colon == std::string_view::npos || place_.read() != nullptr) return;
-    Mox::TypeNode const& node = *place_.attribute->type->typeNode();
+    if (colon == std::string_view::npos || target_.read() != nullptr) return;
+    Mox::TypeNode const& node = *target_.attribute->type->typeNode();
     Mox::Attribute const* const field = node.attribute(String8(rest_.substr(colon + 1)));
     if (field == nullptr) return;
-    String8 const whole = std::exchange(*place_.key, String8(rest_.substr(0, colon)));
-    if (place_.read() != nullptr) {
-      place_.field = field;
+    String8 const whole = std::exchange(*target_.key, String8(rest_.substr(0, colon)));
+    if (target_.read() != nullptr) {
+      target_.field = field;
     } else {
-      place_.key = whole;
+      target_.key = whole;
     }
   }
 
-  Place place_;
+  Target target_;
   std::string_view rest_;
   std::string walked_;
   bool done_ = false;
@@ -187,14 +180,19 @@ class Walk {
 
 }  // namespace
 
-Generic Place::operate(AttributeOpCode code, Mox::GenericIf const* argument) const {
+Mox::MoxType const& Target::type() const {
+  if (field != nullptr) return *field->type;
+  return attribute == nullptr ? *object->type() : *attribute->type;
+}
+
+Generic Target::operate(AttributeOpCode code, Mox::GenericIf const* argument) const {
   Generic const index = key ? Mox::genericOf(*key) : nullptr;
   Generic result;
   object->attributeOp({attribute->id, code, index.get()}, argument, result);
   return result;
 }
 
-Generic Place::read() const {
+Generic Target::read() const {
   if (attribute == nullptr) return object->clone();
   if (!key) return operate(AttributeOpCode::read);
   Generic const index = Mox::genericOf(*key);
@@ -206,7 +204,7 @@ Generic Place::read() const {
   return part;
 }
 
-Place placeAt(std::vector<Root> const& roots, std::string_view path) {
+Target targetAt(std::vector<Root> const& roots, std::string_view path) {
   return Walk(roots, path).whole();
 }
 

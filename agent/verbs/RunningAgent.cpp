@@ -1,4 +1,4 @@
-#include "agent/verbs/Served.h"
+#include "agent/verbs/RunningAgent.h"
 
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "registry/SmType.h"
@@ -6,7 +6,7 @@
 namespace Kest::Agent {
 
 /// The status is the state machine's to write: from here it can only be read.
-std::vector<Root> Served::roots() const {
+std::vector<Root> RunningAgent::roots() const {
   return {{"config", [this] { return Mox::genericOf(config); }},
           {"status", [this] { return Mox::genericOf(Mox::Ptr<Status const>(status)); }},
           {"sm", [this] { return Mox::genericOf(sm); }}};

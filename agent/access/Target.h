@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "agent/access/OrderedKeys.h"
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 #include "platform/mox/GenericIf.h"
 #include "platform/mox/String8.h"
 #include "platform/mox/TypeNode.h"
@@ -23,7 +23,7 @@ struct Root {
 
 /// What a path of the control protocol leads to: an object, one of its attributes, an entry of a
 /// collection, or a field of such an entry's record.
-struct Place {
+struct Target {
   std::string path;
   std::unique_ptr<Mox::GenericIf> object;
   Mox::Attribute const* attribute = nullptr;  // null: the object itself
@@ -32,6 +32,9 @@ struct Place {
 
   /// The path as messages have it.
   std::string shown() const { return nameText(Mox::String8(path)); }
+
+  /// Of the value there; of a whole collection, that of its entries.
+  Mox::MoxType const& type() const;
 
   bool isWholeCollection() const {
     return attribute != nullptr && !key &&
@@ -46,7 +49,7 @@ struct Place {
 };
 
 /// `ControlError` of kind path, with a suggestion if there is a near one, when it leads nowhere.
-Place placeAt(std::vector<Root> const& roots, std::string_view path);
+Target targetAt(std::vector<Root> const& roots, std::string_view path);
 
 /// What may stand where a path's last name or its key stands: roots, attributes, keys.
 struct Continuations {

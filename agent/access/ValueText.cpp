@@ -1,4 +1,4 @@
-#include "agent/access/Text.h"
+#include "agent/access/ValueText.h"
 
 #include <algorithm>
 #include <cctype>
