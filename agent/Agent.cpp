@@ -65,7 +65,7 @@ int Agent::run() {
   return exitCode_;
 }
 
-/// Before anything is applied: an agent that nobody can ask is not started.
+/// Comes before anything is applied: without its socket the agent does not start.
 void Agent::openControl() {
   std::optional<std::string> const path = options_.controlPath();
   if (path) {
@@ -87,8 +87,8 @@ void Agent::applySliceFile(Slice wanted, RollOut::Decide decide) {
   apply(options_.sliceFile, std::move(wanted), std::move(decide), std::move(done));
 }
 
-/// None may be running. Devices that go still refer to the old handles; what refers to a handle
-/// keeps it.
+/// No other slice may be being applied. Devices that are removed still refer to the old handles,
+/// and keep them.
 void Agent::apply(std::string const& file, Slice wanted, RollOut::Decide decide, Done done) {
   wanted.handles.enterTree();
   auto const handles = std::make_shared<PciHandles>(std::move(wanted.handles));
@@ -110,7 +110,7 @@ Applied Agent::applied(std::string const& file, std::size_t changes, std::size_t
   console_.line(file + ": announced " + std::to_string(changes) +
                 (changes == 1 ? " change, " : " changes, ") + std::to_string(unchanged) +
                 " unchanged entries left alone");
-  // As plain lines, what changed has been told already when the file is read again.
+  // On plain lines, a reload has already shown what changed.
   if (console_.terminal() || !shown_) showStatus(console_, *config_, *status_);
   shown_ = true;
   std::vector<std::string> missing = notUp(*config_, *status_);
@@ -122,8 +122,8 @@ SliceEnd Agent::sliceEnd() const {
   return options_.requireEnd ? SliceEnd::required : SliceEnd::optional;
 }
 
-/// A file that is refused changes nothing. While changes are being applied the file waits: a step
-/// that belongs to one already taken must not get lost.
+/// A refused file changes nothing. A reload waits while changes are being applied: steps that
+/// belong together must all be taken.
 void Agent::reload() {
   if (reading_ || rollOut_.isRunning()) {
     reloadWanted_ = true;
@@ -151,7 +151,7 @@ void Agent::readOn() {
   }
 }
 
-/// A file that has been cut off looks like one that most ports have been taken out of.
+/// Refuses a file that removes most ports: it may have been cut off.
 bool Agent::mayReload(Changes const& changes) {
   constexpr std::size_t fewPorts = 4;
   auto const& ports = collectionOf<Config::SwitchPorts>(*config_);
@@ -170,7 +170,7 @@ void Agent::reloadIfWanted() {
   if (std::exchange(reloadWanted_, false)) reload();
 }
 
-/// A terminal and a supervisor send a signal each for the same wish: one is enough.
+/// A terminal and a supervisor may both send the signal: further ones are ignored.
 void Agent::end(int signal) {
   for (int const another : {SIGTERM, SIGINT}) loop_.signalIs(another, [] {});
   console_.line(std::string("ended by ") + (signal == SIGTERM ? "SIGTERM" : "SIGINT"));

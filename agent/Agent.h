@@ -30,13 +30,13 @@ class Agent {
   Agent(Agent const&) = delete;
   Agent& operator=(Agent const&) = delete;
 
-  /// Comes before `run`; nothing is applied yet. `FileError` or `ControlSocketError` when the slice
-  /// file is bad or the socket is not to be had.
+  /// Reads the slice file and opens the control socket, before `run`. Applies nothing yet.
+  /// @throw FileError, ControlSocketError
   void start();
-  /// Runs to the end; returns the process's exit code.
+  /// Runs until the agent ends; returns the exit code.
   int run();
 
-  /// Serves what else the process waits for, while it runs.
+  /// The loop that `run` runs; the process may add to it what else it waits for.
   Mox::ActivityLoop& loop() noexcept { return loop_; }
 
  private:
@@ -67,7 +67,7 @@ class Agent {
   std::unique_ptr<SliceFileReading> reading_;  // while the slice file is read again
   RunningAgent running_;
   std::unique_ptr<ControlServer> control_;
-  Slice wanted_;  // from the start to the run
+  Slice wanted_;  // between `start` and `run`
   bool reloadWanted_ = false;
   bool shown_ = false;
   int exitCode_ = 0;

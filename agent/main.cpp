@@ -26,24 +26,24 @@ namespace {
 
 using namespace Kest::Agent;
 
-/// The end of a process that nobody foresaw, for lack of memory say. A signal, so that whoever
-/// watches over it starts it again.
+/// Ends the process after an error that nobody foresaw, such as a lack of memory: with one line,
+/// and by a signal, so that its supervisor restarts it.
 [[noreturn]] void abortWithALine() noexcept {
   char const* what = "an error without words";
   try {
     if (std::exception_ptr const error = std::current_exception()) std::rethrow_exception(error);
   } catch (std::exception const& error) {
     what = error.what();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): it has no words
+  } catch (...) {  // NOLINT(bugprone-empty-catch): it has no message
   }
-  // Not a stream's business: there may be no memory.
+  // Without a stream: there may be no memory.
   std::array<char, 1024> line{};
   std::snprintf(line.data(), line.size() - 1, "kest-slice-agent: aborting: %s", what);
   writeAtOnce(STDERR_FILENO, std::strcat(line.data(), "\n"));
   std::abort();
 }
 
-/// Nothing is refused any more: what escapes from here was not foreseen.
+/// From here on nothing is refused: an exception that escapes ends the process.
 int runToItsEnd(Agent& agent, StandardStreams& streams) noexcept {
   streams.loopIs(&agent.loop());
   // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): as above
@@ -70,7 +70,7 @@ int runAgent(Options const& options, StandardStreams& streams) {
 
 int supervise(Options const& options, StandardStreams& streams) {
   return Supervisor([&] {
-           streams.forget();  // what the supervisor has to say
+           streams.forget();  // the supervisor's own text
            return runAgent(options, streams);
          })
       .run();
@@ -96,8 +96,8 @@ int run(Options const& options, StandardStreams& streams) {
   }
 }
 
-/// How long a reader is waited for who is late. A signal is obeyed within a second; a single pass
-/// that came to its end has an outcome to tell.
+/// How long to wait for a slow reader at the end. After a signal the process ends within a second;
+/// a single pass that is done has an outcome to tell.
 std::chrono::milliseconds patience(Options const& options, int exitCode) {
   using namespace std::chrono_literals;
   bool const isOutcome = options.once && exitCode <= static_cast<int>(Exit::notUp);

@@ -13,8 +13,8 @@
 
 namespace Kest::Agent {
 
-/// Tells every change of an entity as an event of the control protocol, with the value as it is
-/// then. Held through `Mox::Ptr`; `notifierIs(nullptr)` ends it.
+/// Tells every change of an entity as an event of the control protocol, with the new value. Held
+/// through `Mox::Ptr`; `notifierIs(nullptr)` ends it.
 template <class Entity>
 class ChangeFeed : public Hardware::Kest::Slice::CollectionObserver<Entity> {
  public:
@@ -53,7 +53,7 @@ class ChangeFeed : public Hardware::Kest::Slice::CollectionObserver<Entity> {
 
 using StatusFeed = ChangeFeed<Hardware::Kest::Slice::KestSliceDmaStatus>;
 
-/// With the slice id besides the collections.
+/// Tells changes of the slice id too.
 class ConfigFeed final : public ChangeFeed<Hardware::Kest::Slice::KestSliceDmaConfig> {
  public:
   using ChangeFeed::ChangeFeed;

@@ -20,7 +20,7 @@ auto& collectionOf(Entity& entity) {
   return *found;
 }
 
-/// Whether a key comes before another in the order in which people number things.
+/// Orders keys as people number things.
 struct NaturalOrder {
   bool operator()(Mox::String8 const& a, Mox::String8 const& b) const {
     return naturalLess(a.view(), b.view());
@@ -31,7 +31,7 @@ inline void sortNaturally(std::vector<Mox::String8>& keys) {
   std::sort(keys.begin(), keys.end(), NaturalOrder());
 }
 
-/// The keys of that collection, in the order in which people number things.
+/// The keys of that collection, in natural order.
 template <class Collection, class Entity>
 std::vector<Mox::String8> keysOf(Entity const& entity) {
   std::vector<Mox::String8> keys;

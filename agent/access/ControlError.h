@@ -8,14 +8,14 @@
 
 namespace Kest::Agent {
 
-/// A request that is refused, as its reply tells it.
+/// Refuses a request; holds what its reply says.
 class ControlError : public std::runtime_error {
  public:
   ControlError(Wire::ErrorKind kind, std::string const& message, std::string suggestion = {})
       : std::runtime_error(message), kind_(kind), suggestion_(std::move(suggestion)) {}
 
   Wire::ErrorKind kind() const noexcept { return kind_; }
-  /// The name that was probably meant; empty when none is near.
+  /// The name that was probably meant; empty if there is none.
   std::string const& suggestion() const noexcept { return suggestion_; }
 
  private:

@@ -3,7 +3,7 @@
 #include "model/KestSliceDmaConfig.h"
 #include "model/KestSliceDmaStatus.h"
 
-/// The two entities that the agent is about, by short names.
+/// Short names for the two entities that the agent works with.
 namespace Kest::Agent {
 
 using Config = Hardware::Kest::Slice::KestSliceDmaConfig;

@@ -45,8 +45,8 @@ bool putNumber(GenericIf const& value, Json& json) {
   return number != nullptr;
 }
 
-/// The string whose text form a value's text form is, as that of an enumerator or a MAC address;
-/// otherwise the text form itself.
+/// The text form of a value. If that is a string in apostrophes, as for enumerators and MAC
+/// addresses, the string itself.
 std::string bareText(GenericIf const& value) {
   String8 const text = value.strRep();
   if (!text.view().starts_with('\'')) return std::string(text.view());
@@ -108,7 +108,7 @@ void checkMembers(MoxType const& type, Json const& object) {
   }
 }
 
-/// From the record's parts in order; those that `object` does not name are the base's.
+/// Makes the record from its parts in order. Parts that `object` does not name come from the base.
 Generic recordFrom(MoxType const& type, Json const& object, GenericIf const* base) {
   if (!object.is_object()) refuse("an object of the fields", object);
   checkMembers(type, object);
@@ -127,7 +127,7 @@ Generic recordFrom(MoxType const& type, Json const& object, GenericIf const* bas
   return type.genericIfNew(parts);
 }
 
-/// What a person calls an enumerator, by its name in full.
+/// The full name of the enumerator that a person typed in short, or by its number.
 std::string enumeratorNamed(MoxType const& type, std::string const& typed) {
   std::string const typeName(type.typeNode() == nullptr ? "" : type.typeNode()->name().charPtr());
   bool const isAllDigits =
@@ -142,7 +142,7 @@ std::string enumeratorNamed(MoxType const& type, std::string const& typed) {
   return typed;
 }
 
-/// Refused here, since not every enumeration says what it expects.
+/// Refuses unknown names here, because not every enumeration says what it expects.
 Generic enumeratorFrom(MoxType const& type, std::string const& name) {
   std::vector<String8> const all = type.enumerators();
   if (std::find(all.begin(), all.end(), String8(name)) != all.end()) {

@@ -17,23 +17,23 @@
 /// | reference to an entity | its path, or null |
 /// | list | array |
 ///
-/// Whatever has no form of its own is the string of its text form. Bytes of a string that are no
-/// UTF-8 are kept as they are; who serializes the JSON decides about them.
+/// All other values are strings that hold their text form. A string keeps bytes that are not UTF-8;
+/// whoever serializes the JSON decides what becomes of them.
 namespace Kest::Agent {
 
 Json toJson(Mox::GenericIf const& value);
 
-/// A value of `type`. `Mox::RangeException` "expected ..., found ...", the field named in front,
-/// when it is none.
-/// @param base the record from which members come that a record's object does not have; null: a
+/// A value of `type`.
+/// @param base the record that supplies the fields which a record's object does not name; null: a
 /// default one
+/// @throw Mox::RangeException "expected ..., found ...", after the name of the field
 std::unique_ptr<Mox::GenericIf> fromJson(Mox::MoxType const& type, Json const& json,
                                          Mox::GenericIf const* base = nullptr);
 
 /// A value of `type` as a person types it: its text form, where strings, MAC addresses, enumerators
 /// (their short names too, or their numbers) and paths of references may come without apostrophes;
-/// flags may be `true` or `false`, and a record a JSON object. `Mox::RangeException` when it is
-/// none.
+/// flags may be `true` or `false`, and a record a JSON object.
+/// @throw Mox::RangeException when it is none of these
 std::unique_ptr<Mox::GenericIf> fromTyped(Mox::MoxType const& type, std::string_view text);
 /// Whether `fromTyped` takes the text for a JSON object.
 bool isTypedJson(Mox::MoxType const& type, std::string_view text);

@@ -14,8 +14,7 @@ namespace {
   throw Mox::RangeException(Mox::String8(message));
 }
 
-/// The parser's own words, without what it puts in front of them. It repeats the token that it does
-/// not like, however long that is.
+/// The parser's message without its prefix, shortened: it quotes the offending token, however long.
 std::string reason(Json::exception const& error) {
   std::string_view const text = error.what();
   std::size_t const place = text.find("column ");
@@ -24,8 +23,8 @@ std::string reason(Json::exception const& error) {
   return shortened(text.substr(start + 2));
 }
 
-/// Refuses what nests too deep or has too many parts as soon as it shows: the parser looks through
-/// all members of an object for each new one.
+/// Refuses a text that nests too deep or has too many parts as early as possible: for each new
+/// member the parser searches all members of its object.
 class Bounds {
  public:
   bool operator()(int depth, Json::parse_event_t event, Json& /*parsed*/) {
@@ -57,7 +56,7 @@ Json objectFromText(std::string_view text) {
   if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
     refuse("expected a JSON object, found nothing");
   }
-  // The parser would take it for the end.
+  // The parser would take a zero byte for the end of the text.
   if (std::size_t const zero = text.find('\0'); zero != std::string_view::npos) {
     refuse("expected a JSON object; at byte " + std::to_string(zero + 1) + ": found a zero byte");
   }

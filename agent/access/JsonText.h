@@ -12,9 +12,10 @@ using Json = nlohmann::ordered_json;
 /// JSON on one line; bytes that are no UTF-8 become U+FFFD.
 std::string jsonText(Json const& json);
 
-/// The JSON object that a text of whatever origin is. `Mox::RangeException` "expected ..., found
-/// ..." when it is none, nests deeper than `Wire::deepestRequest`, as what works through JSON goes
-/// down as deep as it does, or has more than `Wire::mostRequestValues` names and values.
+/// Parses a JSON object from an untrusted text.
+/// @throw Mox::RangeException "expected ..., found ..." when it is not an object, nests deeper than
+/// `Wire::deepestRequest` (JSON is processed recursively), or has more than
+/// `Wire::mostRequestValues` names and values
 Json objectFromText(std::string_view text);
 
 }  // namespace Kest::Agent

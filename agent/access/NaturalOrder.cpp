@@ -19,7 +19,7 @@ std::string_view takeNumber(std::string_view& text) {
   return number;
 }
 
-/// Below, at or above 0 as `a` comes before, with or behind `b`.
+/// Below, equal to or above 0 when `a` comes before, together with or after `b`.
 int compare(std::string_view a, std::string_view b) {
   while (!a.empty() && !b.empty()) {
     if (isDigit(a.front()) && isDigit(b.front())) {

@@ -6,8 +6,8 @@ namespace Kest::Agent {
 
 namespace {
 
-/// How many short keys are gathered in a step; a long one counts as several, since keys that begin
-/// alike are compared byte by byte.
+/// How many short keys are gathered in a step. A long key counts as several, because keys that
+/// begin alike are compared byte by byte.
 constexpr std::size_t keysInAStep = 256;
 constexpr std::size_t shortKey = 64;
 

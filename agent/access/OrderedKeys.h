@@ -17,16 +17,16 @@ namespace Kest::Agent {
 
 /// The keys of one or more sources, each key once, in the order in which people number things.
 ///
-/// First they are gathered, a bounded number of keys a step, so that nothing is held up by a large
-/// collection; then they are taken in order. Collections may change in between: a key that comes or
-/// goes meanwhile may be among the keys or not. Only keys are held, each until it is taken.
+/// First they are gathered, a bounded number in each step, so that a large collection holds nothing
+/// up; then they are taken in order. Collections may change meanwhile: a key that is added or
+/// removed may be among the keys or not.
 class OrderedKeys {
  public:
-  /// Yields another key each time, and nothing at its end.
+  /// Returns the next key each time, and nothing at the end.
   using Source = std::function<std::optional<Mox::String8>()>;
 
   void add(Source source) { sources_.push_back(std::move(source)); }
-  /// The keys of that collection of a slice entity, which is held until they have been gathered.
+  /// The keys of a collection of a slice entity. Holds a reference until they have been gathered.
   template <class Collection, class Entity>
   void add(Mox::Ptr<Entity> entity) {
     auto it = collectionOf<Collection>(std::as_const(*entity)).iteratorConst();
@@ -49,7 +49,7 @@ class OrderedKeys {
   /// About how many bytes of memory they take, without the strings, which others share.
   std::size_t held() const noexcept { return keys_.size() * bytesOfKey; }
 
-  /// The next key in order; nothing once all have been taken. Not before all have been gathered.
+  /// The next key in order; nothing after the last. Only after all have been gathered.
   std::optional<Mox::String8> take();
 
  private:

@@ -58,7 +58,7 @@ std::string shown(std::string_view name) {
   return "'" + nameText(String8(name)) + "'";
 }
 
-/// Walks a path's steps.
+/// Follows a path, name by name.
 class Walk {
  public:
   Walk(std::vector<Root> const& roots, std::string_view path) : rest_(path) {
@@ -117,7 +117,7 @@ class Walk {
     }
   }
 
-  /// What is left of the path is a key.
+  /// Whether the rest of the path is a key.
   bool atKey() const { return target_.isWholeCollection(); }
 
   OrderedKeys keys() const {
@@ -126,7 +126,7 @@ class Walk {
     return all;
   }
 
-  /// A collection's name with the slash behind it: alone it says nothing of an entry.
+  /// Collections end in a slash, because a key is still to follow.
   std::vector<std::string> attributes() const {
     std::vector<std::string> all;
     for (Mox::Attribute const& attribute : attributesOf(*target_.object)) {

@@ -30,10 +30,10 @@ struct Target {
   std::optional<Mox::String8> key;            // of a collection's entry, which may be absent
   Mox::Attribute const* field = nullptr;      // of the entry, which is there
 
-  /// The path as messages have it.
+  /// The path as messages show it.
   std::string shown() const { return nameText(Mox::String8(path)); }
 
-  /// Of the value there; of a whole collection, that of its entries.
+  /// The type of the value there; for a whole collection, the type of its entries.
   Mox::MoxType const& type() const;
 
   bool isWholeCollection() const {
@@ -41,20 +41,21 @@ struct Target {
            attribute->introspectionClass == Mox::IntrospectionClass::collection;
   }
 
-  /// Carries an operation out on the attribute, or the entry; yields what that yields.
+  /// Carries out an operation on the attribute or the entry, and returns its result.
   std::unique_ptr<Mox::GenericIf> operate(Mox::AttributeOpCode code,
                                           Mox::GenericIf const* argument = nullptr) const;
-  /// The value there, or null when it is an entry that is absent. Not for a whole collection.
+  /// The value there; null for an entry that is absent. Not for a whole collection.
   std::unique_ptr<Mox::GenericIf> read() const;
 };
 
-/// `ControlError` of kind path, with a suggestion if there is a near one, when it leads nowhere.
+/// @throw ControlError of kind path when the path leads nowhere; it suggests a near name if there
+/// is one
 Target targetAt(std::vector<Root> const& roots, std::string_view path);
 
-/// What may stand where a path's last name or its key stands: roots, attributes, keys.
+/// What the last part of a path may be: roots, attributes or keys.
 struct Continuations {
-  std::string before;  // the path up to there
-  OrderedKeys names;   // those too that do not begin as the path goes on
+  std::string before;  // the path without its last part
+  OrderedKeys names;   // all of them, whatever the last part begins with
 };
 
 /// None when the path leads nowhere.

@@ -14,7 +14,7 @@ std::string full(std::string const& whose) {
 
 }  // namespace
 
-/// Where descriptors are few, not all places are kept.
+/// With few descriptors, fewer connections are kept.
 std::size_t Admission::kept() const noexcept {
   return std::min(Wire::connectionsKept, all_ / 2);
 }

@@ -10,8 +10,8 @@
 
 namespace Kest::Agent {
 
-/// How many connections there are, and may be. Some are kept for those who may change the agent; no
-/// other user gets more than a few.
+/// Decides who may have one more connection. Some connections are kept for those who may change the
+/// agent; every other user gets only a few.
 class Admission {
  public:
   /// @param all at most `Wire::mostConnections`

@@ -13,7 +13,7 @@ namespace {
 
 using Wire::ErrorKind;
 
-/// The kind of error that a refusal of generic access is to a client.
+/// The kind of error that the client is told when generic access refuses.
 ErrorKind kindOf(Mox::GenericAccessException const& refused) {
   using Kind = Mox::GenericAccessException::Kind;
   switch (refused.kind()) {

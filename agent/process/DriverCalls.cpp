@@ -7,14 +7,14 @@
 #include "agent/process/DriverOperation.h"
 #include "agent/process/SignOfLife.h"
 
-/// The program's own definitions of the nine operations, bound like any other function; each passes
-/// its call on to the driver that is loaded. Only the agent's program has them: tests link drivers
-/// of their own.
+/// The program's own definitions of the nine operations, which the library binds to. Each passes
+/// its call on to the loaded driver. Only the agent's program has them: tests link drivers of their
+/// own.
 namespace Hardware::Kest {
 
 namespace {
 
-/// Whoever waits for the driver is alive: creating an interface tries again for up to a minute.
+/// Waiting for the driver is no hang: creating an interface is retried for up to a minute.
 template <auto operation, class... Arguments>
 auto passedOn(Arguments&&... arguments) {
   ::Kest::Agent::giveSignOfLife();

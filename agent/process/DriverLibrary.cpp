@@ -13,7 +13,7 @@ namespace Kest::Agent {
 
 namespace {
 
-/// An operation of driver/KestDma.h: its name as the linker knows it, and where calls look for it.
+/// An operation of driver/KestDma.h: its mangled name, and the function that sets `inDriver`.
 struct Operation {
   char const* symbol;
   void (*bind)(void* symbol);
@@ -44,7 +44,7 @@ constexpr Operation operations[] = {
 
 constexpr char const* simulatedDriver = "libkest-dma-sim.so";
 
-/// Libraries lie in `lib` beside the folder of the running program.
+/// The path of a library in `lib`, beside the folder of the running program.
 std::string beside(char const* library) {
   std::filesystem::path const program = std::filesystem::read_symlink("/proc/self/exe");
   return program.parent_path().parent_path() / "lib" / library;

@@ -14,8 +14,8 @@ class DriverError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A loaded driver library, which stays loaded. The process has one driver, the last that was
-/// loaded: `inDriver` then is what it has for each operation.
+/// A loaded driver library; it stays loaded. The process uses the driver that was loaded last:
+/// `inDriver` holds its operations.
 class DriverLibrary {
  public:
   /// @param driver `sim` for the simulated driver that comes with the agent, or a library's path
@@ -23,14 +23,14 @@ class DriverLibrary {
 
   std::string const& path() const noexcept { return path_; }
 
-  /// What the driver says of a device's state: an error number, and with 0 whether it is up.
+  /// The driver's answer about a device: an error number; if that is 0, whether the device is up.
   struct DeviceAnswer {
     int error;
     bool up;
   };
   DeviceAnswer deviceState(Mox::String8 const& devName) const;
 
-  /// What the library exports under that name; null when it does not.
+  /// The library's exported symbol of that name; null if there is none.
   void* symbol(char const* name) const;
 
  private:

@@ -4,8 +4,8 @@
 
 namespace Kest::Agent {
 
-/// What the driver that was loaded last has for an operation of driver/KestDma.h, which is named by
-/// its declaration; null before. `DriverLibrary` fills all nine in.
+/// The loaded driver's definition of an operation of driver/KestDma.h, null before a driver is
+/// loaded. `DriverLibrary` sets all nine.
 template <auto operation>
 inline decltype(operation) inDriver = nullptr;
 

@@ -72,7 +72,7 @@ std::streamsize Output::xsputn(char const* text, std::streamsize bytes) {
   return bytes;
 }
 
-/// A stream is not told of what is lost: it would refuse whatever comes after.
+/// Never fails: a failed stream would refuse everything after.
 int Output::sync() {
   write();  // there may be room by now
   take(std::exchange(flush_, {}));
@@ -83,7 +83,7 @@ int Output::sync() {
   return 0;
 }
 
-/// Adds a text, after word of what was lost before it; or loses it too.
+/// Adds a text, after a line about what was lost before it; or loses the text as well.
 void Output::take(std::string text) {
   std::string told;
   if (lost_ > 0) told = (isLineBegun_ ? "\n" : "") + lostText(lost_);
@@ -119,7 +119,7 @@ void Output::write() {
   isLate_ = false;
 }
 
-/// Lets the loop look for room as long as something waits.
+/// Has the loop watch for room as long as text waits.
 void Output::watch() {
   bool const isWanted = loop_ != nullptr && !waiting_.empty();
   if (isWanted == isWatched_) return;

@@ -13,21 +13,22 @@
 
 namespace Kest::Agent {
 
-/// Writes as much of `text` as a descriptor takes without blocking; -1 and `errno` when that is
-/// nothing. The descriptor may be shared with other processes: it is left as it is.
+/// Writes as much of `text` as a descriptor takes without blocking; -1 and `errno` when it takes
+/// nothing. Does not change the descriptor's flags: other processes may share it.
 ssize_t writeAtOnce(int fd, std::string_view text) noexcept;
 
-/// How much an output puts up with.
+/// How much an output keeps, and how long it waits.
 struct OutputLimits {
-  std::size_t bytes = std::size_t{256} << 10U;  // that wait
-  /// For a reader who comes to be late, once until all is written again: a process that is about to
-  /// abort has said why.
+  std::size_t bytes = std::size_t{256} << 10U;  // that may wait
+  /// How long a flush waits when the reader falls behind: once, until everything has been written
+  /// again. It lets a process that is about to abort say why.
   std::chrono::milliseconds patience{300};
 };
 
-/// Where a stream leads that must not block, nor fail for long. What the reader does not take at
-/// once waits, up to a bound. What goes beyond that is lost, by whole flushes, and how many lines
-/// they had is written in their place. So is what cannot be written, to a full disk say.
+/// The buffer of a stream that must neither block nor stay failed. Text that the reader does not
+/// take at once waits, up to a bound. Beyond the bound whole flushes are lost; a line that counts
+/// the lost lines takes their place. The same happens to text that cannot be written, say to a full
+/// disk.
 class Output : public std::streambuf {
  public:
   /// The descriptor stays the caller's.
@@ -36,12 +37,12 @@ class Output : public std::streambuf {
   Output& operator=(Output const&) = delete;
   ~Output() override { loopIs(nullptr); }
 
-  /// From now on the loop writes what waits once it can be written. Null: nobody does.
+  /// From now on the loop writes the waiting text when there is room. Null: no loop does.
   void loopIs(Mox::ActivityLoop* loop);
 
-  /// Writes what waits until all is written or the time has come.
+  /// Writes the waiting text until all is written or the time has come.
   void drain(std::chrono::steady_clock::time_point until);
-  /// Forgets what waits: after a fork it is the other process's to write.
+  /// Drops the waiting text: after a fork the other process writes it.
   void forget() noexcept;
 
  protected:
@@ -50,10 +51,10 @@ class Output : public std::streambuf {
   int sync() override;
 
  private:
-  /// What is written or lost as a whole.
+  /// Text that is written or lost as a whole.
   struct Piece {
     std::string text;
-    std::size_t lines;  // in it; or those that it says are lost
+    std::size_t lines;  // in the text; or the number of lost lines that it reports
   };
 
   void take(std::string text);
@@ -63,12 +64,12 @@ class Output : public std::streambuf {
 
   int fd_;
   OutputLimits limits_;
-  std::string flush_;          // what is put together for the next one
+  std::string flush_;          // text since the last flush
   std::deque<Piece> waiting_;  // to be written, in order
-  std::size_t bytes_ = 0;      // of what waits
-  std::size_t lost_ = 0;       // lines, after what waits
-  bool isLate_ = false;        // the reader, who was waited for
-  bool isLineBegun_ = false;   // at the end of what waits, or was written last
+  std::size_t bytes_ = 0;      // that wait
+  std::size_t lost_ = 0;       // lines lost since the last waiting piece
+  bool isLate_ = false;        // the reader has fallen behind and was waited for
+  bool isLineBegun_ = false;   // the text ends within a line
   Mox::ActivityLoop* loop_ = nullptr;
   bool isWatched_ = false;  // by the loop
 };

@@ -4,16 +4,16 @@
 
 namespace Kest::Agent {
 
-/// When a start is put off, and for how long.
+/// When a restart is delayed, and for how long.
 struct RestartLimits {
-  std::chrono::seconds quick{10};  // a run shorter than this ended quickly
-  unsigned atOnce = 2;             // so many quick ends in a row are answered at once
-  std::chrono::seconds first{1};   // the wait after the next one; it doubles with each further one
-  std::chrono::seconds longest{30};  // up to this
+  std::chrono::seconds quick{10};    // a run shorter than this ended quickly
+  unsigned atOnce = 2;               // so many quick ends in a row cause no delay
+  std::chrono::seconds first{1};     // delay after the next one; each further one doubles it
+  std::chrono::seconds longest{30};  // the limit of the doubling
 };
 
-/// How long to wait before a process that ended is started again: not at all, unless it keeps
-/// ending soon after its start.
+/// How long to wait before a process is restarted: not at all, unless it keeps ending soon after
+/// its start.
 class RestartDelay {
  public:
   explicit RestartDelay(RestartLimits limits = {}) : limits_(limits), next_(limits.first) {}
@@ -23,7 +23,7 @@ class RestartDelay {
 
  private:
   RestartLimits limits_;
-  unsigned quickEnds_ = 0;  // in a row; counted as far as it matters
+  unsigned quickEnds_ = 0;  // in a row, counted up to `atOnce`
   std::chrono::seconds next_;
 };
 

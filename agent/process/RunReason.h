@@ -6,12 +6,12 @@
 
 namespace Kest::Agent {
 
-/// The environment variable in which whoever starts the agent again says what ended its last run,
-/// as in `signal 6 (SIGABRT)`.
+/// The environment variable that says what ended the last run, as in `signal 6 (SIGABRT)`. Whoever
+/// restarts the agent sets it.
 inline constexpr char const* lastEndVariable = "KEST_LAST_END";
 
-/// Why the agent runs, for people: after which end, or that this is a cold start. Empty when that
-/// is not worth a word: a single pass that nobody watches over.
+/// Why the agent runs, as a line for people: a cold start, or what ended the last run. Empty for a
+/// single pass without a supervisor, where it would say nothing.
 std::string runReason(Options const& options);
 
 }  // namespace Kest::Agent

@@ -18,7 +18,7 @@ namespace Kest::Agent {
 
 namespace {
 
-/// A socket that is connected to that path, or `@` and a name; -1 and `errno` when it cannot be.
+/// A socket connected to that path, or to `@` and an abstract name; -1 and `errno` on failure.
 int connected(std::string path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;

@@ -4,12 +4,12 @@
 
 namespace Kest::Agent {
 
-/// The service manager that started this process, as systemd does units of type `notify`: it is
-/// told of the process's state over the socket that `NOTIFY_SOCKET` names. Without one nothing
+/// The service manager that started this process, as systemd starts units of type `notify`. The
+/// process tells it its state over the socket that `NOTIFY_SOCKET` names; without one, nothing
 /// happens.
 class ServiceManager {
  public:
-  /// A socket that cannot be used is a line on standard error.
+  /// Writes a line to standard error if the socket cannot be used.
   ServiceManager();
   ServiceManager(ServiceManager const&) = delete;
   ServiceManager& operator=(ServiceManager const&) = delete;
@@ -17,7 +17,7 @@ class ServiceManager {
 
   /// Never blocks.
   void isTold(std::string_view state) const noexcept;
-  /// This process's signs of life go there from now on, if it watches (`WatchdogSec`).
+  /// If the manager has a watchdog (`WatchdogSec`), signs of life go to it from now on.
   void isToldOfLife() const noexcept;
 
  private:

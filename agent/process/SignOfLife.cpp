@@ -54,7 +54,7 @@ Heartbeat::Heartbeat(Mox::Ptr<Mox::Clock> const& clock) {
 }
 
 void Heartbeat::onTime() {
-  constexpr Mox::Seconds period = 2;  // a few in each look of a lifeWatcher
+  constexpr Mox::Seconds period = 2;  // watchers look less often
   giveSignOfLife();
   timeMinIs(Mox::now() + period);
 }

@@ -7,28 +7,28 @@
 
 namespace Kest::Agent {
 
-/// Tells whoever watches over this process that it does not hang; nothing happens when nobody does.
-/// Never blocks. The activity gives one every few seconds, and one before each call to the driver,
-/// because a handler may try again for a minute.
+/// Tells the watcher of this process, if there is one, that the process does not hang. Never
+/// blocks. The activity gives a sign every few seconds, and one before each call to the driver,
+/// because a handler may retry for a minute.
 void giveSignOfLife() noexcept;
 
-/// From now on a sign is this text, written to this descriptor. The descriptor is still used until
-/// there is another one, or -1 for none; the text must last as long.
+/// From now on each sign of life writes this text to this descriptor; -1: none is given. Both must
+/// stay valid until the next call.
 void signsOfLifeGoTo(int fd, std::string_view sign) noexcept;
 
-/// What carries signs of life from a process to the one that forked it. Both may hold it; each
-/// closes its own.
+/// A pipe that carries signs of life from a process to the one that forked it. Each process holds,
+/// and closes, its own copy.
 class LifeLine {
  public:
-  /// `std::system_error` when there is no pipe to be had.
+  /// @throw std::system_error when no pipe can be made
   LifeLine();
   LifeLine(LifeLine const&) = delete;
   LifeLine& operator=(LifeLine const&) = delete;
   ~LifeLine();
 
-  /// In the process that is watched: its signs of life go here from now on.
+  /// In the watched process: its signs of life go here from now on.
   void isWatched() const noexcept;
-  /// In the one that watches: whether a sign came since the last time.
+  /// In the watching process: whether a sign has come since the last call.
   bool taken() const noexcept;
 
  private:

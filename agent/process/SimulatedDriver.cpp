@@ -6,7 +6,7 @@ namespace Kest::Agent {
 
 namespace {
 
-/// Calls an entry with room for an error; throws what it puts there.
+/// Calls a driver function with room for an error message, and throws that message.
 template <class Entry, class... Arguments>
 void call(Entry entry, Arguments... arguments) {
   std::array<char, 1024> error{};

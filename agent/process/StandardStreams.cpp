@@ -12,8 +12,8 @@ namespace Kest::Agent {
 
 namespace {
 
-/// Where the process may not open it, which other users' pipes and terminals are, it stays as it
-/// is.
+/// Makes a pipe or terminal non-blocking for this process alone. Other users' pipes and terminals,
+/// which the process may not open, stay as they are.
 void doNotBlock(int fd) {
   struct stat file {};
   bool const isPipe = fstat(fd, &file) == 0 && S_ISFIFO(file.st_mode);
@@ -30,7 +30,7 @@ int notBlocking(int fd) {
   return fd;
 }
 
-/// For the C library: writes to a stream, and says that all is done.
+/// The C library's writer: writes everything to a stream.
 ssize_t writeTo(void* stream, char const* text, size_t bytes) {
   static_cast<std::ostream*>(stream)->write(text, static_cast<std::streamsize>(bytes)).flush();
   return static_cast<ssize_t>(bytes);

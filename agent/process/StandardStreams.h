@@ -9,12 +9,13 @@
 
 namespace Kest::Agent {
 
-/// Standard output and standard error of a process that must not wait for whoever reads them, nor
-/// end when he goes: SIGPIPE is ignored, and `std::cout`, `std::cerr` and the C library's `stderr`
-/// lead to an `Output` each. There is one at a time; its end brings the streams back as they were.
+/// Standard output and standard error of a process that must not wait for their readers, nor end
+/// when a reader goes: SIGPIPE is ignored, and `std::cout`, `std::cerr` and the C library's
+/// `stderr` write to an `Output` each. There may be one object at a time; its destructor restores
+/// the streams.
 ///
-/// A pipe or terminal that this process may open gets a description of its own, which does not
-/// block. So what is written past the streams does not block either; others' use is not affected.
+/// A pipe or terminal that this process may open is opened anew, non-blocking. So writes that go
+/// past the streams do not block either, and other processes are not affected.
 class StandardStreams {
  public:
   StandardStreams();
@@ -22,7 +23,7 @@ class StandardStreams {
   StandardStreams& operator=(StandardStreams const&) = delete;
   ~StandardStreams();
 
-  /// As `Output` has them, for both.
+  /// The functions of `Output`, for both streams.
   void loopIs(Mox::ActivityLoop* loop);
   void drain(std::chrono::milliseconds most);
   void forget() noexcept;

@@ -45,11 +45,11 @@ std::string described(int signal) {
 }
 
 void say(std::string const& text) {
-  std::cerr.clear();                                // what could not be written the last time
+  std::cerr.clear();                                // an earlier line may have failed
   std::cerr << "kest-slice-agent: " + text + "\n";  // in one piece between the agent's own lines
 }
 
-/// The next of `signals`, or none when `due` has come first, or another signal.
+/// The next of `signals`; none when `due` or another signal comes first.
 std::optional<int> nextSignal(sigset_t const& signals, steady_clock::time_point due) {
   nanoseconds const timeout = std::max(nanoseconds(0), nanoseconds(due - steady_clock::now()));
   seconds const whole = std::chrono::duration_cast<seconds>(timeout);
@@ -71,7 +71,7 @@ Supervisor::Supervisor(std::function<int()> agent, RestartDelay delay, Patience 
 }
 
 int Supervisor::run() {
-  // Were it ignored, children would vanish without telling how they ended.
+  // If SIGCHLD were ignored, the system would not keep the exit status of children.
   if (std::signal(SIGCHLD, SIG_DFL) == SIG_ERR) fail("signal");
   if (sigprocmask(SIG_BLOCK, &signals_, nullptr) != 0) fail("sigprocmask");
   for (pid_t const supervisor = getpid();;) {
@@ -80,7 +80,7 @@ int Supervisor::run() {
     if (child == 0) return runAsChild(supervisor);
     std::string told;
     if (child < 0) {
-      // At the start somebody sees the error. Later nobody may, and what is short may come back.
+      // At the start somebody sees the error. Later perhaps nobody does, and the shortage may end.
       if (lastEnd_.empty()) fail(cannotStart);
       told = std::string(cannotStart) + ": " + std::strerror(errno);
     } else {
@@ -101,7 +101,7 @@ int Supervisor::run() {
 
 int Supervisor::runAsChild(pid_t supervisor) const {
   if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0) fail("prctl");
-  // Gone before it could be watched: then no signal will come.
+  // The supervisor ended before the call above: its end will send no signal.
   if (getppid() != supervisor) return signalledExit + SIGKILL;
   sigset_t children;
   sigemptyset(&children);
@@ -138,7 +138,7 @@ int Supervisor::statusAtEnd(pid_t child) {
     if (complaint.empty()) continue;
     say(named(child) + " " + complaint + "; killing it");
     tell(SIGKILL);
-    due += std::chrono::hours(1);  // the system may keep it for a while
+    due += std::chrono::hours(1);  // it may take the system a while
   }
 }
 

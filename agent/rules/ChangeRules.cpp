@@ -16,8 +16,8 @@ bool isStates(Mox::Attribute const& attribute) {
   return attribute.type == Mox::TypeOf<DeviceState>::type();
 }
 
-/// A registered device is brought to its configured state whenever that is announced: it must have
-/// one.
+/// When the state of a registered device is announced, the device is brought to it: there must be a
+/// configured state.
 void checkState(Mox::String8 const& devName, Config const& config, Status const& status) {
   DeviceState const wanted = config.deviceState(devName);
   bool const isWanted =
@@ -27,7 +27,8 @@ void checkState(Mox::String8 const& devName, Config const& config, Status const&
                                        Mox::valueToStrep(devName).charPtr()));
 }
 
-/// What the state machine was not told of, because it was not observing, is told with a handler.
+/// A registered device must keep its state. If the device is no longer configured, the state
+/// machine has not been told, because it was not observing: then a handler must tell it.
 void checkStateRemoval(Mox::String8 const& devName, Config const& config, Status const& status) {
   if (!status.device(devName).registered()) return;
   bool const isConfigured = static_cast<bool>(config.deviceIteratorConst(devName));
@@ -47,7 +48,8 @@ void checkRemove(Target const& entry, Config const& config, Status const& status
   if (isStates(*entry.attribute)) checkStateRemoval(*entry.key, config, status);
 }
 
-/// Devices go before their states; one that is registered but not configured any more would stay.
+/// Applying a slice removes devices before their states. But a device that is registered and no
+/// longer configured would stay without a state.
 void checkApply(Config const& wanted, Config const& config, Status const& status) {
   for (Mox::String8 const& devName : keysOf<Config::DeviceStates>(config)) {
     bool const stays = static_cast<bool>(wanted.deviceStateIteratorConst(devName));

@@ -3,9 +3,9 @@
 #include "agent/access/Entities.h"
 #include "agent/access/Target.h"
 
-/// What is refused of changes by name, because the state machine would end the process over it: the
-/// rules of slice files (`SliceRules.h`), and those that need the state as it is now. Each check
-/// throws `Mox::RangeException`.
+/// Refuses changes by name that would make the state machine end the process. These checks add to
+/// the rules for values (`SliceRules.h`) those that depend on the current state. Each check throws
+/// `Mox::RangeException`.
 namespace Kest::Agent {
 
 /// Before `value` is stored at an entry.

@@ -10,9 +10,9 @@
 #include "platform/mox/String8.h"
 #include "registry/DeviceStateType.h"
 
-/// What the state machine's rules demand of configured values. The configuration entity takes
-/// anything; a value that breaks one of these would end the process when it is announced, so a
-/// slice file that holds one is refused. Each check throws `Mox::RangeException`.
+/// The rules of the state machine for configured values. The configuration entity takes any value,
+/// but announcing one that breaks a rule ends the process. So slice files and single changes that
+/// hold one are refused. Each check throws `Mox::RangeException`.
 namespace Kest::Agent {
 
 inline void checkKey(std::string_view keyName, Mox::String8 const& key) {
@@ -20,7 +20,7 @@ inline void checkKey(std::string_view keyName, Mox::String8 const& key) {
     Mox::throwRangeException(Mox::format("expected an interface name with 'et' in it, found %s",
                                          Mox::valueToStrep(key).charPtr()));
   }
-  // The driver takes interfaces by C strings: two names would be one.
+  // The driver takes names as C strings: it would cut the name off there.
   if (keyName == "ifName" && key.view().find('\0') != std::string_view::npos) {
     Mox::throwRangeException(Mox::format("expected an interface name without NUL, found %s",
                                          Mox::valueToStrep(key).charPtr()));
@@ -37,7 +37,7 @@ inline void checkValue(std::uint16_t vlan) {
   }
 }
 
-/// The states that a device can be brought to, by their names.
+/// Accepts the names of the states that a device can be brought to.
 inline void checkStateName(Mox::String8 const& name) {
   using Hardware::Kest::Slice::DeviceState;
   Mox::String8 const up = stringValue(DeviceState::deviceStateUp_);
@@ -47,7 +47,7 @@ inline void checkStateName(Mox::String8 const& name) {
                                        down.charPtr(), Mox::valueToStrep(name).charPtr()));
 }
 
-/// Of a collection, or of a field. Values of other types are the driver's to judge.
+/// Checks the value of an entry or of a field. The driver judges values of other types.
 inline void checkValue(Mox::GenericIf const& value) {
   using Hardware::Kest::Slice::DeviceState;
   if (auto const* const vlan = Mox::genericVal<std::uint16_t>(&value)) checkValue(*vlan);

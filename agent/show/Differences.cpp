@@ -22,12 +22,12 @@ Json jsonOf(T const& value) {
   return toJson(*Mox::genericOf(value));
 }
 
-/// What the driver tells of it; no say when it does not.
+/// What the driver says about `name`; `noSay` if it says nothing.
 Json memberOf(Json const& known, std::string const& name) {
   return known.is_object() && known.contains(name) ? known.at(name) : noSay;
 }
 
-/// The driver takes a port's numbers as `int`, and -1 for no shadow interface.
+/// The driver holds a port's numbers as `int`, and has -1 for "no shadow interface".
 bool isSame(std::string const& field, Json const& wanted, Json const& has) {
   if (!wanted.is_number() || !has.is_number()) return wanted == has;
   auto const number = wanted.get<std::uint32_t>();
@@ -52,7 +52,7 @@ class SideComparison {
       add("registered", isConfigured, isRegistered, driven);
     }
     bool const isStray = !isConfigured && isKnown && !isRegistered;
-    // The poll asks for whatever has a recorded state.
+    // The poll asks about every device with a recorded state.
     bool const isAskedFor =
         isRegistered || static_cast<bool>(status_.deviceStateIteratorConst(devName));
     if (isStray || (isAskedFor && known.is_null())) {
@@ -84,8 +84,8 @@ class SideComparison {
     found_.push_back({subject_, what, std::move(config), std::move(status), std::move(driver)});
   }
 
-  /// The state that was applied follows the configured one; the driver's follows what was applied,
-  /// of a device that is not configured any more too.
+  /// The applied state should be the configured one, and the driver's state the applied one, even
+  /// if the device is no longer configured.
   void states(String8 const& devName, bool isConfigured, Json const& known) {
     DeviceState const configured = config_.deviceState(devName);
     DeviceState const applied = status_.deviceState(devName);
@@ -102,7 +102,7 @@ class SideComparison {
     if (!error.is_discarded()) add("driver answer", noSay, noSay, error);
   }
 
-  /// Compares what both the record and the driver name.
+  /// Compares the fields that both the record and the driver name.
   template <class Record>
   void parameters(Record const& record, Json const& known) {
     Json const wantedFields = jsonOf(record);
@@ -126,7 +126,8 @@ class SideComparison {
     mode(ifName, isUp && wanted != 0, applied != 0 ? memberOf(known, "mode") : noSay);
   }
 
-  /// A mode is applied with a native VLAN alone; the driver has a flag for one of the modes.
+  /// A mode is applied only together with a native VLAN; the driver has a flag for one of the
+  /// modes.
   void mode(String8 const& ifName, bool isWanted, Json const& flag) {
     auto const applied = status_.switchportModeIteratorConst(ifName);
     Json const wanted = isWanted ? jsonOf(config_.switchportMode(ifName)) : noSay;

@@ -11,7 +11,7 @@ namespace Kest::Agent {
 
 namespace {
 
-/// Strings in the simulated driver's state have `%XX` for bytes that JSON cannot hold.
+/// Undoes the `%XX` by which the simulated driver writes bytes that JSON cannot hold.
 std::string unescaped(std::string_view text) {
   std::string bytes;
   for (std::size_t at = 0; at < text.size(); ++at) {

@@ -23,7 +23,7 @@ struct Cell {
 using Row = std::vector<Cell>;
 
 struct Table {
-  std::string subject;  // what a row is about, as in "port"
+  std::string subject;  // of each row, as in "port"
   std::vector<std::string> columns;
   std::vector<Row> rows;
 };
@@ -64,7 +64,7 @@ Row deviceRow(Mox::String8 const& devName, Config const& config, Status const& s
           stateCell(status.deviceState(devName), config.deviceState(devName))};
 }
 
-/// The keys that either collection holds, in natural order as those are.
+/// The keys of both collections, in natural order.
 std::vector<Mox::String8> allKeys(std::vector<Mox::String8> const& keys,
                                   std::vector<Mox::String8> const& more) {
   std::vector<Mox::String8> all;

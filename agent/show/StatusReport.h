@@ -8,8 +8,8 @@
 
 namespace Kest::Agent {
 
-/// Shows what the status says of every port and device, beside what the configuration says: as
-/// tables on a terminal, otherwise as one line of NAME=VALUE pairs each.
+/// Shows every port and device as configured and as the status has it: in tables on a terminal,
+/// otherwise as a line of NAME=VALUE pairs each.
 void showStatus(Console& console, Config const& config, Status const& status);
 
 /// The configured ports and devices that did not come up, each as in "port et3/1" or "device fap0":

@@ -19,7 +19,7 @@ std::string label(char sign, Mox::String8 const& key) {
   return std::string(1, sign) + " " + Collection::name + " " + nameText(key);
 }
 
-/// The new value, behind the old one if there was one; nothing for a record.
+/// The new value, after the old one if there was one; nothing for a record.
 template <class Iterator, class Value>
 std::string detailText(Iterator const& before, Value const& value) {
   if constexpr (IsRecord<Value>) {

@@ -33,7 +33,7 @@ bool isReregistered(Config::Device const* before, Config::Device const& now);
 /// only what differs is announced. They come in the order that the state machine's rules need:
 ///
 ///  - a device before its state, and before the ports that it carries;
-///  - a device's state announced again behind a change of the device, which leaves it down;
+///  - a device's state announced again after a change of the device, which leaves it down;
 ///  - a device removed before its state: a registered device must always have one;
 ///  - native VLANs and modes before the ports that appear, which are then programmed once;
 ///  - native VLANs and modes before the ports that go, so that nothing stays recorded for them.

@@ -15,16 +15,16 @@ namespace Kest::Agent {
 class LongResult;
 class Upload;
 
-/// Called with a result that comes after `Verbs::carryOut` has returned.
+/// Takes a result that comes after `Verbs::carryOut` has returned.
 using Later = std::function<void(Json result)>;
 
-/// What a request comes to: nothing yet (its result comes through `Later`), its result, a result
-/// that takes its time, or the wish for the bytes that follow the request.
+/// The answer to a request: nothing yet (the result comes through `Later`), the result, a result
+/// that takes long, or a taker of the bytes that follow the request.
 using Answer =
     std::variant<std::monostate, Json, std::unique_ptr<LongResult>, std::unique_ptr<Upload>>;
 
-/// A result that takes long to find or to tell. It is told in pieces, as the client reads them, so
-/// that no reply holds up the activity or is ever in memory as a whole.
+/// A result that takes long to find or to write. It is written in pieces as the client reads them,
+/// so that no reply holds up the activity or is ever in memory as a whole.
 class LongResult {
  public:
   enum class Progress {
@@ -57,7 +57,7 @@ class Upload {
   /// The next bytes, cut anywhere; some ten KiB at a time.
   /// @throw std::exception what the request is refused with; the rest of the bytes is skipped
   virtual void take(std::string_view bytes) = 0;
-  /// After the last byte. No second upload comes of it.
+  /// After the last byte. The answer is never another upload.
   /// @throw std::exception what the request is refused with
   virtual Answer end() = 0;
 };

@@ -24,7 +24,8 @@ using Mox::String8;
 using Wire::ErrorKind;
 using Generic = std::unique_ptr<Mox::GenericIf>;
 
-/// Carries a change out. What an attribute does not support is told by what was asked for.
+/// Carries out a change. If the attribute does not support it, the refusal names what was asked
+/// for.
 /// @param done as in "set"
 Generic change(Target const& target, AttributeOpCode code, char const* done,
                Mox::GenericIf const* value = nullptr) {
@@ -42,13 +43,13 @@ bool isEqual(Mox::GenericIf& a, Mox::GenericIf const& b) {
   return *Mox::genericVal<bool>(result.get());
 }
 
-/// Refuses what goes with its record.
+/// Refuses a field of a record, which cannot be removed or announced by itself.
 void checkIsWhole(Target const& target) {
   if (target.field == nullptr) return;
   throw ControlError(ErrorKind::refused, target.shown() + " is a field: name its record");
 }
 
-/// Refuses what can only be read as a whole, and what is called instead.
+/// Refuses objects and whole collections, which can only be read, and handlers, which are called.
 void checkChangeable(Target const& target) {
   if (target.attribute == nullptr || target.isWholeCollection()) {
     throw ControlError(ErrorKind::refused,
@@ -59,7 +60,7 @@ void checkChangeable(Target const& target) {
   if (target.object->isConst()) target.operate(AttributeOpCode::store);  // which refuses
 }
 
-/// The key of a record that is stored at an entry goes without saying.
+/// Adds the entry's key to a record that does not name it.
 Json withKey(Target const& target, Json value) {
   String8 const& keyName = target.attribute->keyName;
   Mox::TypeNode const* const record = target.attribute->type->typeNode();
@@ -70,7 +71,7 @@ Json withKey(Target const& target, Json value) {
   return value;
 }
 
-/// Whether fields that a request does not name get their defaults, or stay as they are.
+/// Whether fields that the request does not name get their defaults; otherwise they stay.
 bool isReplacing(Request const& request) {
   Json const* const replace = request.find("replace");
   if (replace == nullptr) return false;
@@ -114,8 +115,8 @@ Generic withField(Target const& target, Mox::GenericIf const& part) {
   return type.genericIfNew(parts);
 }
 
-/// Stores a value. As when a slice is applied, the state of a device that this leaves down is
-/// announced again.
+/// Stores a value. If this leaves a device down, its state is announced again, as when a slice is
+/// applied.
 void store(Target const& target, Mox::GenericIf const& value, Config& config) {
   std::optional<Config::Device> before;
   auto const* const device = Mox::genericVal<Config::Device>(&value);
@@ -127,7 +128,7 @@ void store(Target const& target, Mox::GenericIf const& value, Config& config) {
   if (config.deviceStateIteratorConst(*target.key)) config.deviceStateNotify(*target.key);
 }
 
-/// Neither an entry that is absent nor a reference to nothing.
+/// Whether there is a value: no absent entry, and no null reference.
 bool isThere(Mox::GenericIf const* value) {
   auto const* const reference = dynamic_cast<Mox::GenericIfPtrInterface const*>(value);
   return value != nullptr && (reference == nullptr || reference->object());

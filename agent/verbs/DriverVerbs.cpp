@@ -17,8 +17,8 @@ namespace {
 
 using Mox::String8;
 
-/// What an entity's collections of ports, or of devices, say of one of them: the fields of its
-/// record and the values of the others; null when they say nothing.
+/// All that an entity holds about one port or device: the fields of its record, and the values of
+/// the other collections with that key; null if it holds nothing.
 template <class Entity>
 Json sideJson(Entity const& entity, std::string_view keyName, String8 const& key) {
   Json side = nullptr;
@@ -71,8 +71,8 @@ std::string onOneLine(std::string_view json) {
   return line;
 }
 
-/// @param refusedKind the kind of error when the simulated driver refuses, as opposed to not being
-/// there
+/// @param refusedKind the kind of error if the simulated driver refuses; if it is not there, the
+/// kind is `refused`
 template <class Work>
 void steer(SimulatedDriver const& simulated, Wire::ErrorKind refusedKind, Work const& work) {
   try {
@@ -133,7 +133,7 @@ Answer Verbs::driver(Request const& request) {
   SimulatedDriver const simulated(agent_.driver);
   if (action == "fault") {
     std::string const text = request.string("text");
-    if (text.find('\0') != std::string::npos) {  // which would end it for the driver
+    if (text.find('\0') != std::string::npos) {  // the driver would stop reading there
       throw ControlError(Wire::ErrorKind::file, "faults: expected a text without NUL");
     }
     steer(simulated, Wire::ErrorKind::file, [&] { simulated.faultsAre(text); });

@@ -92,7 +92,7 @@ std::vector<MoxType const*> const& registered() {
   return Mox::IntrospectionReactor::global().types();
 }
 
-/// By its full name, or by the end of it if no other type's name ends so.
+/// The type of that full name, or the only one whose full name ends with `::` and that name.
 MoxType const& typeNamed(std::string const& name) {
   std::vector<MoxType const*> found;
   std::vector<std::string> names;

@@ -5,7 +5,7 @@
 
 namespace Kest::Agent {
 
-/// The status is the state machine's to write: from here it can only be read.
+/// Only the state machine writes the status: here it is read-only.
 std::vector<Root> RunningAgent::roots() const {
   return {{"config", [this] { return Mox::genericOf(config); }},
           {"status", [this] { return Mox::genericOf(Mox::Ptr<Status const>(status)); }},

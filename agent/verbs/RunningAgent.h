@@ -12,24 +12,24 @@
 
 namespace Kest::Agent {
 
-/// What came of applying a slice.
+/// The outcome of applying a slice.
 struct Applied {
   std::size_t announced = 0;
   std::size_t unchanged = 0;
   std::vector<std::string> notUp;
 };
 
-/// What the verbs of the control protocol work on: the running agent.
+/// The parts of the running agent that the verbs of the control protocol work on.
 struct RunningAgent {
   Mox::Ptr<Config> config;
   Mox::Ptr<Status> status;
   Mox::Ptr<Hardware::Kest::Slice::KestSliceDmaSm> sm;
   DriverLibrary const& driver;
   PciHandles const& handles;
-  /// Whether a slice is being applied: then another one, or single changes, would get in between.
+  /// Whether a slice is being applied. Other changes would interfere with it.
   std::function<bool()> isApplying;
-  /// Brings the configuration in line with `slice`; `done` comes when that is through, or never if
-  /// the agent ends before.
+  /// Brings the configuration in line with `slice`, then calls `done`; never if the agent ends
+  /// before.
   std::function<void(std::string const& file, Slice slice, std::function<void(Applied)> done)>
       apply;
 

@@ -14,7 +14,7 @@ namespace Kest::Agent {
 
 namespace {
 
-/// What a request says of a slice file, and the reader of that file.
+/// A reader of the file that a request names.
 std::unique_ptr<SliceReader> readerFor(Request const& request) {
   std::string const file = request.string("file");
   SliceForm form = sliceFormOf(file);
@@ -25,12 +25,12 @@ std::unique_ptr<SliceReader> readerFor(Request const& request) {
   return sliceReader(file, form, SliceEnd::optional);
 }
 
-/// Reads a slice file, and does something with the slice.
+/// Reads a slice file, then works with the slice.
 class SliceWork : public LongResult {
  public:
   explicit SliceWork(Request const& request) : reader_(readerFor(request)) {}
 
-  /// Bytes of the file, before the first `goOn`; or all of them, for `goOn` to read.
+  /// The file comes either piece by piece, before the first `goOn`, or whole, for `goOn` to read.
   void take(std::string_view bytes) {
     uploaded_ += bytes.size();
     reader_->take(bytes);
@@ -112,7 +112,7 @@ class ApplyWork final : public SliceWork {
   Slice wanted_;
 };
 
-/// Tells the steps as they are found.
+/// Writes the steps as they are found.
 class DiffWork final : public SliceWork {
  public:
   DiffWork(Request const& request, Mox::Ptr<Config const> running)
@@ -143,7 +143,8 @@ class DiffWork final : public SliceWork {
   char const* separator_ = R"({"steps":[)";  // in front of the next step
 };
 
-/// Finds out whether JSON can hold the strings, which takes writing it, and then tells the file.
+/// For JSON, first writes the file without keeping it, to find out whether JSON can hold its
+/// strings; then writes it into the result.
 class DumpWork final : public LongResult {
  public:
   DumpWork(Mox::Ptr<Config const> config, std::vector<Mox::String8> handles, SliceForm form)

@@ -8,15 +8,15 @@
 
 namespace Kest::Agent {
 
-/// The verbs of the control protocol (`doc/control-protocol.md`), but for `watch`, which is about a
-/// connection.
+/// The verbs of the control protocol (`doc/control-protocol.md`), except `watch`, which concerns
+/// the connection.
 class Verbs {
  public:
   explicit Verbs(RunningAgent const& agent) : agent_(agent) {}
 
-  /// Carries a request, an object, out.
+  /// Carries out a request, which is a JSON object.
   /// @param mayChange whether the client may change anything
-  /// @param later for a result that comes later
+  /// @param later takes a result that comes later
   /// @throw std::exception what the request is refused with
   Answer carryOut(Json const& json, bool mayChange, Later later);
 
