@@ -4,7 +4,7 @@
 #include <csignal>
 
 #include "test/agent/support/AgentProcess.h"
-#include "test/agent/support/ControlClient.h"
+#include "test/agent/support/Client.h"
 #include "test/agent/support/ScratchDirectory.h"
 
 /// The agent when nobody reads what it shows.
@@ -41,7 +41,7 @@ class AgentOutput : public ScratchDirectory {
     std::string const request =
         R"({"verb":"get","path":"config/nativeVlan/)" + longPort(many) + R"(","form":"text"})";
     std::string answer;
-    ControlClient client(directory + "/control.sock");
+    Client client(directory + "/control.sock");
     do {
       answer = client.ask(request);
     } while (answer.find("\"" + vlan + "\"") == std::string::npos);

@@ -4,7 +4,7 @@
 #include <csignal>
 
 #include "test/agent/support/AgentProcess.h"
-#include "test/agent/support/ControlClient.h"
+#include "test/agent/support/Client.h"
 #include "test/agent/support/ScratchDirectory.h"
 
 namespace Kest::Agent {
@@ -20,7 +20,7 @@ class ControlledAgent : public ScratchDirectory {
  protected:
   /// What a new client is answered.
   std::string ask(std::string const& request) const {
-    return ControlClient(directory + "/control.sock").ask(request);
+    return Client(directory + "/control.sock").ask(request);
   }
 
   std::string slice(char const* name) const { return std::string(KEST_EXAMPLES "/") + name; }

@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,8 +11,10 @@
 #include "ctl/Failure.h"
 #include "ctl/Present.h"
 #include "ctl/ReplyText.h"
+#include "ctl/Verbs.h"
 #include "test/complexity/Texts.h"
 #include "test/fuzz/SocketFolder.h"
+#include "test/support/UnixSocket.h"
 
 namespace Kest::Complexity {
 
@@ -24,11 +25,7 @@ class Speaker {
  public:
   explicit Speaker(std::string const& text)
       : listener_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path().copy(address.sun_path, sizeof address.sun_path - 1);
-    if (bind(listener_, reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0 ||
-        listen(listener_, 1) != 0) {
+    if (Support::bindTo(listener_, path()) != 0 || listen(listener_, 1) != 0) {
       throw std::runtime_error("no socket for replies");
     }
     thread_ = std::thread([this, &text] { say(text); });

@@ -1,5 +1,4 @@
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +9,7 @@
 
 #include "test/complexity/Texts.h"
 #include "test/fuzz/FuzzedAgent.h"
+#include "test/support/UnixSocket.h"
 
 namespace Kest::Complexity {
 
@@ -20,12 +20,7 @@ class Sender {
  public:
   explicit Sender(std::string const& path)
       : fd_(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    if (connect(fd_, reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0) {
-      throw std::runtime_error("the agent takes no client");
-    }
+    if (Support::connectTo(fd_, path) != 0) throw std::runtime_error("the agent takes no client");
   }
   Sender(Sender const&) = delete;
   Sender& operator=(Sender const&) = delete;

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include "test/ctl/KestctlRun.h"
+#include "test/support/UnixSocket.h"
 
 namespace Kest::Ctl {
 namespace {
@@ -61,13 +61,9 @@ TEST_F(KestctlFailure, AnAgentThatDoesNotAnswerInTimeIsNotWaitedFor) {
 class FullBacklog {
  public:
   explicit FullBacklog(std::string const& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    auto const* const target = reinterpret_cast<sockaddr const*>(&address);
-    EXPECT_EQ(bind(listener_, target, sizeof address), 0);
+    EXPECT_EQ(Support::bindTo(listener_, path), 0);
     EXPECT_EQ(listen(listener_, 0), 0);
-    EXPECT_EQ(connect(first_, target, sizeof address), 0);
+    EXPECT_EQ(Support::connectTo(first_, path), 0);
   }
   ~FullBacklog() {
     close(first_);

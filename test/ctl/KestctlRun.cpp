@@ -1,9 +1,9 @@
 #include "test/ctl/KestctlRun.h"
+#include "test/support/UnixSocket.h"
 
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -81,11 +81,8 @@ class ScriptedAgent {
   ScriptedAgent(std::string const& path, std::vector<std::string> const& replies)
       : replies_(replies) {
     listener_.fd = check(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     unlink(path.c_str());
-    check(bind(listener_.fd, reinterpret_cast<sockaddr const*>(&address), sizeof address), "bind");
+    check(Support::bindTo(listener_.fd, path), "bind");
     check(listen(listener_.fd, 1), "listen");
   }
 

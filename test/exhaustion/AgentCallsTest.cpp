@@ -26,6 +26,7 @@
 #include "test/agent/support/Client.h"
 #include "test/agent/support/ScratchDirectory.h"
 #include "test/exhaustion/Calls.h"
+#include "test/support/UnixSocket.h"
 
 /// The agent's sockets, files and loop when the system refuses: it goes on, or says what is wrong.
 namespace Kest::Agent {
@@ -59,10 +60,7 @@ class AgentCalls : public ScratchDirectory {
 void leaveSocket(std::string const& path) {
   fs::remove(path);
   int const fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  path.copy(address.sun_path, sizeof address.sun_path - 1);
-  ASSERT_EQ(bind(fd, reinterpret_cast<sockaddr const*>(&address), sizeof address), 0);
+  ASSERT_EQ(Support::bindTo(fd, path), 0);
   close(fd);
 }
 

@@ -1,8 +1,9 @@
 #include <nlohmann/json.hpp>
 
 #include "ctl/Present.h"
-#include "text/Escapes.h"
+#include "ctl/Verbs.h"
 #include "test/fuzz/Fuzz.h"
+#include "text/Escapes.h"
 
 /// What the client shows of replies: an agent of another version may send anything. It is shown, or
 /// found to be of the wrong form (a JSON exception, which the client reports); and nothing but

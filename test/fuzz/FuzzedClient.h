@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "test/fuzz/Fuzz.h"
+#include "test/support/UnixSocket.h"
 
 namespace Fuzz {
 
@@ -25,11 +25,7 @@ class FuzzedClient {
  public:
   explicit FuzzedClient(std::string const& path)
       : fd_(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    require(connect(fd_, reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0,
-            "the agent takes clients");
+    require(Support::connectTo(fd_, path) == 0, "the agent takes clients");
   }
   FuzzedClient(FuzzedClient const&) = delete;
   FuzzedClient& operator=(FuzzedClient const&) = delete;

@@ -6,6 +6,7 @@
 #include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
 #include "ctl/Present.h"
+#include "ctl/Verbs.h"
 #include "driver/sim/SimDriver.h"
 #include "driver/sim/StateText.h"
 #include "platform/mox/GenericValue.h"

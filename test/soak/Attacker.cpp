@@ -1,10 +1,10 @@
 #include "test/soak/Attacker.h"
+#include "test/support/UnixSocket.h"
 
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -56,11 +56,8 @@ class Client {
  private:
   bool connected() {
     fd_ = socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path_.copy(address.sun_path, sizeof address.sun_path - 1);
     sent_ = asked_ = 0;
-    if (connect(fd_, reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0) return true;
+    if (Support::connectTo(fd_, path_) == 0) return true;
     return end();
   }
 

@@ -1,9 +1,9 @@
 #include "test/soak/Load.h"
+#include "test/support/UnixSocket.h"
 
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
@@ -82,12 +82,7 @@ void sendWhole(Connection const& connection, std::string const& request) {
 
 Connection::Connection(std::string const& path)
     : fd_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  path.copy(address.sun_path, sizeof address.sun_path - 1);
-  if (connect(fd_, reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0) {
-    refuse("connect");
-  }
+  if (Support::connectTo(fd_, path) != 0) refuse("connect");
 }
 
 Connection::~Connection() {

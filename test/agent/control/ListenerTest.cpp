@@ -12,6 +12,7 @@
 
 #include "test/agent/support/Client.h"
 #include "test/agent/support/ScratchDirectory.h"
+#include "test/support/UnixSocket.h"
 
 namespace Kest::Agent {
 namespace {
@@ -45,10 +46,7 @@ class ListenerTest : public ScratchDirectory {
   /// A socket in the file system that somebody else made.
   static Descriptor foreignSocket(std::string const& at) {
     Descriptor made(socket(AF_UNIX, SOCK_STREAM, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    at.copy(address.sun_path, sizeof address.sun_path - 1);
-    EXPECT_EQ(bind(made.fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address), 0);
+    EXPECT_EQ(Support::bindTo(made.fd(), at), 0);
     return made;
   }
 

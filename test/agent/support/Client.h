@@ -2,32 +2,31 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <cstring>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "test/support/UnixSocket.h"
+
 namespace Kest::Agent {
 
-/// A client's end of a connection; never blocks.
+/// A client's end of a connection. Never blocks, except in `ask`.
 class Client {
  public:
   /// @param fd becomes the client's
   explicit Client(int fd) : fd_(fd) { fcntl(fd_, F_SETFL, O_NONBLOCK); }
   explicit Client(std::string const& path)
       : Client(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    if (connect(fd_, reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0) {
+    if (Support::connectTo(fd_, path) != 0) {
       throw std::system_error(errno, std::generic_category(), "connect to " + path);
     }
   }
@@ -60,6 +59,25 @@ class Client {
     }
   }
   bool isEnded() { return !receive(); }
+
+  /// The line that the agent answers with; empty when it ends without an answer. Gives up, and
+  /// throws, after a time that no working agent needs.
+  std::string ask(std::string const& request) {
+    constexpr int patienceMilliseconds = 60000;
+    send(request + "\n");
+    std::size_t end;
+    for (bool isOpen = true; (end = received_.find('\n')) == std::string::npos;) {
+      if (!isOpen) return {};
+      pollfd waiting{fd_, POLLIN, 0};
+      if (poll(&waiting, 1, patienceMilliseconds) <= 0) {
+        throw std::runtime_error("the agent does not answer");
+      }
+      isOpen = receive();
+    }
+    std::string line = received_.substr(0, end);
+    received_.erase(0, end + 1);
+    return line;
+  }
 
   /// What has come since the last time.
   std::string received() {
