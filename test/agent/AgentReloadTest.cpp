@@ -16,6 +16,12 @@ class AgentReload : public ScratchDirectory {
   static constexpr char const* upAndRunning =
       "device fap0 handle=/pci/fap0 chip-type=unknown registered=yes state=up\n";
 
+  /// Has the agent read the slice file again, which now holds this.
+  void reload(AgentProcess const& agent, std::string const& slice) const {
+    fileIs("slice", slice);
+    agent.signalIs(SIGHUP);
+  }
+
   /// Ends the agent, which has said all that it is to say.
   static void end(AgentProcess& agent, int signal, std::string const& name) {
     agent.signalIs(signal);
@@ -30,9 +36,8 @@ TEST_F(AgentReload, AppliesOnlyWhatDiffers) {
   AgentProcess agent(directory, {"slice"});
   agent.outputUntil("native-VLAN=10 mode=access\n");
 
-  fileIs("slice", device("fap0", ", 'numFaps': 2") + port(1) + port(2) +
-                      "nativeVlan 'et1' 20\nnativeVlan 'et3' 30\n");
-  agent.signalIs(SIGHUP);
+  reload(agent, device("fap0", ", 'numFaps': 2") + port(1) + port(2) +
+                    "nativeVlan 'et1' 20\nnativeVlan 'et3' 30\n");
   EXPECT_EQ(agent.outputUntil("left alone\n"), R"(config  ~ device fap0
 status  deviceState fap0: unknown
 config  ! deviceState fap0 announced again
@@ -45,8 +50,7 @@ status  switchPort et2: created
 slice: announced 5 changes, 2 unchanged entries left alone
 )");
 
-  fileIs("slice", "sliceId 'empty'\n");
-  agent.signalIs(SIGHUP);
+  reload(agent, "sliceId 'empty'\n");
   EXPECT_EQ(agent.outputUntil("left alone\n"), R"(config  ~ sliceId 'empty'
 config  - device fap0
 status  device fap0: removed
@@ -81,8 +85,7 @@ TEST_F(AgentReload, OfABadFileChangesNothing) {
   AgentProcess agent(directory, {"slice"});
   agent.outputUntil(upAndRunning);
 
-  fileIs("slice", "sliceId 'new'\ndeviceState 'fap0' 'deviceStateUnknown'\n");
-  agent.signalIs(SIGHUP);
+  reload(agent, "sliceId 'new'\ndeviceState 'fap0' 'deviceStateUnknown'\n");
   EXPECT_EQ(agent.outputUntil("^\n"),
             "not reloaded: slice:2:20: expected 'deviceStateUp' or 'deviceStateDown', "
             "found 'deviceStateUnknown'\n"
@@ -98,8 +101,7 @@ TEST_F(AgentReload, OfABadFileChangesNothing) {
   EXPECT_EQ(agent.outputUntil("\n"),
             "not reloaded: slice: cannot be read: No such file or directory\n");
 
-  fileIs("slice", device("fap0"));
-  agent.signalIs(SIGHUP);
+  reload(agent, device("fap0"));
   EXPECT_EQ(agent.outputUntil("left alone\n"),
             "slice: announced 0 changes, 2 unchanged entries left alone\n");
   end(agent, SIGTERM, "SIGTERM");
@@ -127,16 +129,13 @@ TEST_F(AgentReload, RemovesHalfOfThePortsAtMostUnlessTheyAreFew) {
   agent.outputUntil(
       "port et10 device=- destination=0 MAC=00:00:00:00:00:00 created=yes "
       "native-VLAN=- mode=-\n");
-  fileIs("slice", port(1) + port(2) + port(3) + port(4));
-  agent.signalIs(SIGHUP);
+  reload(agent, port(1) + port(2) + port(3) + port(4));
   EXPECT_EQ(
       agent.outputUntil("\n"),
       "not reloaded: slice would remove 6 of 10 ports: if that is meant, use kestctl apply\n");
-  fileIs("slice", port(1) + port(2) + port(3) + port(4) + port(5));
-  agent.signalIs(SIGHUP);
+  reload(agent, port(1) + port(2) + port(3) + port(4) + port(5));
   agent.outputUntil("slice: announced 5 changes, 5 unchanged entries left alone\n");
-  fileIs("slice", port(1));
-  agent.signalIs(SIGHUP);
+  reload(agent, port(1));
   agent.outputUntil("slice: announced 4 changes, 1 unchanged entries left alone\n");
   end(agent, SIGTERM, "SIGTERM");
 }
@@ -145,8 +144,7 @@ TEST_F(AgentReload, WantsTheEndOfTheFileIfItIsRequired) {
   fileIs("slice", device("fap0") + "end\n");
   AgentProcess agent(directory, {"slice", "--require-end"});
   agent.outputUntil(upAndRunning);
-  fileIs("slice", device("fap0"));
-  agent.signalIs(SIGHUP);
+  reload(agent, device("fap0"));
   EXPECT_EQ(agent.outputUntil("^\n"),
             "not reloaded: slice:4:1: expected 'end' as the last statement, found none\n"
             "  \n"
@@ -165,8 +163,7 @@ TEST_F(AgentReload, WaitsUntilTheFirstApplicationIsWhole) {
   fileIs("slice", port(1) + port(2) + port(3) + port(4));
   AgentProcess agent(directory, {"slice"});
   agent.outputUntil("config  + switchPort et1\n");
-  fileIs("slice", port(1) + port(2) + port(3));
-  agent.signalIs(SIGHUP);
+  reload(agent, port(1) + port(2) + port(3));
   agent.signalIs(SIGHUP);
   EXPECT_EQ(agent.outputUntil("left alone\n"), R"(status  switchPort et1: created
 config  + switchPort et2

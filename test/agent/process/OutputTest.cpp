@@ -79,9 +79,18 @@ std::string lines(unsigned from, unsigned to) {
   return all;
 }
 
-OutputLimits bounded(std::size_t bytes) {
-  return {bytes, milliseconds(0)};
-}
+/// A stream that leads to a pipe or a socket, and keeps so many bytes that are not taken.
+struct Way {
+  explicit Way(std::array<int, 2> const& both = pipeEnds(), std::size_t bytes = 1000,
+               milliseconds patience = milliseconds(0))
+      : ends(both), output(ends.writer(), {bytes, patience}) {}
+
+  std::string text() const { return ends.text(); }
+
+  Ends ends;
+  Output output;
+  std::ostream out{&output};
+};
 
 class OutputTest : public ScratchDirectory {
  protected:
@@ -95,10 +104,10 @@ class OutputTest : public ScratchDirectory {
   }
 
   /// How many lines an empty pipe keeps; it is empty again.
-  static unsigned capacityOf(Ends const& pipe, std::ostream& out) {
-    writeLines(out, 1, plenty);
+  static unsigned capacityOf(Way& pipe) {
+    writeLines(pipe.out, 1, plenty);
     unsigned const taken = linesIn(pipe.text());
-    out.flush();
+    pipe.out.flush();
     pipe.text();
     return taken;
   }
@@ -109,83 +118,73 @@ class OutputTest : public ScratchDirectory {
 };
 
 TEST_F(OutputTest, WritesWhatIsFlushedAtOnce) {
-  Ends const pipe(pipeEnds());
-  Output output(pipe.writer());
-  std::ostream out(&output);
-  out << "one " << 1;
+  Way pipe;
+  pipe.out << "one " << 1;
   EXPECT_EQ(pipe.text(), "");
-  out << '\n' << std::flush;
+  pipe.out << '\n' << std::flush;
   EXPECT_EQ(pipe.text(), "one 1\n");
 }
 
 TEST_F(OutputTest, KeepsWhatIsNotTakenInOrderAndSaysHowMuchIsLost) {
   for (auto const& ends : {pipeEnds(), socketEnds()}) {
-    Ends const way(ends);
-    Output output(way.writer(), bounded(1000));
-    std::ostream out(&output);
-    writeLines(out, 1, plenty);
+    Way way(ends);
+    writeLines(way.out, 1, plenty);
     std::string const first = way.text();
     unsigned const taken = linesIn(first);
     EXPECT_EQ(first, lines(1, taken));
-    out << "later\n" << std::flush;
+    way.out << "later\n" << std::flush;
     EXPECT_EQ(way.text(), lines(taken + 1, taken + 10) + std::to_string(plenty - taken - 10) +
                               " lines lost: could not be written in time\nlater\n");
-    EXPECT_TRUE(out.good());
+    EXPECT_TRUE(way.out.good());
   }
 }
 
 TEST_F(OutputTest, SaysThatALineIsLostWhenTheReaderHasCaughtUp) {
-  Ends const pipe(pipeEnds());
-  Output output(pipe.writer(), bounded(150));
-  std::ostream out(&output);
-  unsigned const taken = capacityOf(pipe, out);
-  writeLines(out, 1, taken + 2);
+  Way pipe(pipeEnds(), 150);
+  unsigned const taken = capacityOf(pipe);
+  writeLines(pipe.out, 1, taken + 2);
   EXPECT_EQ(pipe.text(), lines(1, taken));
-  out << "ports [....]" << std::flush;  // not a line
+  pipe.out << "ports [....]" << std::flush;  // not a line
   EXPECT_EQ(pipe.text(),
             line(taken + 1) + "1 line lost: could not be written in time\nports [....]");
 }
 
 TEST_F(OutputTest, IsWrittenByTheLoopOnceThereIsRoom) {
-  Ends const pipe(pipeEnds());
   Mox::ActivityLoop loop(nullptr);
-  Output output(pipe.writer(), bounded(1000));
-  output.loopIs(&loop);
-  std::ostream out(&output);
-  unsigned const taken = capacityOf(pipe, out);
-  writeLines(out, 1, taken + 12);
+  Way pipe;
+  pipe.output.loopIs(&loop);
+  unsigned const taken = capacityOf(pipe);
+  writeLines(pipe.out, 1, taken + 12);
   EXPECT_EQ(pipe.text(), lines(1, taken));
   loop.runOnce(0);
   EXPECT_EQ(pipe.text(),
             lines(taken + 1, taken + 10) + "2 lines lost: could not be written in time\n");
-  writeLines(out, 1, taken + 1);
+  writeLines(pipe.out, 1, taken + 1);
   EXPECT_EQ(pipe.text(), lines(1, taken));
-  output.loopIs(nullptr);
+  pipe.output.loopIs(nullptr);
   loop.runOnce(0);
   EXPECT_EQ(pipe.text(), "");
 }
 
 TEST_F(OutputTest, LosesWhatNobodyCanReadAnyMoreAndGoesOn) {
   for (auto const& ends : {pipeEnds(), socketEnds()}) {
-    Ends way(ends);
     Mox::ActivityLoop loop(nullptr);
-    Output output(way.writer(), bounded(1000));
-    output.loopIs(&loop);
-    std::ostream out(&output);
-    writeLines(out, 1, plenty);
-    way.readerIsGone();
+    Way way(ends);
+    way.output.loopIs(&loop);
+    writeLines(way.out, 1, plenty);
+    way.ends.readerIsGone();
     loop.runOnce(0);
-    writeLines(out, 1, 10);
-    EXPECT_TRUE(out.good());
+    writeLines(way.out, 1, 10);
+    EXPECT_TRUE(way.out.good());
     auto const start = Clock::now();
-    output.drain(start + std::chrono::hours(1));
+    way.output.drain(start + std::chrono::hours(1));
     EXPECT_LT(Clock::now() - start, std::chrono::minutes(1));
   }
 }
 
 TEST_F(OutputTest, CountsWhatADeviceRefusesUntilItTakesIt) {
   int const full = open("/dev/full", O_WRONLY | O_CLOEXEC);
-  Output output(full, bounded(1000));
+  Output output(full, {1000, milliseconds(0)});
   std::ostream out(&output);
   writeLines(out, 1, 3);
   out << "two\nlines\n" << std::flush;
@@ -211,25 +210,21 @@ TEST_F(OutputTest, AppendsToAFile) {
 }
 
 TEST_F(OutputTest, WaitsOnceForAReaderWhoIsLate) {
-  Ends const pipe(pipeEnds());
   milliseconds const patience(20);
-  Output output(pipe.writer(), {1000, patience});
-  std::ostream out(&output);
+  Way pipe(pipeEnds(), 1000, patience);
   auto const start = Clock::now();
-  writeLines(out, 1, plenty);
+  writeLines(pipe.out, 1, plenty);
   EXPECT_GE(Clock::now() - start, patience);
   EXPECT_LT(Clock::now() - start, plenty / 10 * patience);
 }
 
 TEST_F(OutputTest, IsForgottenByAProcessThatItIsNotOf) {
-  Ends const pipe(pipeEnds());
-  Output output(pipe.writer(), bounded(100));
-  std::ostream out(&output);
-  unsigned const taken = capacityOf(pipe, out);
-  writeLines(out, 1, taken + 2);
+  Way pipe(pipeEnds(), 100);
+  unsigned const taken = capacityOf(pipe);
+  writeLines(pipe.out, 1, taken + 2);
   EXPECT_EQ(pipe.text(), lines(1, taken));
-  output.forget();
-  out << "mine\n" << std::flush;
+  pipe.output.forget();
+  pipe.out << "mine\n" << std::flush;
   EXPECT_EQ(pipe.text(), "mine\n");
 }
 
