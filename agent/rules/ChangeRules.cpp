@@ -48,6 +48,12 @@ void checkRemove(Target const& entry, Config const& config, Status const& status
   if (isStates(*entry.attribute)) checkStateRemoval(*entry.key, config, status);
 }
 
+void checkHasState(Mox::String8 const& devName, Config const& slice) {
+  if (slice.deviceStateIteratorConst(devName)) return;
+  Mox::throwRangeException(
+      Mox::format("expected a %s for this device, found none", Config::DeviceStates::name));
+}
+
 /// Applying a slice removes devices before their states. But a device that is registered and no
 /// longer configured would stay without a state.
 void checkApply(Config const& wanted, Config const& config, Status const& status) {

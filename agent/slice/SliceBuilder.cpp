@@ -55,12 +55,6 @@ void SliceBuilder::store(Mox::Attribute const& attribute, Mox::String8 const* ke
   adapter_->attributeOp({attribute.id, Mox::AttributeOpCode::store, index.get()}, &value, nothing);
 }
 
-void SliceBuilder::checkHasState(Mox::String8 const& devName) const {
-  if (slice_.config->deviceStateIteratorConst(devName)) return;
-  Mox::throwRangeException(
-      Mox::format("expected a %s for this device, found none", Config::DeviceStates::name));
-}
-
 Slice SliceBuilder::take() {
   return std::move(slice_);
 }

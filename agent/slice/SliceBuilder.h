@@ -36,10 +36,6 @@ class SliceBuilder {
   /// @param key null for an attribute that is no collection
   void store(Mox::Attribute const& attribute, Mox::String8 const* key, Mox::GenericIf const& value);
 
-  /// At the end: the machine ends the process when it is to set the state of a registered device
-  /// that has none.
-  void checkHasState(Mox::String8 const& devName) const;
-
   Config const& config() const { return *slice_.config; }
   Slice take();
 

@@ -8,6 +8,7 @@
 
 #include "agent/access/PiecewiseWork.h"
 #include "agent/access/ValueText.h"
+#include "agent/rules/ChangeRules.h"
 #include "agent/rules/SliceRules.h"
 #include "agent/slice/JsonDocument.h"
 #include "agent/slice/SliceAttributes.h"
@@ -198,7 +199,7 @@ class JsonSliceReader final : public SliceReader {
     work_.add([this, &devices, next = devices.begin()]() mutable {
       if (next == devices.end()) return false;
       at(JsonPointer() / Config::Devices::name / next.key(),
-         [&] { builder_.checkHasState(String8(next.key())); });
+         [&] { checkHasState(String8(next.key()), builder_.config()); });
       ++next;
       return true;
     });

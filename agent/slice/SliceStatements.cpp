@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "agent/rules/ChangeRules.h"
 #include "agent/rules/SliceRules.h"
 #include "agent/slice/FileError.h"
 #include "agent/slice/LineReader.h"
@@ -105,7 +106,7 @@ class StatementReader final : public SliceReader {
 
   void checkState(Device const& device) const {
     try {
-      builder_.checkHasState(device.name);
+      checkHasState(device.name, builder_.config());
     } catch (Mox::RangeException const& refused) {
       refuse(device.place, refused.text().view());
     }
