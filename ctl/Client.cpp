@@ -101,7 +101,7 @@ void Client::connect(std::string const& path, Deadline deadline) const {
   }
   std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
   auto const* const target = reinterpret_cast<sockaddr const*>(&address);
-  // The system lets those who wait for room in the backlog in by turns.
+  // When the backlog is full, the system lets waiting clients in one by one.
   do {
     waitIs(deadline);
     if (::connect(fd_, target, sizeof address) == 0) return;
@@ -110,11 +110,11 @@ void Client::connect(std::string const& path, Deadline deadline) const {
   throw Failure(Exit::timedOut, "timeout", "the agent took no connection in time");
 }
 
-/// How long to wait for a connection; nothing else on the socket waits by itself.
+/// Bounds the wait for a connection. Nothing else on the socket blocks.
 void Client::waitIs(Deadline deadline) const {
   constexpr long thousand = 1000;
   if (!deadline) return;
-  long const wait = std::max(milliseconds(deadline), 1);  // 0 would be for ever
+  long const wait = std::max(milliseconds(deadline), 1);  // 0 would wait for ever
   timeval const time{wait / thousand, wait % thousand * thousand};
   setsockopt(fd_, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
 }
@@ -137,7 +137,7 @@ void Client::send(std::string_view bytes, Deadline deadline) {
     } else if (errno == EAGAIN) {
       await(POLLOUT, deadline);
     } else if (errno == EPIPE || errno == ECONNRESET) {
-      return;  // it may have said why
+      return;  // the agent may have said why
     } else if (errno != EINTR) {
       throwBadReply(std::strerror(errno));
     }

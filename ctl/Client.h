@@ -10,8 +10,8 @@
 
 namespace Kest::Ctl {
 
-/// A connection to the agent. Every wait ends at a deadline. `Failure` of kind `no-agent`,
-/// `timeout`, or `reply` when what comes is no message of the protocol.
+/// A connection to the agent. Every wait ends at a deadline.
+/// @throw Failure of kind `no-agent`, `timeout`, or `reply` for a message that breaks the protocol
 class Client {
  public:
   using Clock = std::chrono::steady_clock;
@@ -29,7 +29,7 @@ class Client {
   /// agent refuses.
   /// @param following bytes that come after the request
   Json ask(Json const& request, Deadline deadline, std::string_view following = {});
-  /// The next event, waited for. `Failure` when the agent ends the connection.
+  /// Waits for the next event. Throws `Failure` when the agent ends the connection.
   Json event();
 
  private:
@@ -42,7 +42,7 @@ class Client {
 
   int fd_;
   std::string input_;
-  std::size_t begin_ = 0;  // of what has not been taken as a line
+  std::size_t begin_ = 0;  // of the input that has not been taken
 };
 
 }  // namespace Kest::Ctl

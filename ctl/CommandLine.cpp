@@ -14,13 +14,13 @@ namespace Kest::Ctl {
 
 namespace {
 
-/// What CLI11 asks of a check: what is wrong, or nothing.
+/// A check for CLI11: returns what is wrong, or nothing.
 template <class Number>
 std::string positive(std::string const& text) {
   Number number{};
   char const* const end = text.data() + text.size();
-  auto const [behind, error] = std::from_chars(text.data(), end, number);
-  if (error == std::errc() && behind == end && number > Number{}) return "";
+  auto const [rest, error] = std::from_chars(text.data(), end, number);
+  if (error == std::errc() && rest == end && number > Number{}) return "";
   return "expected a number above 0, found '" + text + "'";
 }
 
@@ -94,7 +94,7 @@ class VerbLine {
   static constexpr int most = 64;
   static constexpr char guard = '\0';  // no word of a command line has it
 
-  /// Where an argument may be repeated CLI11 would make two of `[a,b]`.
+  /// Protects `[a,b]`, which CLI11 would split where an argument may be repeated.
   void guardLists(std::vector<std::string>& words) const {
     if (verb_.parameters.empty() || !verb_.parameters.back().isRepeated) return;
     for (std::string& word : words) {
@@ -110,7 +110,7 @@ class VerbLine {
                        std::to_string(options_.arguments.size()));
   }
 
-  /// A first argument that must be one of some words is one of them.
+  /// Refuses a first argument that is not one of the words that the verb knows.
   void checkFirstWord() const {
     if (verb_.parameters.empty() || options_.arguments.empty()) return;
     Parameter const& first = verb_.parameters.front();
@@ -188,7 +188,7 @@ std::string optionValue(Verb const& verb, std::string const& name) {
     if (option->check_name(name) && option->nonpositional() &&
         option->get_items_expected_max() > 0) {
       std::string const type = option->get_type_name();
-      return type.substr(0, type.find(':'));  // behind it is what its check allows
+      return type.substr(0, type.find(':'));  // what its check allows follows
     }
   }
   return "";

@@ -16,15 +16,16 @@ struct Command {
   Options options;
 };
 
-/// The command, or the text that `--help` or `--version` asked for. `Failure` of kind `usage`.
+/// The command, or the text that `--help` or `--version` asks for.
+/// @throw Failure of kind `usage`
 std::variant<Command, std::string> readCommandLine(std::vector<std::string> const& words);
 
 /// What `--format` takes.
 std::vector<std::string> formats();
 /// The options that a verb takes, as they are typed.
 std::vector<std::string> optionNames(Verb const& verb);
-/// What an option of a verb takes, as the help calls it: `FILE`, `SECONDS`. Empty for a flag, or
-/// when the verb has no such option.
+/// The kind of value that an option of a verb takes, as in the help: `FILE`, `SECONDS`. Empty for a
+/// flag, or when the verb has no such option.
 std::string optionValue(Verb const& verb, std::string const& name);
 
 }  // namespace Kest::Ctl

@@ -24,11 +24,11 @@ std::vector<std::string> fromAgent(std::string const& socket, char const* what,
   }
 }
 
-/// The words behind the verb, read as far as they go.
+/// The words after the verb, as far as they can be read.
 struct Line {
   std::vector<std::string> arguments;  // without the word that is completed
   std::string socket = Wire::defaultSocketPath().value_or(std::string());
-  std::string valueOf;       // what an option wants the last word to be; empty: it is none's value
+  std::string valueOf;       // the kind of value, if the last word is an option's; else empty
   bool takesOptions = true;  // no `--` yet
 };
 
@@ -50,7 +50,7 @@ Line read(Verb const& verb, std::vector<std::string> const& words) {
   return line;
 }
 
-/// The devices that are configured.
+/// The configured devices.
 std::vector<std::string> devices(std::string const& socket, std::string const& beginning) {
   std::string const folder = "config/device/";
   std::vector<std::string> names = fromAgent(socket, "path", folder + beginning);

@@ -15,7 +15,7 @@ enum class Exit : int {
   timedOut = 4,
 };
 
-/// Why a command was not carried out: what people read, and what `--json` shows.
+/// Why a command failed: the message for people, and the kind that `--json` shows.
 class Failure : public std::runtime_error {
  public:
   Failure(Exit exit, std::string kind, std::string const& message, std::string suggestion = {})
@@ -26,7 +26,7 @@ class Failure : public std::runtime_error {
 
   Exit exit() const noexcept { return exit_; }
   std::string const& kind() const noexcept { return kind_; }
-  /// What was probably meant; empty when nothing is near.
+  /// The name that was probably meant; empty if there is none.
   std::string const& suggestion() const noexcept { return suggestion_; }
 
  private:

@@ -39,7 +39,7 @@ std::string keyText(Json const& attribute) {
   return shown(attribute.at("key").at("name")) + ": " + shown(attribute.at("key").at("type"));
 }
 
-/// The end of an enumerator's name: `deviceStateUp` is `Up` to whoever knows that it is a state.
+/// An enumerator's name without its prefix, in lower case: `deviceStateUp` becomes `up`.
 std::string enumerator(Json const& value, std::string const& prefix) {
   std::string text = value.is_null() ? "-" : shown(value);
   if (text.starts_with(prefix)) text.erase(0, prefix.size());
@@ -57,7 +57,7 @@ std::string yesNo(Json const& flag) {
   return flag == true ? "yes" : "no";
 }
 
-/// What the sides say, once if they all say the same.
+/// What the sides say, only once if they agree.
 Cell beside(std::vector<std::string> const& sides) {
   std::string text;
   bool agree = true;
@@ -106,7 +106,7 @@ Row portRow(Json const& port, bool driverTells) {
     created.push_back(yesNo(!driver.is_null()));
     vlans.push_back(vlanText(member(driver, "nativeVlan")));
   }
-  // A mode says something only where there is a native VLAN.
+  // Without a native VLAN the mode has no effect.
   bool const hasVlan = vlans.front() != "-";
   std::string const mode = enumerator(member(config, "switchportMode"), "switchportMode");
   return {{shown(port.at("name"))},
@@ -217,7 +217,7 @@ Shown presentSteps(Json const& result, Options const&, bool) {
           result.at("steps").empty()};
 }
 
-/// For a file or a pipe as much as for people: as it is.
+/// Unchanged: it may go to a file or a pipe.
 Shown presentContent(Json const& result, Options const&, bool) {
   if (result.value("changed", false)) {
     throw Failure(Exit::failed, "busy",

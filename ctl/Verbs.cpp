@@ -38,7 +38,7 @@ Json handlerAndArguments(Options const& options) {
   return {{"handler", options.arguments.at(0)}, {"args", arguments}};
 }
 
-/// No statement begins like a JSON object.
+/// Tells JSON from statements, none of which begins with a brace.
 bool beginsAsJson(std::string const& content) {
   std::size_t const first = content.find_first_not_of(" \t\r\n");
   return first != std::string::npos && content[first] == '{';
@@ -71,7 +71,7 @@ Json driverAction(Options const& options) {
   return request;
 }
 
-/// The first argument, if it is there.
+/// A request with the first argument as a member, if there is one.
 template <char const* member>
 Json optional(Options const& options) {
   Json request = Json::object();

@@ -11,8 +11,8 @@
 
 namespace Kest::Ctl {
 
-/// What an argument names, and so how it is completed. A `subject` is what the argument before it
-/// works on: `fault` a file, `flip` a device.
+/// What an argument names, and so how it is completed. A `subject` depends on the argument before
+/// it: a file for `fault`, a device for `flip`.
 enum class Completion { none, path, type, handler, file, word, subject };
 
 /// One positional argument of a verb.
@@ -29,12 +29,12 @@ struct Verb {
   char const* name;
   char const* help;
   std::vector<Parameter> parameters;
-  /// The request of the control protocol, but for `verb` itself.
+  /// The request of the control protocol, without the member `verb`.
   Json (*request)(Options const& options);
   /// The result for people.
   Shown (*present)(Json const& result, Options const& options, bool colour);
   double timeout = 10;  // seconds
-  /// Completes the request for a file that follows it, and returns the file; null: nothing follows.
+  /// Adds to the request what a file that follows it needs, and returns the file. Null: no file.
   std::string (*file)(Options const& options, Json& request) = nullptr;
   bool hasForm = false;  // takes --text
   bool isSet = false;    // takes --replace

@@ -30,7 +30,7 @@ std::string document(Json const& json) {
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-/// For whoever reads line by line, as of events.
+/// JSON on one line, for programs that read line by line.
 std::string line(Json const& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
@@ -42,7 +42,7 @@ std::string socketOf(Options const& options) {
                 "no socket is known: name one with --socket or in KEST_SLICE_AGENT_SOCKET");
 }
 
-/// Events, until there have been enough or nobody reads them any more.
+/// Shows events until there have been enough, or until nobody reads them any more.
 void showEvents(Client& client, Options const& options) {
   for (std::size_t shownSoFar = 0; options.count == 0 || shownSoFar < options.count; ++shownSoFar) {
     Json const event = client.event();
@@ -72,7 +72,7 @@ Exit carryOut(Command const& command) {
   return shown.isGood ? Exit::done : Exit::failed;
 }
 
-/// False when standard output takes no document.
+/// Returns false when standard output cannot be written.
 bool printError(Failure const& failure) {
   Json error{{"kind", failure.kind()}, {"message", failure.what()}};
   if (!failure.suggestion().empty()) error["suggestion"] = failure.suggestion();
@@ -93,7 +93,7 @@ Exit complain(Failure const& failure, bool asJson) {
   return failure.exit();
 }
 
-/// Whatever else may be wrong with the command line.
+/// Looks for `--json` even in a command line that is wrong otherwise.
 bool wantsJson(std::vector<std::string> const& words) {
   auto const end = std::find(words.begin(), words.end(), "--");
   return std::find(words.begin(), end, "--json") != end;
@@ -128,10 +128,10 @@ Exit run(std::vector<std::string> const& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone shows when something is printed
+  std::signal(SIGPIPE, SIG_IGN);  // printing then reports that the reader has gone
   try {
     return static_cast<int>(run({argv + 1, argv + argc}));
-  } catch (std::exception const& error) {  // not even enough to say so, or of completion
+  } catch (std::exception const& error) {  // no memory for a report, or a failed completion
     std::fprintf(stderr, "kestctl: %s\n", error.what());
     return static_cast<int>(Exit::failed);
   }

@@ -18,7 +18,7 @@ class Account {
     Share& operator=(Share const&) = delete;
 
     std::size_t bytes() const noexcept { return bytes_; }
-    /// `Exceeded` is called, within this, when the sum is too much.
+    /// Calls `Exceeded`, before it returns, if the sum is too much.
     void is(std::size_t bytes) {
       account_.held_ += bytes - bytes_;
       bytes_ = bytes;

@@ -7,7 +7,7 @@
 
 namespace Kest::Agent {
 
-/// Calls a function when the time has come that it is set to (`timeMinIs`). Held through
+/// Calls a function at the time that `timeMinIs` sets. Held through
 /// `Mox::Ptr`; `notifierIs(nullptr)` ends it.
 class Alarm final : public Mox::Clock::NotifieeConst {
  public:

@@ -22,11 +22,11 @@ using Wire::ErrorKind;
 
 constexpr int clientsPerTurn = 16;
 constexpr std::size_t mostHeldByReaders = std::size_t{16} << 20;
-/// Whoever may change the agent may fill it anyway: with slice files of any size.
+/// No limit: whoever may change the agent can fill its memory with a slice file anyway.
 constexpr std::size_t mostHeldByTrusted = std::numeric_limits<std::size_t>::max();
-/// What clients that have gone must have held before the system gets its memory back.
+/// Memory is given back to the system after so many bytes of clients that have gone.
 constexpr std::size_t worthTrimming = std::size_t{1} << 20;
-/// How long clients wait at the door while the system lets none in.
+/// How long to wait before `accept` is tried again after the system refused it.
 constexpr Mox::Seconds pauseWhenStuck = 1;
 
 constexpr char const* noDescriptors =
@@ -34,8 +34,8 @@ constexpr char const* noDescriptors =
     R"("message":"the agent has no file descriptors left: try again later"}})"
     "\n";
 
-/// As many connections as there may be, with descriptors left for the rest of the process, as far
-/// as the system lets it.
+/// Raises the limit of descriptors as far as needed and possible. Returns how many connections
+/// there may be, with descriptors left for the rest of the process.
 std::size_t raiseDescriptorLimit() {
   constexpr rlim_t forTheRest = 64;
   constexpr rlim_t wanted = Wire::mostConnections + forTheRest;
@@ -75,7 +75,7 @@ ControlServer::~ControlServer() {
   statusFeed_->notifierIs(nullptr);
 }
 
-/// Takes clients. One that there is no memory for is turned away without a word.
+/// Takes clients. Without memory for one, its connection is closed without a word.
 void ControlServer::turn() {
   if (freed_ >= worthTrimming) {
     malloc_trim(0);
@@ -131,7 +131,7 @@ void ControlServer::leave(Connection& gone) noexcept {
   connections_.erase(gone.fd());
 }
 
-/// Sends the reader away that holds most.
+/// Sends away the client that holds most, among those that may only read.
 void ControlServer::relieve() {
   Client most;
   for (auto const& [fd, connection] : connections_) {
@@ -141,12 +141,12 @@ void ControlServer::relieve() {
   if (most) most->dismiss("clients hold too much of the agent's memory, and this one most of it");
 }
 
-/// It comes no later than that.
+/// Makes sure that the alarm comes no later than that.
 void ControlServer::alarmAt(Mox::Seconds at) {
   alarm_->timeMinIs(std::min(alarm_->timeMin(), at));
 }
 
-/// Ends those who have been silent for too long, and looks for new ones again.
+/// Ends connections that have been silent for too long, and looks for new clients again.
 void ControlServer::onAlarm() {
   taking_.watch(EPOLLIN);
   Mox::Seconds const now = Mox::now();
@@ -173,7 +173,7 @@ Answer ControlServer::serve(Connection& connection, Json const& request) {
   return verbs_.carryOut(request, connection.peer().mayChange, std::move(later));
 }
 
-/// An event that there is no memory for is lost, and counted as such.
+/// Without memory the event is lost, and counted as lost.
 void ControlServer::publish(Json const& event) {
   bool const isWatched = std::any_of(connections_.begin(), connections_.end(),
                                      [](auto const& entry) { return entry.second->isWatching(); });

@@ -21,7 +21,7 @@ namespace Kest::Agent {
 /// Serves the control protocol (`doc/control-protocol.md`) on the agent's activity.
 class ControlServer final : private Turns::Taker {
  public:
-  /// Takes clients from now on. What is served must outlive this, as the loop must.
+  /// Takes clients from now on. The agent and the loop must outlive this.
   /// @throw ControlSocketError
   ControlServer(Mox::ActivityLoop& loop, std::string const& path, RunningAgent const& agent,
                 SocketAccess const& access = {});

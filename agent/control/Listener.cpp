@@ -17,7 +17,7 @@ namespace Kest::Agent {
 
 namespace {
 
-/// So few that whoever comes last is taken within some rounds of the loop.
+/// A short backlog: its last client is taken within a few rounds of the loop.
 constexpr int backlog = 256;
 
 Descriptor openSpare() {
@@ -44,7 +44,7 @@ bool isListenedTo(std::string const& path, Descriptor const& probe) {
   return result == 0 || errno != ECONNREFUSED;
 }
 
-/// The process's mask for the modes of new files, until this goes. One thread runs.
+/// Sets the process's umask as long as it lives. There is only one thread.
 class FileMask {
  public:
   explicit FileMask(mode_t mask) noexcept : before_(umask(mask)) {}
@@ -99,7 +99,7 @@ void Listener::lock() {
   refuseErrno("cannot be locked");
 }
 
-/// Nobody else that takes the lock makes or removes the file meanwhile.
+/// Holds the lock, so that no other agent makes or removes the file meanwhile.
 void Listener::removeStale() const {
   struct stat file {};
   if (lstat(path_.c_str(), &file) != 0) return;
@@ -123,7 +123,7 @@ void Listener::bind(SocketAccess const& access) {
   try {
     struct stat file {};
     if (lstat(path_.c_str(), &file) != 0) refuseErrno("cannot be made");
-    // Nobody can connect before there is somebody who listens.
+    // Nobody can connect before the socket listens.
     if (!access.group.empty()) groupIs(access.group);
     if (listen(socket_.fd(), backlog) != 0) refuseErrno("cannot be made");
     device_ = file.st_dev;
@@ -151,7 +151,7 @@ void Listener::groupIs(std::string const& group) const {
 Descriptor Listener::accept(std::string_view refusal) {
   constexpr int mostTurnedAway = 16;
   isStuck_ = false;
-  if (!spare_.isOpen()) spare_ = openSpare();  // there was none to be had the last time
+  if (!spare_.isOpen()) spare_ = openSpare();  // the last attempt may have failed
   for (int turnedAway = 0; turnedAway < mostTurnedAway;) {
     Descriptor client(accept4(fd(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (client.isOpen()) return client;
@@ -167,8 +167,8 @@ Descriptor Listener::accept(std::string_view refusal) {
   return Descriptor();
 }
 
-/// With the descriptor that is kept for it.
-/// @return 0, or the error for which nobody was
+/// Turns a client away, with the spare descriptor.
+/// @return 0, or the error that prevented it
 int Listener::turnOneAway(std::string_view refusal) {
   spare_ = Descriptor();
   Descriptor client(accept4(fd(), nullptr, nullptr, SOCK_CLOEXEC));

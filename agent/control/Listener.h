@@ -10,7 +10,7 @@
 
 namespace Kest::Agent {
 
-/// A control socket that cannot be had; the message says which and why.
+/// A control socket cannot be made; the message says which and why.
 class ControlSocketError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -18,17 +18,17 @@ class ControlSocketError : public std::runtime_error {
 
 /// Who may connect to a control socket.
 struct SocketAccess {
-  mode_t mode = 0660;  // as of a file
+  mode_t mode = 0660;  // of the socket's file
   std::string group;   // that the file belongs to, by name or number; empty: the process's
 };
 
 /// A UNIX stream socket in the file system that clients connect to.
 ///
-/// The lock file `PATH.lock`, held as long as the listener lives, lets one of several agents that
-/// start at once go on. A socket that a dead agent left behind is replaced; one that somebody
-/// listens to, lock or not, and a file of another kind are left alone. The socket's file has its
-/// mode from its first moment and is removed at the end if it still is this listener's. The lock
-/// file stays: removed, it could be held by two.
+/// If several agents start at once, the lock file `PATH.lock` lets one of them go on; the listener
+/// holds it as long as it lives. A socket that a dead agent left is replaced. A socket that
+/// somebody listens to, with or without the lock, and files of other kinds are left alone. The
+/// socket's file has its mode from the first moment, and is removed at the end if it is still this
+/// listener's. The lock file stays: if it were removed, two agents could hold it.
 class Listener {
  public:
   /// @throw ControlSocketError
@@ -39,11 +39,11 @@ class Listener {
 
   int fd() const noexcept { return socket_.fd(); }
 
-  /// The next client that waits, non-blocking; none open when there is none to be had now. When the
-  /// process is out of descriptors, a few of those who wait are sent `refusal` and turned away.
+  /// The next waiting client, non-blocking; not open when there is none. When the process has no
+  /// descriptors left, a few waiting clients are sent `refusal` and turned away.
   Descriptor accept(std::string_view refusal);
-  /// Whether the system did not let the last `accept` take one, although there may be one: then it
-  /// should be left alone for a while.
+  /// Whether the system refused the last `accept` although a client may wait: then the next one
+  /// should come a while later.
   bool isStuck() const noexcept { return isStuck_; }
 
  private:

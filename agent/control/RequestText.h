@@ -6,8 +6,8 @@
 
 #include "agent/access/GenericJson.h"
 
-/// What of a request is not its verb's affair. A `ControlError` of kind request refuses what is not
-/// as it must be.
+/// The parts of a request that all verbs share. Malformed ones are refused with a `ControlError` of
+/// kind request.
 namespace Kest::Agent {
 
 /// The request in one line of the control protocol: a JSON object of bounded nesting and size.

@@ -8,12 +8,12 @@
 #include <optional>
 #include <string>
 
-/// What both ends of the control protocol (`doc/control-protocol.md`) know.
+/// What both ends of the control protocol (`doc/control-protocol.md`) share.
 namespace Kest::Wire {
 
-// Sizes are in bytes; that of a request is without its newline.
+// Sizes are in bytes; the size of a request does not include its newline.
 
-/// A request, with the bytes that follow it, of a client that may not change anything.
+/// A request of a client that may only read, with the bytes that follow the request.
 inline constexpr std::size_t longestRequest = std::size_t{64} << 10;
 /// A request of root or the agent's user, without the bytes that follow it.
 inline constexpr std::size_t longestTrustedRequest = std::size_t{1} << 20;
@@ -24,7 +24,7 @@ inline constexpr std::size_t longestId = 1024;         // as JSON text
 inline constexpr std::size_t mostWaitingEvents = std::size_t{64} << 10;
 
 inline constexpr std::size_t mostConnections = 1000;
-inline constexpr std::size_t mostConnectionsOfUser = 64;  // but for root and the agent's user
+inline constexpr std::size_t mostConnectionsOfUser = 64;  // except root and the agent's user
 inline constexpr std::size_t connectionsKept = 32;        // for root and the agent's user
 /// How long a client may neither send nor read anything, in seconds, unless it watches.
 inline constexpr double longestSilence = 600;
@@ -38,7 +38,7 @@ constexpr char const* name(ErrorKind kind) {
   return names[static_cast<std::size_t>(kind)];
 }
 
-/// Where the agent's socket is unless it is told otherwise: `KEST_SLICE_AGENT_SOCKET` if it is set
+/// The default path of the agent's socket: `KEST_SLICE_AGENT_SOCKET` if it is set
 /// and not empty, `/run/kest-slice-agent.sock` for root, `kest-slice-agent.sock` in
 /// `XDG_RUNTIME_DIR`; otherwise nowhere.
 inline std::optional<std::string> defaultSocketPath() {
