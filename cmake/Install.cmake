@@ -36,8 +36,7 @@ foreach(header
     model/detail/SliceCollections.h
     registry/detail/EntityAdapter.h
     registry/detail/RecordAdapter.h
-    sm/detail/Reactor.h
-    sm/detail/Unwind.h)
+    sm/detail/Reactor.h)
   get_filename_component(directory ${header} DIRECTORY)
   install(FILES ${header} DESTINATION ${KEST_INCLUDE_DIR}/${directory})
 endforeach()

@@ -23,6 +23,7 @@ namespace Hardware::Kest::Slice {
 
 /// What a slice's DMA driver is to hold: written by the agents that own the slice, read and
 /// observed by the state machine. Attributes `sliceId` 258, then the collections from 259.
+/// `model/detail/Collections.inc` says what the operations on collections do.
 class KEST_SLICE_DMA_API KestSliceDmaConfig : public detail::ObservedEntity {
  public:
   static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaConfig";
@@ -45,7 +46,7 @@ class KEST_SLICE_DMA_API KestSliceDmaConfig : public detail::ObservedEntity {
     static Mox::MoxType const* _fwkType();
 
     SwitchPort() = default;
-    /// Reads the text form at `it` and leaves `it` behind it; `Mox::RangeException` otherwise.
+    /// Reads the text form at `it` and leaves `it` just after it; `Mox::RangeException` otherwise.
     SwitchPort(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end);
 
     Mox::String8 const& ifName() const { return fields_.ifName; }
@@ -114,8 +115,8 @@ class KEST_SLICE_DMA_API KestSliceDmaConfig : public detail::ObservedEntity {
     static Mox::MoxType const* _fwkType();
 
     Device() = default;
-    /// Reads the text form at `it` and leaves `it` behind it; `Mox::RangeException` otherwise. Also
-    /// refused: a number of FAPs outside 1 to 3.
+    /// Reads the text form at `it` and leaves `it` just after it; `Mox::RangeException` otherwise,
+    /// and for a number of FAPs outside 1 to 3.
     Device(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end);
 
     Mox::String8 const& devName() const { return fields_.devName; }
@@ -126,8 +127,8 @@ class KEST_SLICE_DMA_API KestSliceDmaConfig : public detail::ObservedEntity {
     void fapTypeIs(FapType fapType) { fields_.fapType = fapType; }
     std::uint32_t numFaps() const { return fields_.numFaps; }
     void numFapsIs(std::uint32_t numFaps) { fields_.numFaps = numFaps; }
-    /// `Mox::RangeException` for a number of FAPs outside 1 to 3. Whoever makes a record from
-    /// outside input checks it; setting it and storing the record do not.
+    /// Throws `Mox::RangeException` for a number of FAPs outside 1 to 3. To be called for records
+    /// made from outside input; setting the number and storing the record do not check it.
     void rangeCheck() const;
     std::uint32_t cpuTmSysPort() const { return fields_.cpuTmSysPort; }
     void cpuTmSysPortIs(std::uint32_t cpuTmSysPort) { fields_.cpuTmSysPort = cpuTmSysPort; }
@@ -185,8 +186,8 @@ class KEST_SLICE_DMA_API KestSliceDmaConfig : public detail::ObservedEntity {
   };
 
   explicit KestSliceDmaConfig(Mox::Name name) noexcept;
-  /// Lets go of the observers that are still listed, then of the collections, the last one first,
-  /// then of the rest. Nobody is told.
+  /// Unlinks the observers that are still listed, then frees the collections, the last one first,
+  /// then the rest. No observer is told.
   ~KestSliceDmaConfig() override;
 
   Mox::MoxType const* fwkType() const override;

@@ -20,6 +20,7 @@ namespace Hardware::Kest::Slice {
 
 /// What has been done to a slice's DMA driver: written by the state machine alone. Collections from
 /// attribute 258. Its records are small and passed by value.
+/// `model/detail/Collections.inc` says what the operations on collections do.
 class KEST_SLICE_DMA_API KestSliceDmaStatus : public detail::ObservedEntity {
  public:
   static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaStatus";
@@ -41,7 +42,7 @@ class KEST_SLICE_DMA_API KestSliceDmaStatus : public detail::ObservedEntity {
     static Mox::MoxType const* _fwkType();
 
     SwitchPort() = default;
-    /// Reads the text form at `it` and leaves `it` behind it; `Mox::RangeException` otherwise.
+    /// Reads the text form at `it` and leaves `it` just after it; `Mox::RangeException` otherwise.
     SwitchPort(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end);
 
     Mox::String8 const& ifName() const { return fields_.ifName; }
@@ -81,7 +82,7 @@ class KEST_SLICE_DMA_API KestSliceDmaStatus : public detail::ObservedEntity {
     static Mox::MoxType const* _fwkType();
 
     Device() = default;
-    /// Reads the text form at `it` and leaves `it` behind it; `Mox::RangeException` otherwise.
+    /// Reads the text form at `it` and leaves `it` just after it; `Mox::RangeException` otherwise.
     Device(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end);
 
     Mox::String8 const& devName() const { return fields_.devName; }
@@ -112,8 +113,8 @@ class KEST_SLICE_DMA_API KestSliceDmaStatus : public detail::ObservedEntity {
   };
 
   explicit KestSliceDmaStatus(Mox::Name name) noexcept;
-  /// Lets go of the observers that are still listed, then of the collections, the last one first.
-  /// Nobody is told.
+  /// Unlinks the observers that are still listed, then frees the collections, the last one first.
+  /// No observer is told.
   ~KestSliceDmaStatus() override;
 
   Mox::MoxType const* fwkType() const override;

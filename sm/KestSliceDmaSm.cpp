@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/mox/MoxType.h"
+#include "sm/detail/AtEnd.h"
 #include "sm/detail/Points.h"
 
 namespace Hardware::Kest::Slice {
@@ -38,31 +39,17 @@ Mox::MoxType const* KestSliceDmaSm::fwkType() const {
 
 void KestSliceDmaSm::hasNotificationActiveIs(bool active) {
   if (active == hasNotificationActive()) return;
-  bool const before = config_ && config_->hasNotificationActive();
-  if (config_) config_->hasNotificationActiveIs(active);
-  detail::orUndo(
-      [&] {
-        if (stateTimer_) stateTimer_->hasNotificationActiveIs(active);
-      },
-      [&] {
-        if (config_) config_->hasNotificationActiveIs(before);
-      });
   Mox::PtrInterface::hasNotificationActiveIs(active);
+  if (config_) config_->hasNotificationActiveIs(active);
+  if (stateTimer_) stateTimer_->hasNotificationActiveIs(active);
 }
 
 void KestSliceDmaSm::moxDoZombieReactors(bool zombie) {
   if (zombie == moxMarkedForDeletion()) return;
   Mox::Ptr<MoxConfig> const config = config_;
   Mox::Ptr<MoxStateTimer> const timer = stateTimer_;
-  bool const before = config && config->moxMarkedForDeletion();
   if (config) config->moxDoZombieReactors(zombie);
-  detail::orUndo(
-      [&] {
-        if (timer) timer->moxDoZombieReactors(zombie);
-      },
-      [&] {
-        if (config) config->moxDoZombieReactors(before);
-      });
+  if (timer) timer->moxDoZombieReactors(zombie);
   moxMarkedForDeletionIs(zombie);
 }
 
@@ -109,15 +96,16 @@ Mox::Ptr<Mox::Clock const> KestSliceDmaSm::stateTimerDel() {
 
 void KestSliceDmaSm::modeIs(SmMode mode) {
   if (mode == mode_) return;
-  auto const self = kept();
-  SmMode const before = std::exchange(mode_, mode);
-  detail::orUndo([this] { handleMode(); }, [&] { mode_ = before; });
+  mode_ = mode;
+  handleMode();
 }
 
 void KestSliceDmaSm::handleMode() {
   auto const self = kept();
+  detail::AtEnd const arm([this] {  // also when the trace point throws
+    if (armsPoll(mode_)) armPoll();
+  });
   detail::traceSignature(2, detail::handler::handleMode, detail::line::handleMode);
-  if (armsPoll(mode_)) stateTimer_->timeMinIs(Mox::now() + pollPeriodSeconds);
 }
 
 bool KestSliceDmaSm::armsPoll(SmMode mode) {

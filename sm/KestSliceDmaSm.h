@@ -21,9 +21,9 @@ extern KEST_SLICE_DMA_API std::int32_t INTF_ADD_RETRY_TIMEOUT_SECONDS;
 /// configuration held before is not walked. Handlers run on the agent's activity thread, one at a
 /// time, to completion, and block it while the driver works.
 ///
-/// What a handler sets off, in observers of the status or in the driver, may do anything to the
-/// machine. A handler runs to its end on the configuration that was bound when it began, also when
-/// that is unbound or replaced meanwhile, or when the last reference to the machine goes.
+/// Observers of the status and the driver may do anything to the machine while a handler runs. The
+/// handler still runs to its end, on the configuration that was bound when it began, even if that
+/// is unbound or replaced meanwhile or the last reference to the machine goes.
 ///
 /// Broken invariants and driver answers that leave the slice inconsistent end the process with a
 /// standard assertion; the agent's restart is the recovery.
@@ -54,12 +54,11 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
 
   // The order of the virtual operations is part of the binary interface.
 
-  /// Forwarded to both reactors. Without memory to activate both, neither has changed.
+  /// Forwarded to both reactors.
   void hasNotificationActiveIs(bool active) override;
   Mox::MoxType const* fwkType() const override;
   ~KestSliceDmaSm() override;
-  /// Silences both reactors (true) or brings them back. Without memory to bring back both, neither
-  /// has changed.
+  /// Silences both reactors (true) or brings them back.
   virtual void moxDoZombieReactors(bool zombie);
 
   static Mox::MoxType const* _fwkType();
@@ -78,13 +77,12 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
 
   /// The clock that the timer observes, or null.
   Mox::Ptr<Mox::Clock const> stateTimer() const;
-  /// Moves the timer to another clock, or drops it. Moving an existing timer polls at once. Without
-  /// memory to join the new clock after that the process ends.
+  /// Moves the timer to another clock, or drops it. Moving an existing timer polls at once.
   void stateTimerIs(Mox::Ptr<Mox::Clock const> const& clock);
   Mox::Ptr<Mox::Clock const> stateTimerDel();
 
   SmMode mode() const noexcept { return mode_; }
-  /// Handled at once; without memory for that the mode stays as it was.
+  /// Handled at once.
   void modeIs(SmMode mode);
 
   double pollPeriod() const noexcept { return pollPeriodSeconds; }
@@ -100,8 +98,8 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
   /// Brings a registered device up or down.
   void handleDeviceState(Mox::String devName);
   /// The poll: compares every device's state in the driver with the one last applied; ends the
-  /// process when they differ, otherwise comes again, by the timer that is there when the pass
-  /// ends, the poll period after that. So it does when the pass ends by an exception.
+  /// process when they differ. Otherwise it arms the timer, the one that is bound by then, for the
+  /// poll period after the end of the pass, also when an exception ends the pass.
   void handleTimerExpired();
   /// Asserts that the status reflects the configuration completely.
   void doVerify();
@@ -121,8 +119,8 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
  private:
   Mox::Ptr<MoxConfig> newConfig(Mox::Ptr<KestSliceDmaConfig const> const& config);
   Mox::Ptr<MoxStateTimer> newStateTimer(Mox::Ptr<Mox::Clock const> const& clock);
-  /// Keeps the machine for the length of a call that may set off anything. Null while it is being
-  /// made: nobody holds it then, so nobody can let go.
+  /// Keeps the machine alive during a call that may release it. Null while it is being constructed:
+  /// there is no reference to release then.
   Mox::Ptr<KestSliceDmaSm> kept() noexcept { return references() == 0 ? nullptr : this; }
   void armPoll();
   void createInterface(Mox::String const& ifName, KestSliceDmaConfig::SwitchPort const& port);
@@ -168,9 +166,6 @@ class KEST_SLICE_DMA_API KestSliceDmaSm::MoxStateTimer
   /// Polls at once when it is moved to another clock, and joins that afterwards.
   void notifierIs(Mox::Ptr<Mox::PtrInterface const> const& clock) override;
   void onTime() override;
-
- private:
-  void joinClock() noexcept;
 };
 
 /// The library's entry point: makes the state machine of one slice.

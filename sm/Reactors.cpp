@@ -1,7 +1,7 @@
 #include <utility>
 
-#include "model/detail/EndProcess.h"
 #include "sm/KestSliceDmaSm.h"
+#include "sm/detail/AtEnd.h"
 
 namespace Hardware::Kest::Slice {
 
@@ -53,18 +53,11 @@ void KestSliceDmaSm::MoxStateTimer::notifierIs(Mox::Ptr<Mox::PtrInterface const>
   Mox::Ptr<MoxStateTimer> const self(this);  // the poll may let go of it
   isRegisteredNotifieeIs(false);
   Mox::Clock::NotifieeConst::notifierIs(next);
-  detail::AtEnd const join([this] { joinClock(); });  // or a poll that throws were the last one
+  detail::AtEnd const join([this] {  // even if the poll throws: it would be the last one
+    bool const isBound = kestSliceDmaSm() != nullptr;  // the poll may have unbound it
+    if (isBound) isRegisteredNotifieeIs(!observes(nullptr));
+  });
   if (next && !moxMarkedForDeletion()) kestSliceDmaSm()->handleTimerExpired();
-}
-
-/// Unless the poll had the machine let go of the timer.
-void KestSliceDmaSm::MoxStateTimer::joinClock() noexcept {
-  if (kestSliceDmaSm() == nullptr) return;
-  try {
-    isRegisteredNotifieeIs(!observes(nullptr));
-  } catch (...) {
-    detail::endProcess("KestSliceDmaSm: no memory for the device state poll to join its clock");
-  }
 }
 
 void KestSliceDmaSm::MoxStateTimer::onTime() {

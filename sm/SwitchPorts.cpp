@@ -44,15 +44,18 @@ double elapsedSince(std::time_t start) {
   return std::trunc(std::difftime(std::time(nullptr), start));
 }
 
+void tracePort(detail::Handler const& handler, unsigned lineNumber, Mox::String const& ifName) {
+  detail::trace(8, handler, lineNumber, [&](std::ostream& out) {
+    out << "KestSliceDmaSm::" << handler.name << " ifName=" << ifName;
+  });
+}
+
 }  // namespace
 
 void KestSliceDmaSm::handleSwitchPort(Mox::String ifName) {
   auto const self = kept();
   auto const config = this->config();
-  detail::trace(
-      8, detail::handler::handleSwitchPort, detail::line::handleSwitchPort, [&](std::ostream& out) {
-        out << "KestSliceDmaSm::" << detail::handler::handleSwitchPort.name << " ifName=" << ifName;
-      });
+  tracePort(detail::handler::handleSwitchPort, detail::line::handleSwitchPort, ifName);
   KestSliceDmaConfig::SwitchPort const port = config->switchPort(ifName);
   if (isAbsent(port)) {
     kestDmaIfdel(ifName.charPtr());  // the driver may never have had it: the result says nothing
@@ -96,16 +99,13 @@ void KestSliceDmaSm::handleNativeVlan(Mox::String ifName) {
 
 void KestSliceDmaSm::programNativeVlan(KestSliceDmaConfig const& config,
                                        Mox::String const& ifName) {
-  detail::trace(
-      8, detail::handler::handleNativeVlan, detail::line::handleNativeVlan, [&](std::ostream& out) {
-        out << "KestSliceDmaSm::" << detail::handler::handleNativeVlan.name << " ifName=" << ifName;
-      });
+  tracePort(detail::handler::handleNativeVlan, detail::line::handleNativeVlan, ifName);
   if (ifName.pos("et") == Mox::String::npos) {
     detail::assertionFailed("ifName.pos( \"et\" ) != Mox::String::npos",
                             detail::handler::handleNativeVlan, detail::line::interfaceName);
   }
   std::uint16_t const vlan = config.nativeVlan(ifName);
-  // Without an interface there is nothing to program; its creation comes back here.
+  // Without an interface there is nothing to program. Creating it leads here again.
   if (!status_->switchPort(ifName).created()) return;
 
   if (vlan == 0) {

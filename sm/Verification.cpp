@@ -4,6 +4,7 @@
 
 #include "driver/KestDma.h"
 #include "sm/KestSliceDmaSm.h"
+#include "sm/detail/AtEnd.h"
 #include "sm/detail/LogMessages.h"
 #include "sm/detail/Points.h"
 

@@ -17,7 +17,7 @@ concept IsRecord = requires {
   Value::fieldTable();
 };
 
-/// Entry of a collection: counted, so whoever holds it sees later values too.
+/// Entry of a collection. It is a counted object; its holders see later values too.
 template <class ValueType>
 class Entry : public Mox::HashMapEntry {
  public:
@@ -53,7 +53,7 @@ class Collection {
   static constexpr char const* keyName = Description::keyName;
   static constexpr Mox::AttributeId attributeId = Owner::firstCollectionId + Description::index;
 
-  /// Resumable, as the map's: valid across any change of the collection, as long as it lives.
+  /// Like the map's iterators valid across any change of the collection, which must outlive it.
   class IteratorConst : public Mox::HashMap<Entry>::IteratorConst {
    public:
     IteratorConst() = default;

@@ -67,7 +67,7 @@ class EntityNotifiee : public ListedNotifiee {
 
   ~EntityNotifiee() override { EntityNotifiee::isRegisteredNotifieeIs(false); }
 
-  /// To look at it tells nobody, even if only observers hold it.
+  /// Looking at it never counts as an outside reference, even if only observers hold the entity.
   Mox::Ptr<Entity const> notifier() const noexcept { return this->template lentNotifier<Entity>(); }
 
  private:

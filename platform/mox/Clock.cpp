@@ -1,6 +1,8 @@
 #include "platform/mox/Clock.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "platform/mox/GenericIfEntity.h"
 
@@ -21,7 +23,9 @@ MoxType const* Clock::fwkType() const {
 
 Seconds Clock::timeMin() const noexcept {
   Seconds earliest = never;
-  for (NotifieeConst const* observer : observers_) earliest = std::min(earliest, observer->dueAt());
+  for (auto const* observer = first_; observer != nullptr; observer = observer->next_) {
+    earliest = std::min(earliest, observer->dueAt());
+  }
   return earliest;
 }
 
@@ -29,7 +33,7 @@ void Clock::dispatch() {
   Ptr<Clock> const self(this);  // a woken observer may let go of the clock
   Seconds const now = Mox::now();
   std::vector<Ptr<NotifieeConst>> due;
-  for (NotifieeConst const* observer : observers_) {
+  for (auto const* observer = first_; observer != nullptr; observer = observer->next_) {
     if (observer->dueAt() <= now) due.emplace_back(const_cast<NotifieeConst*>(observer));
   }
   std::stable_sort(due.begin(), due.end(),
@@ -42,6 +46,18 @@ void Clock::dispatch() {
     observer->timeMin_ = never;
     wake(*observer);
   }
+}
+
+void Clock::append(NotifieeConst const& observer) const noexcept {
+  NotifieeConst const** end = &first_;
+  while (*end != nullptr) end = &(*end)->next_;
+  *end = &observer;
+}
+
+void Clock::remove(NotifieeConst const& observer) const noexcept {
+  NotifieeConst const** link = &first_;
+  while (*link != &observer) link = &(*link)->next_;
+  *link = std::exchange(observer.next_, nullptr);
 }
 
 void Clock::wake(NotifieeConst& observer) noexcept {
@@ -62,9 +78,9 @@ void Clock::report(NotifieeConst& observer) noexcept {
 
 void Clock::NotifieeConst::isRegisteredNotifieeIs(bool registered) const {
   if (registered_ == registered) return;
-  if (clock() != nullptr && registered) clock()->observers_.push_back(this);
-  if (clock() != nullptr && !registered) std::erase(clock()->observers_, this);
   registered_ = registered;
+  if (clock() != nullptr && registered) clock()->append(*this);
+  if (clock() != nullptr && !registered) clock()->remove(*this);
 }
 
 String8 Clock::NotifieeConst::name() const {
@@ -75,7 +91,6 @@ void Clock::NotifieeConst::notifierIs(Ptr<PtrInterface const> const& notifier) {
   Ptr<Clock const> const next = ptrCast<Clock const>(notifier);
   if (next.ptr() == clock()) return;
   bool const registered = registered_;
-  if (registered && next) next->makeRoom();
   isRegisteredNotifieeIs(false);
   Mox::Entity::NotifieeConst::notifierIs(next);
   isRegisteredNotifieeIs(registered);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vector>
-
 #include "platform/mox/Entity.h"
 #include "platform/mox/Time.h"
 
@@ -10,7 +8,7 @@ namespace Mox {
 /// Wakes its observers when the time source's time reaches the time that each asked for.
 ///
 /// The clock does not run by itself: the agent's loop calls `dispatch()` when `timeMin()` has come.
-/// It holds no references to its observers.
+/// Its list of observers, in order of registration, holds no references.
 class MOX_API Clock : public Entity {
  public:
   class NotifieeConst;
@@ -35,12 +33,12 @@ class MOX_API Clock : public Entity {
   void dispatch();
 
  private:
-  /// Lets the next observer that registers find memory.
-  void makeRoom() const { observers_.reserve(observers_.size() + 1); }
+  void append(NotifieeConst const& observer) const noexcept;
+  void remove(NotifieeConst const& observer) const noexcept;
   static void wake(NotifieeConst& observer) noexcept;
   static void report(NotifieeConst& observer) noexcept;
 
-  std::vector<NotifieeConst const*> mutable observers_;  // in order of registration
+  mutable NotifieeConst const* first_ = nullptr;  // of the observers, linked by their `next_`
 };
 
 /// Observer of a clock.
@@ -49,7 +47,7 @@ class MOX_API Clock::NotifieeConst : public Mox::Entity::NotifieeConst {
   void isRegisteredNotifieeIs(bool registered) const override;
   String8 name() const override;
   /// Accepts any framework object; one that is no clock counts as none. A registered observer moves
-  /// from the old clock to the new one; without memory it stays with the old one.
+  /// from the old clock to the new one.
   void notifierIs(Ptr<PtrInterface const> const& notifier) override;
 
   /// The clock's time has reached `timeMin()`.
@@ -73,6 +71,7 @@ class MOX_API Clock::NotifieeConst : public Mox::Entity::NotifieeConst {
 
   Seconds timeMin_ = 0;
   bool mutable registered_ = false;
+  mutable NotifieeConst const* next_ = nullptr;  // on the clock's list
 };
 
 }  // namespace Mox

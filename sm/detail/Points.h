@@ -69,8 +69,8 @@ inline Mox::TraceHandle& traceHandle() {
   return handle;
 }
 
-/// Trace point. The message, which `write` streams, is built only when somebody wants it; one that
-/// nobody wants costs two loads and two branches.
+/// Trace point. `write` streams the message, which is built only when its level is on or there is a
+/// coverage stream.
 template <class Write>
 void trace(unsigned level, Handler const& handler, unsigned lineNumber, Write const& write) {
   if (!Mox::traceWanted(traceHandle(), level)) [[likely]]

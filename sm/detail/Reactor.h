@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "platform/mox/Ptr.h"
-#include "sm/detail/Unwind.h"
 
 namespace Hardware::Kest::Slice {
 
@@ -28,16 +27,12 @@ class Reactor : public Notifiee {
   }
 
   /// Deactivating leaves the notifier's observers; activating joins them again if the reactor was
-  /// among them when it was deactivated. One that finds no memory to join stays inactive.
+  /// among them when it was deactivated.
   void hasNotificationActiveIs(bool active) override {
     if (active == this->hasNotificationActive()) return;
-    if (active) {
-      if (wasRegistered_) this->isRegisteredNotifieeIs(true);
-    } else {
-      wasRegistered_ = this->isRegisteredNotifiee();
-      this->isRegisteredNotifieeIs(false);
-    }
     Notifiee::hasNotificationActiveIs(active);
+    if (!active) wasRegistered_ = this->isRegisteredNotifiee();
+    if (wasRegistered_) this->isRegisteredNotifieeIs(active);
   }
 
   /// Makes the reactor a zombie, or brings it back.
@@ -66,8 +61,8 @@ Mox::Ptr<R> releaseReactor(Mox::Ptr<R>& field) {
 
 /// Makes the reactor in `field` observe `notifier`: re-points the one that is there, makes one with
 /// `make(notifier)` when there is none, releases it when `notifier` is null. Nothing happens when
-/// it observes that already. `field` is one of `machine`, which the caller holds, and the reactor
-/// becomes a zombie or not as the machine is. Without memory nothing has changed.
+/// it observes that already. `field` belongs to `machine`, which the caller holds; the reactor
+/// becomes a zombie exactly when the machine is one.
 template <class R, class Notifier, class Make>
 void bindReactor(Mox::PtrInterface const& machine, Mox::Ptr<R>& field,
                  Mox::Ptr<Notifier> const& notifier, Make const& make) {
@@ -79,11 +74,9 @@ void bindReactor(Mox::PtrInterface const& machine, Mox::Ptr<R>& field,
   }
   if (!field) field = make(notifier);
   Mox::Ptr<R> const reactor = field;
-  auto const before = reactor->notifier();
   reactor->notifierIs(notifier);
-  if (field != reactor) return;  // re-pointing polls, and that let go of the reactor
-  orUndo([&] { reactor->moxDoZombieReactors(machine.moxMarkedForDeletion()); },
-         [&] { reactor->notifierIs(before); });
+  bool const isStillBound = field == reactor;  // re-pointing polls, and a poll may unbind
+  if (isStillBound) reactor->moxDoZombieReactors(machine.moxMarkedForDeletion());
 }
 
 /// Unbinds and returns what was observed; null when there is no reactor.

@@ -90,86 +90,24 @@ TEST(MachineExhaustion, AConfigurationChangeIsFollowedOrCanBeAnnouncedAgain) {
   stopsBetweenTwoRecords([&](MachineScene& scene) { scene.config->switchPortDel(scene.key); });
 }
 
-TEST(MachineExhaustion, ThePollTakesNoMemory) {
-  atEveryAllocation(
-      makeScene, [](MachineScene& scene) { scene.sm->handleTimerExpired(); },
-      [](MachineScene&, End end) { EXPECT_EQ(end, End::done); });
-}
-
-TEST(MachineExhaustion, ItIsBoundAnewOrAsBefore) {
-  Mox::Ptr<KestSliceDmaConfig> const next(new KestSliceDmaConfig("next"));
-  atEveryAllocation(
-      makeScene, [&](MachineScene& scene) { scene.sm->configIs(next); },
-      [&](MachineScene& scene, End end) {
-        bool const moved = end == End::done;
-        EXPECT_EQ(scene.sm->config() == next, moved);
-        EXPECT_EQ(next->observers().count(), moved ? 1U : 0U);
-        EXPECT_EQ(scene.config->observers().count(), moved ? 0U : 1U);
-      });
-}
-
-/// Another observer of the clock, which takes the room there that the timer leaves.
-class Sleeper final : public Mox::Clock::NotifieeConst {
- public:
-  explicit Sleeper(Mox::Ptr<Mox::Clock> const& clock) {
-    notifierIs(clock);
-    isRegisteredNotifieeIs(true);
-    timeMinIs(Mox::Clock::never);
-  }
-};
-
-/// A machine that was silenced, then moved to a configuration that has no room for it yet.
-struct SilentScene : MachineScene {
-  explicit SilentScene(void (*silence)(Sm&)) {
-    sm->modeIs(SmMode::smModePolling_);
-    silence(*sm);
-    sm->configIs(next);
-    sleeper = new Sleeper(clock);
-  }
-  bool hears() const { return next->observers().count() == 1 && timerState() == onClock; }
-  bool isDeaf() const { return next->observers().count() == 0 && timerState() != onClock; }
-
-  static constexpr char const* onClock = " timer on clock, set";
-  Mox::Ptr<KestSliceDmaConfig> next{new KestSliceDmaConfig("next")};
-  Mox::Ptr<Sleeper> sleeper;
-};
-
-TEST(MachineExhaustion, ItHearsOnceActiveOrIsInactiveAndCanBeTriedAgain) {
-  auto const activate = [](SilentScene& scene) { scene.sm->hasNotificationActiveIs(true); };
-  atEveryAllocation([] { return SilentScene([](Sm& sm) { sm.hasNotificationActiveIs(false); }); },
-                    activate,
-                    [&](SilentScene& scene, End end) {
-                      EXPECT_EQ(scene.sm->hasNotificationActive(), end == End::done);
-                      EXPECT_TRUE(end == End::done ? scene.hears() : scene.isDeaf());
-                      activate(scene);
-                      EXPECT_TRUE(scene.hears());
-                    });
-}
-
-TEST(MachineExhaustion, ItHearsOnceBroughtBackOrIsAZombieAndCanBeTriedAgain) {
-  auto const bringBack = [](SilentScene& scene) { scene.sm->moxDoZombieReactors(false); };
-  atEveryAllocation([] { return SilentScene([](Sm& sm) { sm.moxDoZombieReactors(true); }); },
-                    bringBack,
-                    [&](SilentScene& scene, End end) {
-                      EXPECT_EQ(scene.sm->moxMarkedForDeletion(), end != End::done);
-                      EXPECT_TRUE(end == End::done ? scene.hears() : scene.isDeaf());
-                      bringBack(scene);
-                      EXPECT_TRUE(scene.hears());
-                    });
-}
-
-TEST(MachineExhaustion, AZombieReactorIsBoundAnewAndHearsOrStaysAsItWas) {
+TEST(MachineExhaustion, ItIsSilencedBoundAnewAndBroughtBackWithoutMemory) {
   struct Scene : MachineScene {
-    Scene() { sm->configReactor()->moxDoZombieReactors(true); }
-    Mox::Ptr<KestSliceDmaConfig> next{new KestSliceDmaConfig("next")};
+    Mox::Ptr<KestSliceDmaConfig> nextConfig{new KestSliceDmaConfig("next")};
+    Mox::Ptr<Mox::Clock> nextClock{new Mox::Clock("next")};
   };
-  auto const bind = [](Scene& scene) { scene.sm->configIs(scene.next); };
-  atEveryAllocation([] { return Scene(); }, bind,
-                    [&](Scene& scene, End end) {
-                      EXPECT_EQ(scene.sm->config(), end == End::done ? scene.next : scene.config);
-                      bind(scene);
-                      EXPECT_EQ(scene.sm->config(), scene.next);
-                      EXPECT_EQ(scene.next->observers().count(), 1U);
+  atEveryAllocation([] { return Scene(); },
+                    [](Scene& scene) {
+                      scene.sm->hasNotificationActiveIs(false);
+                      scene.sm->configIs(scene.nextConfig);
+                      scene.sm->hasNotificationActiveIs(true);
+                      scene.sm->moxDoZombieReactors(true);
+                      scene.sm->moxDoZombieReactors(false);
+                      scene.sm->stateTimerIs(scene.nextClock);  // polls
+                    },
+                    [](Scene& scene, End end) {
+                      EXPECT_EQ(end, End::done);
+                      EXPECT_EQ(scene.nextConfig->observers().count(), 1U);
+                      EXPECT_NE(scene.nextClock->timeMin(), Mox::Clock::never);
                     });
 }
 
@@ -195,23 +133,17 @@ auto makeTracedScene() {
   return std::make_unique<TracedScene>();
 }
 
-TEST(MachineExhaustion, ItsModeArmsThePollOrStaysAsItWas) {
-  auto const poll = [](std::unique_ptr<TracedScene>& scene) {
-    scene->sm->modeIs(SmMode::smModePolling_);
-  };
-  atEveryAllocation(makeTracedScene, poll, [&](std::unique_ptr<TracedScene>& scene, End end) {
-    EXPECT_EQ(scene->sm->mode() == SmMode::smModePolling_, end == End::done);
-    poll(scene);
+TEST(MachineExhaustion, ThePollIsArmedThoughItCannotBeTraced) {
+  auto const isArmed = [](std::unique_ptr<TracedScene>& scene, End) {
     EXPECT_NE(scene->clock->timeMin(), Mox::Clock::never);
-  });
-}
-
-TEST(MachineExhaustion, APollThatCannotBeTracedComesAgain) {
+  };
+  atEveryAllocation(
+      makeTracedScene,
+      [](std::unique_ptr<TracedScene>& scene) { scene->sm->modeIs(SmMode::smModePolling_); },
+      isArmed);
   atEveryAllocation(
       makeTracedScene, [](std::unique_ptr<TracedScene>& scene) { scene->sm->handleTimerExpired(); },
-      [](std::unique_ptr<TracedScene>& scene, End) {
-        EXPECT_NE(scene->clock->timeMin(), Mox::Clock::never);
-      });
+      isArmed);
 }
 
 void pollShort(MachineScene& scene, std::size_t at) {
@@ -234,18 +166,6 @@ TEST_P(MismatchExhaustion, EndsTheProcess) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Machine, MismatchExhaustion, testing::Range<std::size_t>(1, 9));
-
-TEST(MachineExhaustion, AMovedTimerJoinsItsClockOrEndsTheProcess) {
-  MachineScene scene;
-  Mox::Ptr<Mox::Clock> const next(new Mox::Clock("next"));
-  EXPECT_EXIT(
-      {
-        Exhaustion::Shortage const shortage(1, Exhaustion::Lasting::once);
-        scene.sm->stateTimerIs(next);
-      },
-      testing::KilledBySignal(SIGABRT),
-      "^KestSliceDmaSm: no memory for the device state poll to join its clock\n$");
-}
 
 }  // namespace
 }  // namespace Hardware::Kest::Slice

@@ -7,8 +7,8 @@
 #include "test/model/TypedSuites.h"
 #include "test/support/Allocation.h"
 
-/// What a change of an entity allocates. The program's allocation functions,
-/// which the libraries use too, are replaced by ones that count.
+/// What a change of an entity allocates. The program's allocation functions, which the libraries
+/// use too, are replaced by ones that count.
 namespace {
 
 std::size_t allocations = 0;
@@ -35,8 +35,7 @@ std::size_t allocationsOf(Work const& work) {
   return allocations - before;
 }
 
-/// The texts are longer than any string that could do without memory of its
-/// own.
+/// The texts are longer than any string that could do without memory of its own.
 template <class C>
 class Allocations : public testing::Test {
  protected:

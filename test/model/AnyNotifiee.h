@@ -5,8 +5,7 @@
 
 namespace Hardware::Kest::Slice {
 
-/// Observer base of either entity, with the handlers of both: a status never
-/// calls `onSliceId`.
+/// Observer base of either entity, with the handlers of both: a status never calls `onSliceId`.
 template <class Entity>
 class AnyNotifiee : public Entity::Notifiee {
  public:

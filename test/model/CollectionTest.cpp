@@ -3,8 +3,8 @@
 
 #include "test/model/TypedSuites.h"
 
-/// What holds for the entries, iterators and keys of every collection. That
-/// changes are stored, counted and told is for the random run to show.
+/// What holds for the entries, iterators and keys of every collection. That changes are stored,
+/// counted and told is for the random run to show.
 namespace Hardware::Kest::Slice {
 namespace {
 

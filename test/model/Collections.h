@@ -4,12 +4,11 @@
 
 #include "test/model/RecordNames.h"
 
-/// The operations of each collection of either entity, under names that do not
-/// depend on which one it is.
+/// The operations of each collection of either entity, under names that do not depend on which one
+/// it is.
 namespace Hardware::Kest::Slice {
 
-/// Values are numbered: `value(key, n)`, with n from 0 to 3, 0 being the
-/// default but for the key.
+/// Values are numbered: `value(key, n)`, with n from 0 to 3, 0 being the default but for the key.
 inline constexpr unsigned values = 4;
 
 inline ConfigSwitchPort portValue(Mox::String8 const& key, unsigned n, ConfigSwitchPort*) {
@@ -181,8 +180,7 @@ inline constexpr unsigned distinct<SwitchPortOf<KestSliceDmaStatus>> = 2;
 template <>
 inline constexpr unsigned distinct<DeviceOf<KestSliceDmaStatus>> = 2;
 
-/// Calls `visit(collection)` for each collection of `E`, in order of attribute
-/// number.
+/// Calls `visit(collection)` for each collection of `E`, in order of attribute number.
 template <class E, class Visit>
 void forEachCollectionOf(Visit visit) {
   visit(SwitchPortOf<E>());
@@ -192,8 +190,7 @@ void forEachCollectionOf(Visit visit) {
   visit(DeviceStateOf<E>());
 }
 
-/// Attribute number of an entity type's `switchPort`; the other collections
-/// follow.
+/// Attribute number of an entity type's `switchPort`; the other collections follow.
 template <class E>
 inline constexpr Mox::AttributeId switchPortId = 0;
 template <>

@@ -13,9 +13,9 @@
 #include "test/model/TypedSuites.h"
 #include "test/support/Allocation.h"
 
-/// In which order an entity lets go of what it holds. Each part holds a string
-/// that nobody else shares; the program's allocation functions, which the
-/// libraries use too, tell when its characters are freed.
+/// In which order an entity lets go of what it holds. Each part holds a string that nobody else
+/// shares; the program's allocation functions, which the libraries use too, tell when its
+/// characters are freed.
 namespace {
 
 struct Watched {
@@ -23,8 +23,7 @@ struct Watched {
   char const* part;
 };
 
-/// Parts in the order in which their strings went, and whether there was an
-/// observer then.
+/// Parts in the order in which their strings went, and whether there was an observer then.
 class Freed {
  public:
   void watch(Mox::String8 const& string, char const* part) {
@@ -88,8 +87,8 @@ class Destruction : public testing::Test {
     watch.watch(entity->name().string(), "name");
   }
 
-  /// Ends the entity though an observer is listed, which then has a notifier
-  /// that is no more and so must not end itself.
+  /// Ends the entity though an observer is listed, which then has a notifier that is no more and so
+  /// must not end itself.
   std::vector<std::string> end() {
     static Events events;
     static Recorder<E>* observer;

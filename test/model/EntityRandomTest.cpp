@@ -6,9 +6,8 @@
 #include "test/model/PlainRun.h"
 #include "test/model/TypedSuites.h"
 
-/// A long random run of both entities, whose observers read, write, throw,
-/// join, leave, move and end inside notifications, against a plain model that
-/// predicts every notification.
+/// A long random run of both entities, whose observers read, write, throw, join, leave, move and
+/// end inside notifications, against a plain model that predicts every notification.
 namespace Hardware::Kest::Slice {
 namespace {
 

@@ -7,14 +7,13 @@
 #include "model/KestSliceDmaConfig.h"
 #include "model/KestSliceDmaStatus.h"
 
-/// The order of an observer's virtual operations is part of the binary
-/// interface: observers that were compiled against it override by slot.
+/// The order of an observer's virtual operations is part of the binary interface: observers that
+/// were compiled against it override by slot.
 namespace Hardware::Kest::Slice {
 namespace {
 
-/// A pointer to a virtual member function of a class with one base holds 1 plus
-/// the byte offset in the table of virtual operations, whose slots are of
-/// pointer size.
+/// A pointer to a virtual member function of a class with one base holds 1 plus the byte offset in
+/// the table of virtual operations, whose slots are of pointer size.
 template <class Member>
 std::size_t slotOf(Member member) {
   static_assert(sizeof(member) == 2 * sizeof(std::ptrdiff_t));

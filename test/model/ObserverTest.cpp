@@ -8,9 +8,8 @@
 #include "test/model/Recorder.h"
 #include "test/model/TypedSuites.h"
 
-/// Who is told of a change, in which order, and what becomes of an observer
-/// that fails. The change is one of `nativeVlan`; that every collection
-/// announces alike is tested with the collections.
+/// Who is told of a change, in which order, and what becomes of an observer that fails. The change
+/// is one of `nativeVlan`; that every collection announces alike is tested with the collections.
 namespace Hardware::Kest::Slice {
 namespace {
 

@@ -10,12 +10,11 @@
 #include "platform/mox/PtrInterface.h"
 #include "platform/mox/String8.h"
 
-/// What a random run does to an entity and to its plain model, and what it
-/// hears back from either.
+/// What a random run does to an entity and to its plain model, and what it hears back from either.
 ///
-/// Observers react: what one does when it is told depends on nothing but the
-/// number of notifications before, so the two runs stay the same exactly as
-/// long as the two sequences of notifications do.
+/// Observers react: what one does when it is told depends on nothing but the number of
+/// notifications before, so the two runs stay the same exactly as long as the two sequences of
+/// notifications do.
 namespace Hardware::Kest::Slice {
 
 inline constexpr unsigned entities = 2;    // observers are pointed from one to the other
@@ -117,8 +116,7 @@ inline constexpr unsigned toldSliceId = 100;
 inline constexpr unsigned toldZeroReferences = 101;
 inline constexpr unsigned noValue = 99;
 
-/// Base of both runs: what was heard, and how observers react. `Run` has
-/// `take(Step)`.
+/// Base of both runs: what was heard, and how observers react. `Run` has `take(Step)`.
 template <class Run>
 class Reactions {
  public:

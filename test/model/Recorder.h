@@ -12,8 +12,8 @@ namespace Hardware::Kest::Slice {
 /// What observers were told, in order: "NAME HANDLER KEY".
 using Events = std::vector<std::string>;
 
-/// Observer that writes down what it is told in a list that it shares with
-/// others, and may then do something.
+/// Observer that writes down what it is told in a list that it shares with others, and may then do
+/// something.
 template <class Entity>
 class Recorder : public AnyNotifiee<Entity> {
  public:

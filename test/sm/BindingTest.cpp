@@ -29,10 +29,6 @@ TEST_F(BindingTest, FactoryMakesAnActiveMachineThatObservesConfigAndClock) {
   EXPECT_TRUE(sm->stateTimerReactor()->isRegisteredNotifiee());
 }
 
-TEST_F(BindingTest, PollPeriodIsTwoSeconds) {
-  EXPECT_EQ(sm->pollPeriod(), 2.0);
-}
-
 TEST_F(BindingTest, ConstructorAloneLeavesTheMachineInactive) {
   Mox::Ptr<KestSliceDmaSm> const bare(new KestSliceDmaSm(config, status));
 
@@ -111,19 +107,6 @@ TEST_F(BindingTest, NoConfigDropsTheReactor) {
   EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfdel('et1')"));
 }
 
-TEST_F(BindingTest, NoConfigKeepsAReactorThatObservesNothing) {
-  auto const reactor = sm->configReactor();
-  reactor->notifierIs(nullptr);
-
-  sm->configIs(nullptr);
-  EXPECT_EQ(sm->configReactor(), reactor);
-  EXPECT_FALSE(reactor->moxMarkedForDeletion());
-  sm->configIs(config);
-  EXPECT_EQ(sm->configReactor(), reactor);
-  config->switchPortNotify("et1");
-  EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfdel('et1')"));
-}
-
 TEST_F(BindingTest, ReleasedReactorForgetsTheMachine) {
   auto const dropped = sm->configReactor();
   auto const droppedTimer = sm->stateTimerReactor();
@@ -159,15 +142,6 @@ TEST_F(BindingTest, ConfigDelReturnsWhatWasObservedOnce) {
   EXPECT_THAT(journal.taken(), IsEmpty());
   config->switchPortNotify("et2");
   EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfdel('et2')"));
-}
-
-TEST_F(BindingTest, ConfigDelTurnsOffAReactorThatObservesNothing) {
-  auto const reactor = sm->configReactor();
-  reactor->notifierIs(nullptr);
-
-  EXPECT_EQ(sm->configDel(), nullptr);
-  EXPECT_TRUE(reactor->moxMarkedForDeletion());
-  EXPECT_FALSE(reactor->hasNotificationActive());
 }
 
 TEST_F(BindingTest, SameClockAgainDoesNothing) {
@@ -245,18 +219,6 @@ TEST_F(BindingTest, StateTimerDelReturnsWhatWasObservedOnce) {
   EXPECT_FALSE(reactor->hasNotificationActive());
   EXPECT_FALSE(reactor->isRegisteredNotifiee());
   EXPECT_EQ(sm->stateTimerDel(), nullptr);
-}
-
-TEST_F(BindingTest, TimerWithoutAClockDoesNotPoll) {
-  givePoll(status, journal);
-
-  sm->stateTimerReactor()->notifierIs(nullptr);
-  EXPECT_EQ(sm->stateTimer(), nullptr);
-  EXPECT_THAT(journal.taken(), IsEmpty());
-
-  sm->stateTimerIs(clock);
-  EXPECT_THAT(journal.taken(), ElementsAre(poll));
-  EXPECT_TRUE(sm->stateTimerReactor()->isRegisteredNotifiee());
 }
 
 TEST_F(BindingTest, InitializationBindsTheAgentsClockAndDisarmsTheTimer) {

@@ -19,13 +19,6 @@ constexpr char const* noWantedState =
     "void Hardware::Kest::Slice::KestSliceDmaSm::handleDeviceState(Mox::String): "
     "Assertion `false' failed.";
 
-TEST_F(DeviceTest, NewDeviceIsRenamedTakenDownAndRegistered) {
-  config->deviceIs(device("fap0"));
-  EXPECT_THAT(journal.taken(),
-              ElementsAre(rename, takeDown, parameters, "status device fap0: registered",
-                          "status deviceState fap0: deviceStateUnknown"));
-}
-
 TEST_F(DeviceTest, DriverGetsTheRecordAsItStands) {
   KestSliceDmaConfig::Device record;
   record.devNameIs("fap0");
@@ -107,23 +100,6 @@ TEST_F(DeviceTest, WantedStateIsBroughtAboutOnce) {
   EXPECT_THAT(journal.taken(), IsEmpty());
 }
 
-TEST_F(DeviceTest, DownIsAskedForFromUnknownAndFromNoState) {
-  config->deviceIs(device("fap0"));
-  journal.taken();
-  config->deviceStateIs("fap0", down);
-  EXPECT_THAT(journal.taken(), ElementsAre(takeDown, "status deviceState fap0: deviceStateDown"));
-
-  status->deviceStateDel("fap0");
-  journal.taken();
-  config->deviceStateNotify("fap0");
-  EXPECT_THAT(journal.taken(), ElementsAre(takeDown, "status deviceState fap0: deviceStateDown"));
-
-  status->deviceStateDel("fap0");
-  journal.taken();
-  config->deviceStateIs("fap0", up);
-  EXPECT_THAT(journal.taken(), ElementsAre(bringUp, "status deviceState fap0: deviceStateUp"));
-}
-
 TEST_F(DeviceTest, RefusedStateIsTriedAgainOnlyAtTheNextNotification) {
   config->deviceIs(device("fap0"));
   journal.taken();
@@ -149,12 +125,6 @@ TEST_F(DeviceTest, RegisteredDeviceWithoutAWantedStateEndsTheProcess) {
   EXPECT_ABORT(config->deviceStateIs("fap0", unknown), assertion(noWantedState));
   EXPECT_ABORT(config->deviceStateIs("fap0", static_cast<DeviceState>(3)),
                assertion(noWantedState));
-}
-
-TEST_F(DeviceTest, UnknownIsRefusedEvenWhereTheStatusHasIt) {
-  config->deviceIs(device("fap0"));
-  ASSERT_EQ(status->deviceState("fap0"), unknown);
-  EXPECT_ABORT(config->deviceStateNotify("fap0"), assertion(noWantedState));
 }
 
 }  // namespace

@@ -11,13 +11,6 @@ class NativeVlanTest : public SmTest {
   NativeVlanTest() { createPort("et1"); }
 };
 
-TEST_F(NativeVlanTest, VlanIsProgrammedThenRecordedWithItsMode) {
-  config->nativeVlanIs("et1", 10);
-  EXPECT_THAT(journal.taken(),
-              ElementsAre("kestDmaNativeVlan('et1', false, 10)", "status nativeVlan et1: 10",
-                          "status switchportMode et1: switchportModeAccess"));
-}
-
 TEST_F(NativeVlanTest, ModeChangeProgramsTheVlanAgain) {
   config->nativeVlanIs("et1", 10);
   journal.taken();
@@ -57,15 +50,6 @@ TEST_F(NativeVlanTest, ModeRecordedIsTheOneThatStandsAfterTheDriverAnswered) {
                           "status switchportMode et1: switchportModeDot1qTunnel"));
 }
 
-TEST_F(NativeVlanTest, AnyOtherVlanIsPassedOn) {
-  for (unsigned vlan : {1U, 4095U, 4096U, 65535U}) {
-    config->nativeVlanIs("et1", static_cast<std::uint16_t>(vlan));
-    EXPECT_EQ(journal.taken().front(),
-              "kestDmaNativeVlan('et1', false, " + std::to_string(vlan) + ")");
-    EXPECT_EQ(status->nativeVlan("et1"), vlan);
-  }
-}
-
 TEST_F(NativeVlanTest, NoVlanIsClearedAlikeWhetherZeroOrAbsent) {
   auto const cleared =
       ElementsAre("kestDmaNativeVlan('et1', false, 4096)", "status nativeVlan et1: none",
@@ -80,11 +64,6 @@ TEST_F(NativeVlanTest, NoVlanIsClearedAlikeWhetherZeroOrAbsent) {
   journal.taken();
   config->nativeVlanDel("et1");
   EXPECT_THAT(journal.taken(), cleared);
-}
-
-TEST_F(NativeVlanTest, ModeChangeWithoutAVlanClearsAgain) {
-  config->switchportModeIs("et1", tunnel);
-  EXPECT_THAT(journal.taken(), ElementsAre("kestDmaNativeVlan('et1', false, 4096)"));
 }
 
 TEST_F(NativeVlanTest, ResultOfAClearIsIgnored) {

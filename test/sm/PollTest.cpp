@@ -128,15 +128,6 @@ TEST_F(PollTest, MismatchAbortsThoughNobodyReadsItsReport) {
       "");
 }
 
-TEST_F(PollTest, PeriodBeginsAtTheEndOfAPass) {
-  deviceIs("fap0", up, true);
-  deviceIs("fap1", up, true);
-  sm->modeIs(SmMode::smModePolling_);
-  driver.reaction = [this] { time.advance(250000); };
-  pass(2000000);
-  EXPECT_EQ(timeMin(), 4.5);
-}
-
 TEST_F(PollTest, PassThatThrowsComesAgain) {
   deviceIs("fap0", up, true);
   sm->modeIs(SmMode::smModePolling_);
@@ -203,19 +194,6 @@ TEST_F(PollTest, WalkGoesOnWhenSignal7IsIgnored) {
         _exit(0);
       },
       testing::ExitedWithCode(0), testing::Eq(expected + "armed for 2\n"));
-}
-
-TEST_F(PollTest, StateIsComparedEvenOfADeviceThatIsGone) {
-  deviceIs("fap0", down, true);
-  driver.answersIs("kestDmaIsDeviceUp", "fap0", {19});
-  Mox::logSinkIs([](Mox::LogHandle const&, Mox::String8 const&) {});
-  EXPECT_ABORT(
-      {
-        std::signal(7, SIG_IGN);
-        sm->handleTimerExpired();
-      },
-      "kestDmaIsDeviceUp fap0 returned 19\n"
-      "handleTimerExpired: fap0 expected state: down, actual state: up\n");
 }
 
 TEST_F(PollTest, StateOutOfRangeEndsTheProcessAfterTheDriverWasAsked) {

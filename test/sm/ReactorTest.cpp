@@ -15,7 +15,7 @@ class ReactorTest : public SmTest {
     journal.taken();
   }
 
-  /// What comes of one change in each collection, and of the slice id, and of the poll's time.
+  /// What follows one change in each collection and the poll's time.
   Support::Lines reactions() {
     config->switchPortNotify("et9");
     config->nativeVlanNotify("et1");
@@ -44,22 +44,6 @@ TEST_F(ReactorTest, SliceIdGoesNowhere) {
   EXPECT_THAT(journal.taken(), IsEmpty());
 }
 
-TEST_F(ReactorTest, ImmediateAndWholeCollectionHandlersDoNothing) {
-  auto const reactor = configReactor();
-  reactor->onSliceId();
-  reactor->onSwitchPortmoxImmediate();
-  reactor->onSwitchPort();
-  reactor->onNativeVlanmoxImmediate();
-  reactor->onNativeVlan();
-  reactor->onSwitchportModemoxImmediate();
-  reactor->onSwitchportMode();
-  reactor->onDevicemoxImmediate();
-  reactor->onDevice();
-  reactor->onDeviceStatemoxImmediate();
-  reactor->onDeviceState();
-  EXPECT_THAT(journal.taken(), IsEmpty());
-}
-
 TEST_F(ReactorTest, InactiveMachineSilencesBothReactorsUntilItIsActive) {
   sm->hasNotificationActiveIs(false);
   EXPECT_FALSE(configReactor()->hasNotificationActive());
@@ -74,21 +58,6 @@ TEST_F(ReactorTest, InactiveMachineSilencesBothReactorsUntilItIsActive) {
   EXPECT_THAT(reactions(), all);
 }
 
-TEST_F(ReactorTest, MachineForwardsOnlyARealChangeOfItsActivity) {
-  configReactor()->hasNotificationActiveIs(false);
-  sm->hasNotificationActiveIs(true);
-  EXPECT_FALSE(configReactor()->hasNotificationActive());
-}
-
-TEST_F(ReactorTest, ActivityIsForwardedToTheReactorsThatAreThere) {
-  sm->configIs(nullptr);
-  sm->stateTimerIs(nullptr);
-  sm->hasNotificationActiveIs(false);
-  EXPECT_FALSE(sm->hasNotificationActive());
-  sm->moxDoZombieReactors(true);
-  EXPECT_TRUE(sm->moxMarkedForDeletion());
-}
-
 TEST_F(ReactorTest, ActivationRegistersOnlyAReactorThatWasRegistered) {
   configReactor()->isRegisteredNotifieeIs(false);
   timer()->isRegisteredNotifieeIs(false);
@@ -96,13 +65,6 @@ TEST_F(ReactorTest, ActivationRegistersOnlyAReactorThatWasRegistered) {
   sm->hasNotificationActiveIs(true);
   EXPECT_FALSE(configReactor()->isRegisteredNotifiee());
   EXPECT_FALSE(timer()->isRegisteredNotifiee());
-}
-
-TEST_F(ReactorTest, SecondDeactivationForgetsNothing) {
-  configReactor()->hasNotificationActiveIs(false);
-  configReactor()->hasNotificationActiveIs(false);
-  configReactor()->hasNotificationActiveIs(true);
-  EXPECT_TRUE(configReactor()->isRegisteredNotifiee());
 }
 
 TEST_F(ReactorTest, ReactorThatIsMovedWhileInactiveObservesTheNewConfigOnceActive) {
@@ -135,12 +97,6 @@ TEST_F(ReactorTest, ZombieMachineReactsToNothingUntilItIsBroughtBack) {
   EXPECT_THAT(reactions(), all);
 }
 
-TEST_F(ReactorTest, MachineForwardsOnlyARealChangeOfItsZombieFlag) {
-  configReactor()->moxDoZombieReactors(true);
-  sm->moxDoZombieReactors(false);
-  EXPECT_TRUE(configReactor()->moxMarkedForDeletion());
-}
-
 TEST_F(ReactorTest, ZombieReactorIgnoresWhatItIsTold) {
   sm->moxDoZombieReactors(true);
   config->deviceStateIs("fap0", up);  // every handler would have something to do
@@ -168,13 +124,6 @@ TEST_F(ReactorTest, WakeUpOfAZombieTimerWaitsUntilItIsBroughtBack) {
   EXPECT_EQ(other->timeMin(), Mox::now() + 2.0);
 }
 
-TEST_F(ReactorTest, ZombieReactorWithoutNotifierKeepsItsActivity) {
-  timer()->notifierIs(nullptr);
-  timer()->moxDoZombieReactors(true);
-  EXPECT_TRUE(timer()->moxMarkedForDeletion());
-  EXPECT_TRUE(timer()->hasNotificationActive());
-}
-
 TEST_F(ReactorTest, ReactorMadeOrMovedByAZombieMachineIsAZombie) {
   Mox::Ptr<KestSliceDmaConfig> const other(new KestSliceDmaConfig("other"));
   Mox::Ptr<Mox::Clock> const otherClock(new Mox::Clock("other"));
@@ -195,16 +144,6 @@ TEST_F(ReactorTest, ReactorMadeOrMovedByAZombieMachineIsAZombie) {
   EXPECT_TRUE(timer()->moxMarkedForDeletion());
   EXPECT_FALSE(timer()->hasNotificationActive());
   EXPECT_THAT(reactions(), IsEmpty());
-}
-
-TEST_F(ReactorTest, RebindingBringsBackAReactorThatAloneIsAZombie) {
-  Mox::Ptr<KestSliceDmaConfig> const other(new KestSliceDmaConfig("other"));
-  configReactor()->moxDoZombieReactors(true);
-
-  sm->configIs(other);
-  EXPECT_FALSE(configReactor()->moxMarkedForDeletion());
-  other->switchPortNotify("et9");
-  EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfdel('et9')"));
 }
 
 }  // namespace

@@ -12,16 +12,15 @@ std::string assertion(std::string const& report) {
 }
 
 KestSliceDmaConfig::SwitchPort port(char const* ifName) {
-  KestSliceDmaConfig::SwitchPort record;
-  record.ifNameIs(ifName);
-  record.destIdIs(7);
-  record.shadowIntfIdIs(4096);
-  record.trafficClassIs(3);
-  record.devNameIs("fap0");
-  record.fapNumIs(1);
-  record.ctrlIs(true);
-  record.macAddrIs(Pelk::EthAddr("00:1c:73:0a:0b:0c"));
-  return record;
+  return KestSliceDmaConfig::SwitchPort({.ifName = ifName,
+                                         .destId = 7,
+                                         .shadowIntfId = 4096,
+                                         .trafficClass = 3,
+                                         .devName = "fap0",
+                                         .fapNum = 1,
+                                         .ctrl = true,
+                                         .hwLag = false,
+                                         .macAddr = Pelk::EthAddr("00:1c:73:0a:0b:0c")});
 }
 
 std::string ifadd(std::string const& ifName) {
@@ -29,33 +28,17 @@ std::string ifadd(std::string const& ifName) {
 }
 
 KestSliceDmaConfig::Device device(char const* devName) {
-  KestSliceDmaConfig::Device record;
-  record.devNameIs(devName);
-  record.pciHamIs(new Fru::PciHam("0000:05:00.0"));
-  record.fapTypeIs(FapType::fapTypeArad_);
-  record.numFapsIs(2);
-  record.cpuTmSysPortIs(11);
-  record.cpuEthSysPortIs(12);
-  record.cpuRawSysPortIs(13);
-  record.sflowPortIs(14);
-  record.cpuAradSysPortIs(15);
-  record.cpuAradIs(16);
-  record.cpuAradBridgeIs(17);
-  return record;
-}
-
-KestSliceDmaStatus::SwitchPort statusPort(char const* ifName, bool created) {
-  KestSliceDmaStatus::SwitchPort record;
-  record.ifNameIs(ifName);
-  record.createdIs(created);
-  return record;
-}
-
-KestSliceDmaStatus::Device statusDevice(char const* devName, bool registered) {
-  KestSliceDmaStatus::Device record;
-  record.devNameIs(devName);
-  record.registeredIs(registered);
-  return record;
+  return KestSliceDmaConfig::Device({.devName = devName,
+                                     .pciHam = new Fru::PciHam("0000:05:00.0"),
+                                     .fapType = FapType::fapTypeArad_,
+                                     .numFaps = 2,
+                                     .cpuTmSysPort = 11,
+                                     .cpuEthSysPort = 12,
+                                     .cpuRawSysPort = 13,
+                                     .sflowPort = 14,
+                                     .cpuAradSysPort = 15,
+                                     .cpuArad = 16,
+                                     .cpuAradBridge = 17});
 }
 
 SmTest::SmTest() {

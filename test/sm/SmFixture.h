@@ -36,8 +36,6 @@ KestSliceDmaConfig::SwitchPort port(char const* ifName);
 std::string ifadd(std::string const& ifName);
 /// A complete device, at the handle "0000:05:00.0".
 KestSliceDmaConfig::Device device(char const* devName);
-KestSliceDmaStatus::SwitchPort statusPort(char const* ifName, bool created);
-KestSliceDmaStatus::Device statusDevice(char const* devName, bool registered);
 
 /// A machine between a configuration and a status of its own, on a clock of its own, with a
 /// recording driver. Outside a simulation, at `Mox::now()` 0, no trace level on. The journal has

@@ -40,19 +40,6 @@ constexpr char const* nameRefused =
     "void Hardware::Kest::Slice::KestSliceDmaSm::handleNativeVlan(Mox::String): "
     "Assertion `ifName.pos( \"et\" ) != Mox::String::npos' failed.";
 
-TEST_F(SwitchPortTest, RetryPeriodIsAMinuteAtFirst) {
-  static_assert(std::is_same_v<decltype(INTF_ADD_RETRY_TIMEOUT_SECONDS), std::int32_t>);
-  EXPECT_EQ(INTF_ADD_RETRY_TIMEOUT_SECONDS, 60);
-}
-
-TEST_F(SwitchPortTest, NewPortIsCreatedThenItsNativeVlanHandled) {
-  config->switchPortIs(port("et1"));
-  EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfadd('et1', 7, -1, 3, 'fap0', 1, true, false, "
-                                           "'00:1c:73:0a:0b:0c')",
-                                           "usleep(100000)", "status switchPort et1: created",
-                                           "kestDmaNativeVlan('et1', false, 4096)"));
-}
-
 TEST_F(SwitchPortTest, DriverGetsTheRecordAsItStands) {
   KestSliceDmaConfig::SwitchPort record;
   record.ifNameIs("Ethernet3/1");
@@ -144,18 +131,6 @@ TEST_F(SwitchPortTest, OtherFailureIsRecordedAndNotTriedAgain) {
                                            "status switchPort et1: not created"));
 }
 
-TEST_F(SwitchPortTest, FailureOverACreatedPortLeavesItsNativeVlanInTheStatus) {
-  config->nativeVlanIs("et1", 10);
-  createPort("et1");
-  driver.answersIs("kestDmaIfadd", "et1", {-1});
-  config->switchPortNotify("et1");
-  EXPECT_THAT(journal.taken(),
-              ElementsAre(ifadd("et1"), pause, "status switchPort et1: not created"));
-  EXPECT_THAT(content(*status),
-              ElementsAre("status switchPort et1: not created", "status nativeVlan et1: 10",
-                          "status switchportMode et1: switchportModeAccess"));
-}
-
 // 610 attempts, one each 100 ms, begin before 61 seconds have passed.
 TEST_F(SwitchPortTest, AttemptsAreMadeUntilMoreThanThePeriodHasPassed) {
   RecordingDriver::Answers answers(609, 11);
@@ -204,23 +179,6 @@ TEST_F(SwitchPortTest, PeriodIsReadBeforeEveryAttempt) {
   EXPECT_ABORT(config->switchPortIs(port("et2")), assertion(timedOut));
 }
 
-TEST_F(SwitchPortTest, WallClockThatIsSetBackLengthensTheRetry) {
-  INTF_ADD_RETRY_TIMEOUT_SECONDS = 0;
-  driver.answersIs("kestDmaIfadd", "et1", RecordingDriver::Answers(15, 11));
-  driver.reaction = [&] {
-    if (time.microseconds() == 500000) time.wallClockJump(-1);
-  };
-  config->switchPortIs(port("et1"));
-  EXPECT_TRUE(status->switchPort("et1").created());
-  EXPECT_EQ(time.microseconds(), 1600000);
-}
-
-TEST_F(SwitchPortTest, WallClockThatIsSetForwardEndsTheRetry) {
-  driver.answersIs("kestDmaIfadd", "et1", {11, 0});
-  driver.reaction = [&] { time.wallClockJump(61); };
-  EXPECT_ABORT(config->switchPortIs(port("et1")), assertion(timedOut));
-}
-
 TEST_F(SwitchPortTest, WallClockMayJumpFurtherThanAnIntegerReaches) {
   using Limits = std::numeric_limits<std::time_t>;
   for (char const* ifName : {"et1", "et2"}) driver.answersIs("kestDmaIfadd", ifName, {11, 0});
@@ -234,18 +192,13 @@ TEST_F(SwitchPortTest, WallClockMayJumpFurtherThanAnIntegerReaches) {
   EXPECT_TRUE(status->switchPort("et2").created());
 }
 
-TEST_F(SwitchPortTest, EmptyNameWithAnAddressIsAPresentPort) {
+TEST_F(SwitchPortTest, OnlyAnEmptyNameWithoutAnAddressIsAnAbsentPort) {
   auto record = port("");
   journal.echoIs(true);
   EXPECT_ABORT(
       config->switchPortIs(record),
       ifadd("") + "\nusleep(100000)\nstatus switchPort : created\n" + assertion(nameRefused));
-}
-
-TEST_F(SwitchPortTest, EmptyNameWithoutAnAddressIsAnAbsentPort) {
-  auto record = port("");
   record.macAddrIs(Pelk::EthAddr());
-  journal.echoIs(true);
   EXPECT_ABORT(config->switchPortIs(record), "kestDmaIfdel('')\n" + assertion(nameRefused));
 }
 
@@ -256,11 +209,6 @@ TEST_F(SwitchPortTest, NameWithoutEtEndsTheProcess) {
     EXPECT_ABORT(config->nativeVlanIs(name, 10), assertion(nameRefused));
     EXPECT_ABORT(config->switchportModeIs(name, trunk), assertion(nameRefused));
   }
-}
-
-TEST_F(SwitchPortTest, NameMayHaveEtAnywhere) {
-  config->switchPortIs(port("x-set"));
-  EXPECT_THAT(content(*status), ElementsAre("status switchPort x-set: created"));
 }
 
 }  // namespace

@@ -47,12 +47,6 @@ TEST_F(TeardownTest, TimerGoesBeforeTheStatusAndTheStatusBeforeTheConfigReactor)
   EXPECT_EQ(config->notifierReferences(), 0U);
 }
 
-TEST_F(TeardownTest, MachineHoldsItsStatusButNotItsConfig) {
-  EXPECT_EQ(status->references() - status->notifierReferences(), 2U);
-  EXPECT_EQ(config->references() - config->notifierReferences(), 1U);
-  EXPECT_EQ(config->notifierReferences(), 1U);
-}
-
 TEST_F(TeardownTest, ReactorsThatOutliveTheMachineReactToNothing) {
   auto const configReactor = sm->configReactor();
   auto const timer = sm->stateTimerReactor();
@@ -100,26 +94,6 @@ TEST_F(TeardownTest, LookingAtTheConfigThatOnlyObserversHoldTellsNobody) {
   EXPECT_EQ(observer->notifier(), sm->configReactor()->notifier());
   sm->moxDoZombieReactors(true);
   EXPECT_EQ(told, 1U);
-}
-
-TEST_F(TeardownTest, MachineWithoutReactorsGoesToo) {
-  sm->configIs(nullptr);
-  sm->stateTimerIs(nullptr);
-  sm = nullptr;
-  EXPECT_EQ(status->references() - status->notifierReferences(), 1U);
-}
-
-TEST_F(TeardownTest, AReleasedReactorLeavesItsNotifierByItself) {
-  auto config2 = Mox::Ptr<KestSliceDmaConfig>(new KestSliceDmaConfig("config2"));
-  Mox::Ptr<KestSliceDmaSm::MoxConfig> reactor(new KestSliceDmaSm::MoxConfig(sm.ptr(), config2));
-  Mox::Ptr<KestSliceDmaSm::MoxStateTimer> timer(new KestSliceDmaSm::MoxStateTimer(sm.ptr(), clock));
-  ASSERT_EQ(config2->observers().count(), 1U);
-  ASSERT_EQ(clock->timeMin(), 0);
-
-  reactor = nullptr;
-  timer = nullptr;
-  EXPECT_EQ(config2->observers().count(), 0U);
-  EXPECT_EQ(clock->timeMin(), Mox::Clock::never);
 }
 
 }  // namespace

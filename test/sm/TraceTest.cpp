@@ -35,18 +35,6 @@ TEST_F(TraceTest, PortHandlersTraceFirstAtLevel8) {
                                            "status switchPort et1: none", handleNativeVlan));
 }
 
-TEST_F(TraceTest, NameIsTracedBeforeItIsRefused) {
-  traceOn("8");
-  journal.echoIs(true);
-  EXPECT_ABORT(
-      config->nativeVlanIs("po1", 10),
-      "trace KestSliceDma 8 KestSliceDmaSm:170 handleNativeVlan "
-      "KestSliceDmaSm::handleNativeVlan ifName=po1\n" +
-          assertion("KestSliceDmaSm:171: "
-                    "void Hardware::Kest::Slice::KestSliceDmaSm::handleNativeVlan(Mox::String): "
-                    "Assertion `ifName.pos( \"et\" ) != Mox::String::npos' failed."));
-}
-
 TEST_F(TraceTest, DeviceHandlerTracesAtLevel1AndAgainBeforeARegistration) {
   traceOn("1");
   config->deviceIs(device("fap0"));
