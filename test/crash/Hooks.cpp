@@ -16,10 +16,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-// Seen by the library that calls the operations.
-#pragma GCC visibility push(default)
-#include "driver/KestDma.h"
-#pragma GCC visibility pop
 #include "test/crash/Hooks.h"
 
 namespace {
@@ -60,64 +56,32 @@ void moment() {
   kill(getpid(), SIGKILL);
 }
 
-template <class Result, class... Arguments>
-Result called(Result (*operation)(Arguments...), Arguments... arguments) {
-  moment();
-  isInCall = true;
-  Result const result = behind(operation)(arguments...);
-  isInCall = false;
-  moment();
-  return result;
-}
-
 }  // namespace
 
 namespace Hardware::Kest {
 
-int kestDmaIfadd(char const* ifName, int destId, int shadowIntfId, int trafficClass,
-                 Mox::String8 devName, int fapNum, bool ctrl, bool hwLag, char const* macAddr) {
-  return called(&kestDmaIfadd, ifName, destId, shadowIntfId, trafficClass, devName, fapNum, ctrl,
-                hwLag, macAddr);
+static int driven(char const*, auto* operation, auto const&... arguments) {
+  moment();
+  isInCall = true;
+  int const answer = behind(operation)(arguments...);
+  isInCall = false;
+  moment();
+  return answer;
 }
 
-int kestDmaIfdel(char const* ifName) {
-  return called(&kestDmaIfdel, ifName);
-}
-
-int kestDmaNativeVlan(char const* ifName, bool mode, unsigned short vlanId) {
-  return called(&kestDmaNativeVlan, ifName, mode, vlanId);
-}
-
-int kestDmaDeviceRename(Mox::String8 devName, Mox::Ptr<Fru::PciHam const> pciHam) {
-  return called(&kestDmaDeviceRename, devName, pciHam);
-}
-
-int kestDmaDeviceParam(Mox::String8 devName, unsigned numFaps, FapType fapType,
-                       unsigned cpuTmSysPort, unsigned cpuEthSysPort, unsigned cpuRawSysPort,
-                       unsigned sflowPort, unsigned cpuAradSysPort, unsigned cpuArad,
-                       unsigned cpuAradBridge) {
-  return called(&kestDmaDeviceParam, devName, numFaps, fapType, cpuTmSysPort, cpuEthSysPort,
-                cpuRawSysPort, sflowPort, cpuAradSysPort, cpuArad, cpuAradBridge);
-}
-
-int kestDmaDeviceDown(Mox::String8 devName) {
-  return called(&kestDmaDeviceDown, devName);
-}
-
-int kestDmaDeviceUp(Mox::String8 devName) {
-  return called(&kestDmaDeviceUp, devName);
-}
-
-int kestDmaIsDeviceUp(Mox::String8 devName, bool* up) {
-  return called(&kestDmaIsDeviceUp, devName, up);
+static int driven(char const*, void (*dump)()) {
+  behind(dump)();
+  return 0;
 }
 
 }  // namespace Hardware::Kest
 
+#include "test/support/DriverOperations.h"
+
 #pragma GCC visibility push(default)
 extern "C" {
 
-/// The caller goes on where it was left.
+/// Every other write is cut in half; the caller writes the rest next.
 ssize_t write(int fd, void const* data, size_t bytes) {
   static bool isHalfWritten = false;
   auto const carryOut = behind(&write);
@@ -134,8 +98,8 @@ int rename(char const* from, char const* to) noexcept {
   return result;
 }
 
-/// The port handler pauses 100 ms after each interface, hundreds of times in a test: what the
-/// kernel needs the time for is not here.
+/// The port handler pauses 100 ms after each interface, hundreds of times in a test. There is no
+/// kernel here that needs the time.
 int usleep(useconds_t) {
   return 0;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
-/// What the test program and the library in the agent's process tell each other: environment
-/// variables.
+/// Environment variables by which the test program steers the library in the agent's process.
 namespace Kest::Crash {
 
 /// The moment to be killed at, from 1; 0 or nothing: never.

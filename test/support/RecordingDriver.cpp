@@ -1,12 +1,8 @@
 #include "test/support/RecordingDriver.h"
 
 #include <cstdlib>
-#include <sstream>
 
-// What the library asks of its driver, visible to it.
-#pragma GCC visibility push(default)
-#include "driver/KestDma.h"
-#pragma GCC visibility pop
+#include "test/support/DriverLine.h"
 
 namespace Hardware::Kest {
 
@@ -14,18 +10,19 @@ namespace {
 
 RecordingDriver* currentDriver = nullptr;
 
-std::string quoted(Mox::String8 const& text) {
-  return "'" + std::string(text.view()) + "'";
+int driven(char const* operation, auto*, auto const& name, auto const&... others) {
+  std::string line = Support::driverLine(operation, name, others...);
+  return RecordingDriver::current().call(operation, Mox::String8(name).charPtr(), std::move(line));
 }
 
-/// Writes down the call of `operation` for `name`, its first argument, and answers it.
-template <class... Arguments>
-int recorded(char const* operation, Mox::String8 const& name, Arguments const&... others) {
-  std::ostringstream line;
-  line << std::boolalpha << operation << '(' << quoted(name);
-  ((line << ", " << others), ...);
-  line << ')';
-  return RecordingDriver::current().call(operation, name.charPtr(), line.str());
+int driven(char const* operation, auto* address, Mox::String8 const& devName, bool* up) {
+  int const answer = driven(operation, address, devName);
+  RecordingDriver::current().storeUp(devName.charPtr(), up);
+  return answer;
+}
+
+int driven(char const* operation, auto*) {
+  return RecordingDriver::current().call(operation, "", "kestDmaDump()");
 }
 
 }  // namespace
@@ -63,49 +60,6 @@ void RecordingDriver::storeUp(std::string const& devName, bool* up) const {
   if (found != up_.end()) *up = found->second;
 }
 
-int kestDmaIfadd(char const* ifName, int destId, int shadowIntfId, int trafficClass,
-                 Mox::String8 devName, int fapNum, bool ctrl, bool hwLag, char const* macAddr) {
-  return recorded("kestDmaIfadd", ifName, destId, shadowIntfId, trafficClass, quoted(devName),
-                  fapNum, ctrl, hwLag, quoted(macAddr));
-}
-
-int kestDmaIfdel(char const* ifName) {
-  return recorded("kestDmaIfdel", ifName);
-}
-
-int kestDmaNativeVlan(char const* ifName, bool mode, unsigned short vlanId) {
-  return recorded("kestDmaNativeVlan", ifName, mode, vlanId);
-}
-
-int kestDmaDeviceRename(Mox::String8 devName, Mox::Ptr<Fru::PciHam const> pciHam) {
-  return recorded("kestDmaDeviceRename", devName,
-                  pciHam ? quoted(pciHam->name().string()) : std::string("null"));
-}
-
-int kestDmaDeviceParam(Mox::String8 devName, unsigned numFaps, FapType fapType,
-                       unsigned cpuTmSysPort, unsigned cpuEthSysPort, unsigned cpuRawSysPort,
-                       unsigned sflowPort, unsigned cpuAradSysPort, unsigned cpuArad,
-                       unsigned cpuAradBridge) {
-  return recorded("kestDmaDeviceParam", devName, numFaps, fapType, cpuTmSysPort, cpuEthSysPort,
-                  cpuRawSysPort, sflowPort, cpuAradSysPort, cpuArad, cpuAradBridge);
-}
-
-int kestDmaDeviceDown(Mox::String8 devName) {
-  return recorded("kestDmaDeviceDown", devName);
-}
-
-int kestDmaDeviceUp(Mox::String8 devName) {
-  return recorded("kestDmaDeviceUp", devName);
-}
-
-int kestDmaIsDeviceUp(Mox::String8 devName, bool* up) {
-  int const answer = recorded("kestDmaIsDeviceUp", devName);
-  RecordingDriver::current().storeUp(devName.charPtr(), up);
-  return answer;
-}
-
-void kestDmaDump() {
-  RecordingDriver::current().call("kestDmaDump", "", "kestDmaDump()");
-}
-
 }  // namespace Hardware::Kest
+
+#include "test/support/DriverOperations.h"

@@ -10,9 +10,7 @@
 
 namespace Hardware::Kest {
 
-/// Driver that writes down each call with all its arguments, as in
-/// "kestDmaNativeVlan('et1', false, 4096)", and answers as it was told to. A handle is written as
-/// its name, or null.
+/// A driver that writes down each call (see `Support::driverLine`) and answers as it was told to.
 ///
 /// One at a time: the nine operations of the program reach it. Without one they end the program.
 class RecordingDriver {
@@ -28,8 +26,8 @@ class RecordingDriver {
   void answersIs(std::string const& operation, std::string const& name, Answers answers);
   void answersDelAll() { answers_.clear(); }
 
-  /// What `kestDmaIsDeviceUp` stores for a device, whatever it answers. Before it is told, it
-  /// stores nothing.
+  /// Sets what `kestDmaIsDeviceUp` stores for a device, whatever it answers. Before that it stores
+  /// nothing.
   void upIs(std::string const& devName, bool up) { up_[devName] = up; }
 
   /// Runs in every call, after it was written down.

@@ -1,6 +1,0 @@
-#include <unistd.h>
-
-/// In the place of the system's: the port handler's pauses take no time.
-extern "C" __attribute__((visibility("default"))) int usleep(useconds_t) {
-  return 0;
-}
