@@ -1,7 +1,6 @@
 #include "test/simulation/Capture.h"
 
-#include <algorithm>
-#include <cstring>
+#include <string_view>
 #include <utility>
 
 namespace Simulation {
@@ -23,25 +22,16 @@ Capture::Capture(Support::Journal& journal)
   stderr = stream_;
 }
 
-Capture::~Capture() {
+void Capture::end() {
   stderr = before_;
+}
+
+Capture::~Capture() {
+  end();
   std::fclose(stream_);
 }
 
-void Capture::divertTo(char* text, std::size_t size) {
-  text_ = text;
-  left_ = size - 1;
-}
-
 void Capture::write(char const* bytes, std::size_t count) {
-  if (text_ != nullptr) {
-    std::size_t const fits = std::min(count, left_);
-    std::memcpy(text_, bytes, fits);
-    text_ += fits;
-    *text_ = '\0';
-    left_ -= fits;
-    return;
-  }
   for (char const byte : std::string_view(bytes, count)) {
     if (byte != '\n') {
       line_ += byte;

@@ -7,8 +7,8 @@
 
 namespace Simulation {
 
-/// Takes what the program writes to standard error into the journal, line by line, for as long as
-/// it lives; the journal's own echo must be off then. One at a time.
+/// While it lives, each line that the program writes to standard error goes to the journal. The
+/// journal's own echo must be off then. One at a time.
 class Capture {
  public:
   explicit Capture(Support::Journal& journal);
@@ -16,15 +16,13 @@ class Capture {
   Capture(Capture const&) = delete;
   Capture& operator=(Capture const&) = delete;
 
-  /// From now on what is written goes to `text`, up to `size`, with a NUL behind it.
-  void divertTo(char* text, std::size_t size);
+  /// From now on what the program writes goes to standard error again.
+  void end();
   void write(char const* bytes, std::size_t count);
 
  private:
   Support::Journal& journal_;
   std::string line_;
-  char* text_ = nullptr;
-  std::size_t left_ = 0;
   std::FILE* before_;
   std::FILE* stream_;
 };

@@ -10,8 +10,7 @@ constexpr int invalid = 22;
 
 }  // namespace
 
-template <class Usual>
-Answer Driver::answer(Call call, unsigned key, Usual const& usual) {
+Answer Driver::call(Call call, unsigned key, unsigned vlan) {
   for (std::size_t i = 0; i < faultCount_; ++i) {
     Fault& fault = faults_[i];
     if (fault.call != call || fault.key != key) continue;
@@ -20,78 +19,49 @@ Answer Driver::answer(Call call, unsigned key, Usual const& usual) {
       for (std::size_t next = i + 1; next < faultCount_; ++next) faults_[next - 1] = faults_[next];
       faults_[--faultCount_] = Fault();
     }
-    return {planned.result == 0 ? usual() : planned.result, planned.effect};
+    if (planned.result != 0) return planned;
+    return {carriedOut(call, key, vlan), planned.effect};
   }
-  return {usual(), Effect::none};
+  return {carriedOut(call, key, vlan), Effect::none};
 }
 
-Answer Driver::ifadd(unsigned key) {
-  return answer(Call::ifadd, key, [&] {
-    Interface& interface = interfaces_[key];
-    if (!interface.exists || interface.lost) interface = Interface{.exists = true};
-    return 0;
-  });
-}
-
-Answer Driver::ifdel(unsigned key) {
-  return answer(Call::ifdel, key, [&] {
-    bool const existed = interfaces_[key].exists && !interfaces_[key].lost;
-    interfaces_[key] = Interface();
-    return existed ? 0 : noSuchDevice;
-  });
-}
-
-Answer Driver::nativeVlan(unsigned key, unsigned vlan) {
-  return answer(Call::nativeVlan, key, [&] {
-    Interface& interface = interfaces_[key];
-    if (!interface.exists || interface.lost) return noSuchDevice;
-    interface.vlan = static_cast<std::uint16_t>(vlan);
-    return 0;
-  });
-}
-
-Answer Driver::rename(unsigned key) {
-  return answer(Call::rename, key, [&] {
-    devices_[key].known = true;
-    devices_[key].forgotten = false;
-    return 0;
-  });
-}
-
-Answer Driver::param(unsigned key) {
-  return answer(Call::param, key, [&] {
-    Device& device = devices_[key];
-    if (!device.known || device.forgotten) return noSuchDevice;
-    if (device.up) return busy;
-    device.registered = true;
-    return 0;
-  });
-}
-
-Answer Driver::down(unsigned key) {
-  return answer(Call::down, key, [&] {
-    Device& device = devices_[key];
-    if (!device.known || device.forgotten) return noSuchDevice;
-    device.up = device.left = false;
-    return 0;
-  });
-}
-
-Answer Driver::up(unsigned key) {
-  return answer(Call::up, key, [&] {
-    Device& device = devices_[key];
-    if (!device.registered || device.forgotten) return invalid;
-    device.up = device.left = true;
-    return 0;
-  });
-}
-
-Answer Driver::isUp(unsigned key, bool* isUp) {
-  *isUp = devices_[key].up;  // also where the answer says that this means nothing
-  return answer(Call::isUp, key, [&] {
-    bool const known = devices_[key].known && !devices_[key].forgotten;
-    return known ? 0 : noSuchDevice;
-  });
+int Driver::carriedOut(Call call, unsigned key, unsigned vlan) {
+  Interface& interface = interfaces_[key];
+  Device& device = devices_[key];
+  bool const interfaceIsThere = interface.exists && !interface.lost;
+  bool const deviceIsThere = device.known && !device.forgotten;
+  switch (call) {
+    case Call::ifadd:
+      if (!interfaceIsThere) interface = Interface{.exists = true};
+      return 0;
+    case Call::ifdel:
+      interface = Interface();
+      return interfaceIsThere ? 0 : noSuchDevice;
+    case Call::nativeVlan:
+      if (!interfaceIsThere) return noSuchDevice;
+      interface.vlan = static_cast<std::uint16_t>(vlan);
+      return 0;
+    case Call::rename:
+      device.known = true;
+      device.forgotten = false;
+      return 0;
+    case Call::param:
+      if (!deviceIsThere) return noSuchDevice;
+      if (device.up) return busy;
+      device.registered = true;
+      return 0;
+    case Call::down:
+      if (!deviceIsThere) return noSuchDevice;
+      device.up = device.left = false;
+      return 0;
+    case Call::up:
+      if (!device.registered || device.forgotten) return invalid;
+      device.up = device.left = true;
+      return 0;
+    case Call::isUp:
+      return deviceIsThere ? 0 : noSuchDevice;
+  }
+  return invalid;
 }
 
 void Driver::carryOut(Event const& event) {

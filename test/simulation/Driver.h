@@ -8,10 +8,11 @@
 
 namespace Simulation {
 
-/// The driver's operations but the dump, in the order of the event `fault`.
+/// The driver's operations without the dump, in the order of the event `fault`: those of
+/// interfaces first.
 enum class Call : std::uint8_t { ifadd, ifdel, nativeVlan, rename, param, down, up, isUp };
 
-/// What happens during a call, beside it.
+/// What happens during a call, besides its answer.
 enum class Effect : std::uint8_t { none, thrown, retry0, retry9, wallForward, wallBack };
 
 struct Answer {
@@ -19,14 +20,13 @@ struct Answer {
   Effect effect = Effect::none;
 };
 
-/// What is behind the driver's operations, and how they answer: as a careful driver, but for the
-/// faults that are planned. Plain data, so that the real world and the plain one have one each that
-/// must stay the same.
+/// The state of a careful driver, and how its operations answer unless faults are planned. Plain
+/// data: the real world and the plain one have one each, and the two must stay the same.
 class Driver {
  public:
   struct Interface {
     bool exists = false;
-    bool lost = false;  // it went by itself
+    bool lost = false;  // it vanished by itself
     std::uint16_t vlan = 4096;
     friend bool operator==(Interface const&, Interface const&) = default;
   };
@@ -34,34 +34,27 @@ class Driver {
     bool known = false;
     bool registered = false;
     bool up = false;
-    bool left = false;       // how the last operation left it: up or not
-    bool forgotten = false;  // it went by itself
+    bool left = false;       // up or not after the last operation
+    bool forgotten = false;  // it vanished by itself
     friend bool operator==(Device const&, Device const&) = default;
   };
 
   Interface const& interface(unsigned key) const { return interfaces_[key]; }
   Device const& device(unsigned key) const { return devices_[key]; }
 
-  // The operations.
-  Answer ifadd(unsigned key);
-  Answer ifdel(unsigned key);
-  Answer nativeVlan(unsigned key, unsigned vlan);
-  Answer rename(unsigned key);
-  Answer param(unsigned key);
-  Answer down(unsigned key);
-  Answer up(unsigned key);
-  Answer isUp(unsigned key, bool* isUp);
+  /// The answer of that operation. Only `nativeVlan` has a VLAN.
+  Answer call(Call call, unsigned key, unsigned vlan = 0);
 
-  /// What an event of the driver does.
+  /// Carries out an event of the driver.
   void carryOut(Event const& event);
-  /// No faults, and everything is again as the operations left it.
+  /// Forgets the faults and puts everything back to how the operations left it.
   void mend();
 
   friend bool operator==(Driver const&, Driver const&) = default;
 
  private:
-  /// The next `times` calls of that operation for the key answer so; a result of 0 lets them go
-  /// their usual way. Left out when enough are planned.
+  /// The next `times` calls of that operation for the key answer `result`; with 0 they answer as
+  /// usual. Ignored when enough faults are planned.
   void fault(Call call, unsigned key, int times, int result, Effect effect);
   struct Fault {
     Call call{};
@@ -72,9 +65,8 @@ class Driver {
     friend bool operator==(Fault const&, Fault const&) = default;
   };
 
-  /// Answers as planned, or with what `usual()` does.
-  template <class Usual>
-  Answer answer(Call call, unsigned key, Usual const& usual);
+  /// Carries the operation out as if no fault were planned; returns its answer.
+  int carriedOut(Call call, unsigned key, unsigned vlan);
 
   std::array<Interface, keyCount> interfaces_;
   std::array<Device, keyCount> devices_;

@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "platform/mox/String8.h"
 #include "test/simulation/Driver.h"
 #include "test/support/Journal.h"
 
@@ -19,12 +20,10 @@ class DriverCalls {
 
   static DriverCalls& current();
 
-  Driver& driver() { return driver_; }
   void add(std::string line) { journal_.add(std::move(line)); }
-  int called(Answer const& answer) {
-    if (answer.effect != Effect::none) apply_(answer.effect);
-    return answer.result;
-  }
+  /// Answers the call of `operation` for `name` that `line` shows.
+  int called(char const* operation, Mox::String8 const& name, std::string line, unsigned vlan);
+  bool isUp(Mox::String8 const& devName) const;
 
  private:
   Driver& driver_;

@@ -8,31 +8,29 @@
 
 namespace Simulation {
 
-namespace {
-
-constexpr std::size_t sharedSize = 1U << 20;
-
-char* sharedText() {
-  static char* const memory = static_cast<char*>(
-      mmap(nullptr, sharedSize, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
-  return memory;
-}
-
-}  // namespace
-
-End endOf(std::function<void(char*, std::size_t)> const& work) {
-  char* const text = sharedText();
-  text[0] = '\0';
+int statusOf(std::function<void()> const& work) {
   pid_t const child = fork();
   if (child < 0) std::abort();
   if (child == 0) {
-    alarm(30);  // for one that does not come to an end
-    work(text, sharedSize);
+    work();
     _exit(0);
   }
   int status = 0;
   if (waitpid(child, &status, 0) != child) std::abort();
-  return {WIFSIGNALED(status) ? WTERMSIG(status) : 0, text};
+  return status;
+}
+
+End endOf(std::function<void()> const& work) {
+  static int const file = memfd_create("standard error", MFD_CLOEXEC);
+  if (ftruncate(file, 0) != 0 || lseek(file, 0, SEEK_SET) != 0) std::abort();
+  int const status = statusOf([&] {
+    alarm(30);  // for one that does not come to an end
+    dup2(file, STDERR_FILENO);
+    work();
+  });
+  std::string text(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), '\0');
+  if (pread(file, text.data(), text.size(), 0) < 0) std::abort();
+  return {WIFSIGNALED(status) ? WTERMSIG(status) : 0, std::move(text)};
 }
 
 }  // namespace Simulation

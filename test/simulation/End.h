@@ -1,19 +1,22 @@
 #pragma once
 
-#include <cstddef>
 #include <functional>
-#include <string_view>
+#include <string>
 
 namespace Simulation {
 
+/// Runs `work()` in a process of its own; how that ended, as `waitpid` tells it: 0 for one that
+/// came to the end of `work`.
+int statusOf(std::function<void()> const& work);
+
 /// How a process of its own ended.
 struct End {
-  int signal = 0;         // 0: it did not end by one
-  std::string_view text;  // what it left; valid until the next one
+  int signal = 0;    // 0: it did not end by one
+  std::string text;  // what it wrote to standard error
 };
 
-/// Runs `work(text, size)` in a process of its own, which leaves a NUL-terminated text there. A
-/// process that comes to the end of `work` has not ended by a signal.
-End endOf(std::function<void(char* text, std::size_t size)> const& work);
+/// Runs `work()` in a process of its own. One that comes to the end of `work` has not ended by a
+/// signal.
+End endOf(std::function<void()> const& work);
 
 }  // namespace Simulation

@@ -2,68 +2,37 @@
 
 #include <algorithm>
 #include <istream>
+#include <iterator>
 #include <sstream>
-#include <stdexcept>
-
-#include "test/simulation/Text.h"
 
 namespace Simulation {
 
 namespace {
 
-constexpr char const* entityWords[] = {"config0", "config1", "status0", "status1"};
-constexpr char const* pointWords[] = {"config0", "config1", "status0", "status1", "none"};
-constexpr char const* configWords[] = {"config0", "config1", "none"};
-constexpr char const* statusWords[] = {"status0", "status1"};
-constexpr char const* collectionWords[] = {"switchPort", "nativeVlan", "switchportMode", "device",
-                                           "deviceState"};
-constexpr char const* handlerWords[] = {"handleSwitchPort", "handleNativeVlan", "handleDevice",
-                                        "handleDeviceState"};
-constexpr char const* callWords[] = {"ifadd", "ifdel", "nativeVlan", "rename",
-                                     "param", "down",  "up",         "isUp"};
-constexpr char const* effectWords[] = {"none",    "throw",        "retry-0",
-                                       "retry-9", "wall-forward", "wall-back"};
-constexpr char const* clockWords[] = {"clock0", "clock1", "clock2"};
-constexpr char const* clockOrNoneWords[] = {"clock0", "clock1", "clock2", "none"};
-constexpr char const* wayWords[] = {"direct", "by-name"};
-constexpr char const* onWords[] = {"off", "on"};
-constexpr char const* levelWords[] = {"none", "0", "1", "2", "8", "all"};
-constexpr char const* reactorWords[] = {"config", "timer"};
-constexpr char const* modeWords[] = {"initial", "standby", "polling"};
-
-Argument const configArgument{configWords};
-Argument const statusArgument{statusWords};
-Argument const handlerArgument{handlerWords};
-Argument const callArgument{callWords};
-Argument const effectArgument{effectWords};
-Argument const clockArgument{clockWords};
-Argument const clockOrNoneArgument{clockOrNoneWords};
-Argument const wayArgument{wayWords};
-Argument const levelsArgument{levelWords};
-Argument const reactorArgument{reactorWords};
-Argument const modeArgument{modeWords};
-Argument const iteratorArgument{{}, 0, iteratorCount - 1};
-Argument const observerArgument{{}, 0, observerCount - 1};
-Argument const timerArgument{{}, 0, timerCount - 1};
-Argument const secondsArgument{{}, -5, 5};
-Argument const retrySecondsArgument{{}, 0, 3};
-
-std::int32_t numberOf(std::string const& word, char const* what) {
-  std::int32_t number = 0;
-  auto const [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-  if (error != std::errc() || end != word.data() + word.size()) {
-    throw std::runtime_error(text("expected ", what, ", found '", word, "'"));
-  }
-  return number;
-}
+Argument const configArgument("config0 config1 none");
+Argument const statusArgument("status0 status1");
+Argument const handlerArgument("handleSwitchPort handleNativeVlan handleDevice handleDeviceState");
+Argument const callArgument("ifadd ifdel nativeVlan rename param down up isUp");
+Argument const effectArgument("none throw retry-0 retry-9 wall-forward wall-back");
+Argument const clockArgument("clock0 clock1 clock2");
+Argument const clockOrNoneArgument("clock0 clock1 clock2 none");
+Argument const wayArgument("direct by-name");
+Argument const levelsArgument("none 0 1 2 8 all");
+Argument const reactorArgument("config timer");
+Argument const modeArgument("initial standby polling");
+Argument const iteratorArgument(0, iteratorCount - 1);
+Argument const observerArgument(0, observerCount - 1);
+Argument const timerArgument(0, timerCount - 1);
+Argument const secondsArgument(-5, 5);
+Argument const retrySecondsArgument(0, 3);
 
 std::int32_t readArgument(Argument const& argument, std::string const& word, char const* name) {
-  auto const found = std::find(argument.words.begin(), argument.words.end(), word);
-  if (found != argument.words.end()) {
-    return static_cast<std::int32_t>(found - argument.words.begin());
+  auto const found = std::find(argument.names.begin(), argument.names.end(), word);
+  if (found != argument.names.end()) {
+    return static_cast<std::int32_t>(found - argument.names.begin());
   }
-  if (!argument.words.empty()) throw std::runtime_error(text(name, ": what is '", word, "'?"));
-  std::int32_t const number = numberOf(word, "a number");
+  if (!argument.names.empty()) throw std::runtime_error(text(name, ": what is '", word, "'?"));
+  std::int32_t const number = numberIn<std::int32_t>(word);
   if (number < argument.low || number > argument.high) {
     throw std::runtime_error(text(name, ": ", number, " is out of range"));
   }
@@ -80,15 +49,21 @@ std::vector<OpInfo> inOrder(std::vector<OpInfo> all) {
 
 }  // namespace
 
-Argument const entityArgument{entityWords};
-Argument const pointArgument{pointWords};
-Argument const collectionArgument{collectionWords};
-Argument const keyArgument{{}, 0, keyCount - 1};
-Argument const valueArgument{{}, 0, 7};
-Argument const resultArgument{{}, -1, 99};
-Argument const timesArgument{{}, 1, 40};
-Argument const onArgument{onWords};
-Argument const microsecondsArgument{{}, 0, 9999999};
+Argument const entityArgument("config0 config1 status0 status1");
+Argument const pointArgument("config0 config1 status0 status1 none");
+Argument const collectionArgument("switchPort nativeVlan switchportMode device deviceState");
+Argument const keyArgument(0, keyCount - 1);
+Argument const valueArgument(0, 7);
+Argument const resultArgument(-1, 99);
+Argument const timesArgument(1, 40);
+Argument const onArgument("off on");
+Argument const microsecondsArgument(0, 9999999);
+
+Argument::Argument(char const* list) {
+  std::istringstream words(list);
+  names.assign(std::istream_iterator<std::string>(words), {});
+  high = static_cast<std::int32_t>(names.size()) - 1;
+}
 
 std::vector<OpInfo> const& allOps() {
   static Argument const* const entity = &entityArgument;
@@ -158,6 +133,11 @@ std::vector<OpInfo> const& allOps() {
   return all;
 }
 
+bool isByName(Event const& event) {
+  auto const& arguments = infoOf(event.op).arguments;
+  return !arguments.empty() && arguments.back() == &wayArgument && event.flag(arguments.size() - 1);
+}
+
 Op opOf(std::string_view name) {
   for (OpInfo const& info : allOps()) {
     if (info.name == name) return info.op;
@@ -173,12 +153,8 @@ std::string textOf(Event const& event) {
   }
   line += info.name;
   for (std::size_t i = 0; i < info.arguments.size(); ++i) {
-    auto const& words = info.arguments[i]->words;
-    if (words.empty()) {
-      line += text(" ", event[i]);
-    } else {
-      line += text(" ", words[event.index(i)]);
-    }
+    auto const& names = info.arguments[i]->names;
+    line += " " + (names.empty() ? text(event[i]) : names[event.index(i)]);
   }
   return line;
 }
@@ -195,8 +171,8 @@ Event eventOf(std::string_view line) {
     event.throws = after.back() != ':';
     if (!event.throws) after.pop_back();
     if (event.throws && word != "throw:") throw std::runtime_error("expected 'throw:'");
-    event.planner = static_cast<std::int8_t>(numberOf(planner, "a place"));
-    event.after = static_cast<std::uint8_t>(numberOf(after, "a number of times"));
+    event.planner = numberIn<std::int8_t>(planner);
+    event.after = numberIn<std::uint8_t>(after);
     if (event.planner < 0 || static_cast<unsigned>(event.planner) >= plannerCount) {
       throw std::runtime_error(text("no place has the number ", planner));
     }

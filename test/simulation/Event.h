@@ -3,14 +3,18 @@
 #include <array>
 #include <cstdint>
 #include <iosfwd>
-#include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// What happens in a simulation. Events are data: they name what they are about by number, whatever
-/// the world looks like when they come, so that any selection of a run's events runs too.
+#include "test/support/Text.h"
+
+/// Events of a simulation. They are data: they name what they are about by number, whatever the
+/// world looks like when they happen, so any selection of a run's events can run too.
 namespace Simulation {
+
+using Support::text;
 
 inline constexpr unsigned configCount = 2;
 inline constexpr unsigned entityCount = 4;      // the configurations, then the statuses
@@ -19,8 +23,8 @@ inline constexpr unsigned keyCount = 8;         // of ports and of devices
 inline constexpr unsigned clockCount = 3;
 inline constexpr unsigned iteratorCount = 4;
 
-/// Observers have places: of configurations, then of statuses. Timers have theirs behind them; what
-/// has a place can have plans.
+/// Observers have places: first those of configurations, then those of statuses. The places of
+/// timers follow. Whoever has a place can have plans.
 inline constexpr unsigned configObserverCount = 4;
 inline constexpr unsigned observerCount = 7;
 inline constexpr unsigned timerCount = 2;
@@ -77,23 +81,24 @@ enum class Op : std::uint8_t {
   handleMode,
 };
 
-/// What an argument of an event is: one of `words`, or a number from `low` to `high`.
+/// A kind of argument: a number from `low` to `high`, or the number of a name.
 struct Argument {
-  std::span<char const* const> words;
+  Argument(std::int32_t lowest, std::int32_t highest) : low(lowest), high(highest) {}
+  /// @param list the names, separated by blanks
+  explicit Argument(char const* list);
+
+  std::size_t count() const { return static_cast<std::size_t>(high - low) + 1; }
+
+  std::vector<std::string> names;
   std::int32_t low = 0;
   std::int32_t high = 0;
-
-  std::int32_t first() const { return words.empty() ? low : 0; }
-  std::size_t count() const {
-    return words.empty() ? static_cast<std::size_t>(high - low) + 1 : words.size();
-  }
 };
 
-/// What there is to know of one kind of event.
+/// A kind of event.
 struct OpInfo {
   Op op;
   char const* name;
-  unsigned weight;  // how often, beside the others
+  unsigned weight;  // how often it is made, relative to the others
   std::vector<Argument const*> arguments;
 };
 
@@ -102,11 +107,11 @@ inline OpInfo const& infoOf(Op op) {
   return allOps()[static_cast<std::size_t>(op)];
 }
 
-/// Whether it is done to an observer.
+/// Whether the event is done to an observer.
 inline bool isOfObserver(Op op) {
   return op >= Op::renew && op <= Op::point;
 }
-/// Whether it is planned for the driver, or happens to what is behind it.
+/// Whether the event is a planned fault of the driver or happens to the hardware.
 inline bool isOfDriver(Op op) {
   return op >= Op::fault && op <= Op::forget;
 }
@@ -114,7 +119,7 @@ inline bool isOfDriver(Op op) {
 /// The kind of event of that name; `std::runtime_error` when there is none.
 Op opOf(std::string_view name);
 
-// The kinds of arguments that the generator treats by themselves.
+// The kinds of arguments that the generator treats specially.
 extern Argument const entityArgument;
 extern Argument const collectionArgument;
 extern Argument const pointArgument;
@@ -128,8 +133,8 @@ extern Argument const microsecondsArgument;
 struct Event {
   Op op{};
   std::array<std::int32_t, 5> arguments{};
-  /// Who does it, instead of it being done now: the place in question, when it has been told this
-  /// many times more, and whether it throws then. -1: nobody.
+  /// The place of the observer or timer that is to do this later, when it has been told `after`
+  /// more times; -1: it is done now. With `throws`, the handler then throws.
   std::int8_t planner = -1;
   std::uint8_t after = 0;
   bool throws = false;
@@ -141,17 +146,24 @@ struct Event {
   bool flag(std::size_t i) const { return arguments[i] != 0; }
 };
 
-/// Whether an event of the machine says, last, whether it goes by name.
-inline bool hasWay(Op op) {
-  return op != Op::machineDrop && op != Op::reactor;
+/// The number that a word is; `std::runtime_error` when it is none.
+template <std::integral Number>
+Number numberIn(std::string_view word) {
+  Number number = 0;
+  auto const [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+  if (error == std::errc() && end == word.data() + word.size()) return number;
+  throw std::runtime_error(text("expected a number, found '", word, "'"));
 }
+
+/// Whether the event is carried out by generic access.
+bool isByName(Event const& event);
 
 /// One line, as in `set config0 device 3 5 direct` or `at 4 0 throw: poll direct`.
 std::string textOf(Event const& event);
 /// Reads such a line; `std::runtime_error` says what is wrong with it.
 Event eventOf(std::string_view line);
 
-/// A script: one event a line; empty lines and those that start with `#` are left out.
+/// Reads a script: one event a line. Empty lines and those that start with `#` are ignored.
 std::vector<Event> eventsOf(std::istream& script);
 
 /// Numbers the events of a run.

@@ -4,7 +4,6 @@
 #include <random>
 
 #include "test/simulation/Stories.h"
-#include "test/simulation/Text.h"
 #include "test/simulation/Values.h"
 
 namespace Simulation {
@@ -17,7 +16,7 @@ class Generator {
     for (OpInfo const& info : allOps()) weights_.push_back(info.weight * taste());
   }
 
-  /// Events come one after the other, some of them in stories; a quarter of them are plans.
+  /// The next event. Some come in stories, and a quarter of the others are plans.
   Event event() {
     if (!next_.empty()) {
       Event const next = next_.front();
@@ -66,7 +65,7 @@ class Generator {
     }
   }
 
-  /// What shows the event's effect.
+  /// Adds events that show the effect of this one.
   void addSequel(Event const& event) {
     std::int32_t const key = event[event.op == Op::fault ? 1 : 0];
     auto const add = [&](Op op, std::array<std::int32_t, 5> arguments) {
@@ -110,7 +109,7 @@ class Generator {
     return tastes[any(5)];
   }
 
-  /// What an observer or a timer does is often what disturbs those that come behind it.
+  /// Observers and timers often do something that disturbs those after them.
   Op anyOp(int planner) {
     static constexpr Op disturbing[] = {
         Op::set,   Op::del,    Op::delAll,    Op::renew,       Op::drop,   Op::join,  Op::leave,
@@ -129,8 +128,8 @@ class Generator {
     return allOps()[chosen].op;
   }
 
-  /// The argument behind those that `event` has already. Most values come as they come; of those
-  /// that end the process, or silence the machine, there are fewer.
+  /// The argument at that place; the earlier ones are set. Values that end the process or silence
+  /// the machine are rarer than others.
   std::int32_t argument(Argument const& kind, Event const& event, std::size_t at) {
     if (&kind == &entityArgument) return anyEntity();
     if (&kind == &pointArgument) return anyPoint(event);
@@ -143,7 +142,7 @@ class Generator {
       return onceIn(event.planner >= 0 ? 2 : 6) ? 1 - usual(event) : usual(event);
     if (&kind == &microsecondsArgument) return static_cast<std::int32_t>(any(2500000));
     if ((event.op == Op::config || event.op == Op::machine) && at == 0) return anyConfig();
-    return kind.first() + static_cast<std::int32_t>(any(kind.count()));
+    return kind.low + static_cast<std::int32_t>(any(kind.count()));
   }
 
   std::int32_t anyEntity() { return anyOf({0, 0, 0, 0, 0, 0, 0, 1, 1, 1, onceIn(3) ? 2 : 0, 0}); }

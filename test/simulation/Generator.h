@@ -8,7 +8,7 @@
 namespace Simulation {
 
 /// The first `count` events of the seed's run, the same on every machine. Seeds differ in taste:
-/// each has kinds of events that come seldom and others that come often.
+/// each makes some kinds of events seldom and others often.
 std::vector<Event> eventsOf(std::uint64_t seed, std::size_t count);
 
 }  // namespace Simulation

@@ -34,7 +34,7 @@ std::string joined(Support::Lines const& lines) {
   return all;
 }
 
-/// The lines that both have at the start, then what each goes on with.
+/// The lines that both start with, then how each goes on.
 std::string difference(Support::Lines const& expected, Support::Lines const& found) {
   auto const [at, foundAt] =
       std::mismatch(expected.begin(), expected.end(), found.begin(), found.end());
@@ -77,8 +77,8 @@ class Lockstep {
 
  private:
   void expectEnd(Event const& event, int signal) {
-    End const end = endOf([&](char* text, std::size_t size) {
-      real_.divertTo(text, size);
+    End const end = endOf([&] {
+      real_.goOnAloud();
       real_.take(event, plain_.carriedOut);
     });
     std::string const expected = joined(plain_.lines);
@@ -87,7 +87,7 @@ class Lockstep {
       failure_ = text("should have ended by signal ", signal, ", not ", end.signal, "\n");
     }
     if (end.text != expected) {
-      failure_ += "should have left\n" + expected + "but left\n" + std::string(end.text);
+      failure_ += "should have left\n" + expected + "but left\n" + end.text;
     }
   }
 
@@ -135,7 +135,7 @@ Outcome runOnce(std::vector<Event> const& events, Probes& probes,
 Outcome run(std::vector<Event> const& events, Probes& probes, Circumstances const& circumstances) {
   Outcome outcome = runOnce(events, probes, circumstances);
   if (outcome.leaks == 0 || !outcome.failure.empty()) return outcome;
-  // What a first run leaves behind for good is no leak: what leaks leaks again.
+  // Memory that only the first run takes, and keeps, is no leak; a leak leaks again.
   Probes ignored;
   outcome.leaks = runOnce(events, ignored, circumstances).leaks;
   if (outcome.leaks != 0) outcome.failure = text("blocks of memory left: ", outcome.leaks, "\n");

@@ -10,9 +10,9 @@
 
 namespace Simulation {
 
-/// What came of a run.
+/// The result of a run.
 struct Outcome {
-  /// What differed, and where; empty when nothing did.
+  /// The first difference, and where it was; empty when there is none.
   std::string failure;
   std::uint64_t digest = 0;  // of everything that was observed
   std::size_t events = 0;

@@ -25,7 +25,7 @@ void PlainWorld::timerNotifierIs(unsigned timer, int clock) {
   timerRegisteredIs(timer, registered);
 }
 
-/// In the place of the one that may be there. It is due at once.
+/// Replaces the timer that may be there. The new one is due at once.
 void PlainWorld::newTimer(unsigned timer, unsigned clock) {
   dropTimer(timer);
   PlainTimer& self = state.timers[timer];
@@ -37,7 +37,9 @@ void PlainWorld::newTimer(unsigned timer, unsigned clock) {
 void PlainWorld::dropTimer(unsigned timer) {
   PlainTimer& self = state.timers[timer];
   timerRegisteredIs(timer, false);
-  self = PlainTimer{.generation = self.generation + 1};
+  std::uint32_t const next = self.generation + 1;
+  self = PlainTimer();
+  self.generation = next;
 }
 
 void PlainWorld::pass(std::int64_t microseconds) {
@@ -45,8 +47,8 @@ void PlainWorld::pass(std::int64_t microseconds) {
   for (unsigned clock = 0; clock < clockCount; ++clock) dispatch(clock);
 }
 
-/// Who is due when it starts is woken, by wake-up time, then in order of registration; who is gone,
-/// has left or is no longer due when its turn comes is not.
+/// Wakes the timers that are due at the start, by wake-up time and then in order of registration. A
+/// timer that is gone, has left or is no longer due at its turn is skipped.
 void PlainWorld::dispatch(unsigned clock) {
   struct Due {
     unsigned timer;
@@ -68,7 +70,7 @@ void PlainWorld::dispatch(unsigned clock) {
     PlainTimer& self = state.timers[one.timer];
     bool const stillDue = self.generation == one.generation && self.registered && !self.zombie &&
                           self.notifier == static_cast<int>(clock) && self.timeMin <= start;
-    reachIf(!stillDue, Probe::timerReleasedBeforeItsTurn);
+    reachIf(!stillDue, Probe::timerReleasedOrMovedBeforeItsTurn);
     if (!stillDue) continue;
     reachIf(self.timeMin == 0, Probe::timerDueAtOnce);
     self.timeMin = std::numeric_limits<double>::infinity();

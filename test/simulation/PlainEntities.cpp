@@ -30,7 +30,7 @@ void PlainWorld::insert(unsigned entity, unsigned collection, unsigned key, std:
   at = {number, ++state.entriesMade};
 }
 
-/// Returns what the deletion returns.
+/// Returns the text of what the deletion returns.
 std::string PlainWorld::erase(unsigned entity, unsigned collection, unsigned key) {
   PlainCell& at = cell(entity, collection, key);
   PlainCell const removed = at;
@@ -67,29 +67,25 @@ void PlainWorld::changed(unsigned entity, unsigned what, unsigned key) {
   deliver(entity, what, key);
 }
 
-/// To those who are on the list now, in its order. Who has been released meanwhile is not told, but
-/// the first, who cannot have been.
+/// Tells the observers that are listed now, in order. One that is released meanwhile is not told,
+/// apart from the first, which cannot have been released yet.
 void PlainWorld::deliver(unsigned entity, unsigned what, unsigned key) {
-  if (isBound()) {
-    PlainObserver const& reactor = state.observers[static_cast<unsigned>(state.machine.reactor)];
-    bool const concerned = reactor.notifier == static_cast<int>(entity);
-    reachIf(concerned && !reactor.active && !reactor.zombie, Probe::machineSilentWhenInactive);
+  if (bound() == static_cast<int>(entity)) {
+    reachIf(!reactor().active && !reactor().zombie, Probe::machineSilentWhenInactive);
   }
   std::vector<std::uint8_t> const snapshot = state.entities[entity].listed;
   if (snapshot.empty()) return;
-  UnderWay const underWay(state.deliveries);
+  Meanwhile const underWay(state.deliveries, state.deliveries + 1);
   reachIf(state.deliveries > 1, Probe::deliveryInsideDelivery);
   reachIf(what == toldZeroReferences, Probe::zeroReferencesTold);
-  PlainAnnouncement const outer = state.announcement;
+  Meanwhile const announced(state.announcement, {entity, what, key});
   for (unsigned const observer : snapshot) hold(observer);
   for (std::size_t i = 0; i < snapshot.size(); ++i) {
     bool const released = i > 0 && state.observers[snapshot[i]].references == 1;
     reachIf(released, Probe::observerReleasedDuringDelivery);
-    state.announcement = {entity, what, key};
     if (!released) tell(snapshot[i], entity, what, key);
     letGo(snapshot[i]);
   }
-  state.announcement = outer;
 }
 
 bool PlainWorld::isThere(PlainIterator const& iterator) {
@@ -115,7 +111,7 @@ void PlainWorld::showIterator(unsigned number) {
   }
 }
 
-/// Starts at the first entry, or at the key that it names.
+/// Starts at the key that `iterator` names, or else at the first entry.
 void PlainWorld::iterate(PlainIterator iterator, unsigned number) {
   auto const& cells =
       state.entities[static_cast<unsigned>(iterator.entity)].cells[iterator.collection];
@@ -139,8 +135,8 @@ void PlainWorld::step(unsigned number) {
     auto const& cells =
         state.entities[static_cast<unsigned>(iterator.entity)].cells[iterator.collection];
     std::uint32_t const here = cells[iterator.key].entry;
-    reachIf(here == 0, Probe::iteratorResumedBehindDeleted);
-    reachIf(here != 0 && here != iterator.entry, Probe::iteratorResumedBehindReplaced);
+    reachIf(here == 0, Probe::iteratorResumedAfterDeletion);
+    reachIf(here != 0 && here != iterator.entry, Probe::iteratorResumedAfterReplacement);
     auto const& walk = walkOf(iterator.collection);
     auto const* const at = std::find(walk.begin(), walk.end(), iterator.key);
     auto const* const next =

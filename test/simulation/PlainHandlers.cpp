@@ -73,7 +73,7 @@ void PlainWorld::assertionFails(char const* place, char const* expression) {
 }
 
 void PlainWorld::handle(unsigned handler, unsigned key) {
-  UnderWay const underWay(state.handlers);
+  Meanwhile const underWay(state.handlers, state.handlers + 1);
   Meanwhile const begun(state.handled, bound());
   reachIf(state.handlers > 1, Probe::handlerInsideHandler);
   switch (handler) {
@@ -93,11 +93,11 @@ void PlainWorld::handleSwitchPort(unsigned key) {
   trace(8, 126, "handleSwitchPort", "KestSliceDmaSm::handleSwitchPort ifName=", name);
   PlainCell const port = configured(switchPorts, key);
   bool const hasAddress = port.entry != 0 && portRow(port.number).macAddr != noMac;
-  reachIf(port.entry != 0 && name.empty() && hasAddress, Probe::portOfNoName);
-  reachIf(port.entry != 0 && !name.empty() && !hasAddress, Probe::portOfNoAddress);
+  reachIf(port.entry != 0 && name.empty() && hasAddress, Probe::portWithAddressButNoName);
+  reachIf(port.entry != 0 && !name.empty() && !hasAddress, Probe::portWithNameButNoAddress);
   if (port.entry == 0 || (name.empty() && !hasAddress)) {
     line("kestDmaIfdel('", name, "')");
-    called(state.driver.ifdel(key));
+    called(state.driver.call(Call::ifdel, key));
     reach(Probe::portRemoved);
     reachIf(recorded(nativeVlans, key).entry != 0, Probe::portRemovedWithVlanLeft);
     forget(switchPorts, key);
@@ -128,7 +128,7 @@ int PlainWorld::createInterface(unsigned key, std::int32_t number) {
     line("kestDmaIfadd('", keyName(switchPorts, key).view(), "', ", row.destId, ", ", shadow, ", ",
          row.trafficClass, ", '", row.devName, "', ", row.fapNum, ", ", row.ctrl, ", ", row.hwLag,
          ", '", row.macAddr, "')");
-    Answer const answer = state.driver.ifadd(key);
+    Answer const answer = state.driver.call(Call::ifadd, key);
     if (answer.result == 11) {
       reachIf(answer.effect == Effect::retry0 || answer.effect == Effect::retry9,
               Probe::retryPeriodChangedDuringRetries);
@@ -158,7 +158,7 @@ void PlainWorld::handleNativeVlan(unsigned key) {
   }
   if (vlan == 0) {
     line("kestDmaNativeVlan('", name, "', false, 4096)");
-    int const result = called(state.driver.nativeVlan(key, 4096));
+    int const result = called(state.driver.call(Call::nativeVlan, key, 4096));
     reach(result == 0 ? Probe::vlanCleared : Probe::vlanClearRefused);
     forget(nativeVlans, key);
     forget(switchportModes, key);
@@ -166,7 +166,7 @@ void PlainWorld::handleNativeVlan(unsigned key) {
   }
   std::int32_t const mode = configured(switchportModes, key).number;
   line("kestDmaNativeVlan('", name, "', ", mode == 2, ", ", vlan, ")");
-  if (called(state.driver.nativeVlan(key, static_cast<unsigned>(vlan))) != 0) {
+  if (called(state.driver.call(Call::nativeVlan, key, static_cast<unsigned>(vlan))) != 0) {
     reach(Probe::vlanRefused);
     assertionFails("186: void Hardware::Kest::Slice::KestSliceDmaSm::handleNativeVlan(Mox::String)",
                    "error == 0");
@@ -197,13 +197,13 @@ void PlainWorld::handleDevice(unsigned key) {
   } else {
     line("kestDmaDeviceRename('", name, "', '", handleNames[row.handle], "')");
   }
-  called(state.driver.rename(key));
+  called(state.driver.call(Call::rename, key));
   line("kestDmaDeviceDown('", name, "')");
-  called(state.driver.down(key));
+  called(state.driver.call(Call::down, key));
   std::string ports;
   for (unsigned i = 0; i < 7; ++i) ports += text(", ", row.firstPort + i);
   line("kestDmaDeviceParam('", name, "', ", row.numFaps, ", ", row.fapType, ports, ")");
-  bool const registered = called(state.driver.param(key)) == 0;
+  bool const registered = called(state.driver.call(Call::param, key)) == 0;
   reach(registered ? Probe::deviceRegistered : Probe::deviceRefused);
   record(devices, key, registered ? 1 : 0);
   record(deviceStates, key, 0);
@@ -231,7 +231,7 @@ void PlainWorld::handleDeviceState(unsigned key) {
     return;
   }
   line(wanted == up ? "kestDmaDeviceUp('" : "kestDmaDeviceDown('", name, "')");
-  int const result = called(wanted == up ? state.driver.up(key) : state.driver.down(key));
+  int const result = called(state.driver.call(wanted == up ? Call::up : Call::down, key));
   if (result != 0) {
     reach(Probe::deviceUpRefused);
     return;
@@ -240,7 +240,7 @@ void PlainWorld::handleDeviceState(unsigned key) {
   record(deviceStates, key, wanted);
 }
 
-/// However the pass ends, it comes again: by the timer that is there then.
+/// However the pass ends, there is another one: the timer that is there then is armed again.
 void PlainWorld::handleTimerExpired() {
   auto const again = [this] {
     if (state.timers[0].held) state.timers[0].timeMin = now() + 2.0;
@@ -271,8 +271,8 @@ void PlainWorld::pollDevices() {
 void PlainWorld::pollDevice(unsigned key, std::int32_t expected) {
   auto const name = keyName(deviceStates, key).view();
   line("kestDmaIsDeviceUp('", name, "')");
-  bool isUp = false;
-  int const result = called(state.driver.isUp(key, &isUp));
+  bool const isUp = state.driver.device(key).up;
+  int const result = called(state.driver.call(Call::isUp, key));
   if (result != 0) {
     line("kestDmaIsDeviceUp ", name, " returned ", result);
     if (result != 19) {
@@ -280,7 +280,7 @@ void PlainWorld::pollDevice(unsigned key, std::int32_t expected) {
       assertionFails("97: void Hardware::Kest::Slice::KestSliceDmaSm::handleTimerExpired()",
                      "false");
     }
-    reach(state.signalIgnored ? Probe::pollGoesOnAfterSignal : Probe::pollDeviceGone);
+    reach(state.signalIgnored ? Probe::pollGoesOnAfterIgnoredSignal : Probe::pollDeviceGone);
     if (!state.signalIgnored) throw ProcessEnds{7};
   }
   if (expected == 0) {

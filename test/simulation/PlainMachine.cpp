@@ -12,7 +12,7 @@ void PlainWorld::newMachine(int config, unsigned status) {
   state.strange = false;
   for (auto const& cells : state.entities[status].cells) {
     for (PlainCell const& at : cells) {
-      // What another machine has recorded, this one has not done.
+      // This machine has not done what another one recorded.
       if (at.entry != 0) state.strange = true;
     }
   }
@@ -32,12 +32,10 @@ void PlainWorld::dropMachine() {
 }
 
 void PlainWorld::releaseReactor() {
-  int const reactor = state.machine.reactor;
-  if (reactor == nobody) return;
+  if (!isBound()) return;
   reachIf(state.handlers > 0, Probe::configUnboundInsideHandler);
-  state.machine.reactor = nobody;
-  reactorZombieIs(static_cast<unsigned>(reactor), true);
-  letGo(static_cast<unsigned>(reactor));
+  reactionZombieIs(reactor(), true);
+  letGo(static_cast<unsigned>(std::exchange(state.machine.reactor, nobody)));
 }
 
 void PlainWorld::configIs(int config) {
@@ -49,21 +47,19 @@ void PlainWorld::configIs(int config) {
     releaseReactor();
     return;
   }
-  if (isBound()) {
-    auto const reactor = static_cast<unsigned>(machine.reactor);
-    reachIf(!state.observers[reactor].active, Probe::configReboundWhileInactive);
+  bool const wasBound = isBound();
+  if (wasBound) {
+    reachIf(!reactor().active, Probe::configReboundWhileInactive);
     reachIf(state.deliveries > 0 && state.handlers == 0, Probe::configReboundDuringDelivery);
     reachIf(state.handlers > 0, Probe::configReboundInsideHandler);
-    notifierIs(reactor, config);
   } else {
-    unsigned const reactor = newObserver(nobody);
-    machine.reactor = static_cast<int>(reactor);
-    notifierIs(reactor, config);
-    registeredIs(reactor, true);
-    state.observers[reactor].active = true;
+    machine.reactor = static_cast<int>(newObserver(nobody));
     reachIf(machine.zombie, Probe::machineBoundAsZombie);
   }
-  reactorZombieIs(static_cast<unsigned>(machine.reactor), machine.zombie);
+  auto const observer = static_cast<unsigned>(machine.reactor);
+  notifierIs(observer, config);
+  if (!wasBound) registeredIs(observer, true);
+  reactionZombieIs(reactor(), machine.zombie);
 }
 
 int PlainWorld::bound() const {
@@ -92,7 +88,7 @@ void PlainWorld::clockIs(int clock) {
     timerRegisteredIs(0, false);
     timerNotifierIs(0, clock);
     try {
-      reachIf(!timer.zombie, Probe::pollByMovedTimer);
+      reachIf(!timer.zombie, Probe::pollAtOnceByMovedTimer);
       if (!timer.zombie) handleTimerExpired();
     } catch (Thrown const&) {
       timerRegisteredIs(0, true);
@@ -102,7 +98,7 @@ void PlainWorld::clockIs(int clock) {
   } else {
     newTimer(0, static_cast<unsigned>(clock));
   }
-  timerZombieIs(state.machine.zombie);
+  reactionZombieIs(state.timers[0], state.machine.zombie);
 }
 
 void PlainWorld::clockDel() {
@@ -113,49 +109,38 @@ void PlainWorld::clockDel() {
 }
 
 void PlainWorld::activeIs(bool on) {
-  PlainMachine& machine = state.machine;
-  if (machine.active == on) return;
-  machine.active = on;
-  if (isBound()) reactorActiveIs(static_cast<unsigned>(machine.reactor), on);
-  if (state.timers[0].held) timerActiveIs(on);
+  if (state.machine.active == on) return;
+  state.machine.active = on;
+  if (isBound()) reactionActiveIs(reactor(), on);
+  if (state.timers[0].held) reactionActiveIs(state.timers[0], on);
 }
 
 void PlainWorld::zombieIs(bool on) {
-  PlainMachine& machine = state.machine;
-  if (machine.zombie == on) return;
-  if (isBound()) reactorZombieIs(static_cast<unsigned>(machine.reactor), on);
-  if (state.timers[0].held) timerZombieIs(on);
-  machine.zombie = on;
+  if (state.machine.zombie == on) return;
+  if (isBound()) reactionZombieIs(reactor(), on);
+  if (state.timers[0].held) reactionZombieIs(state.timers[0], on);
+  state.machine.zombie = on;
 }
 
-void PlainWorld::reactorActiveIs(unsigned observer, bool on) {
-  PlainObserver& self = state.observers[observer];
+/// @param self the machine's reactor or its timer
+void PlainWorld::reactionActiveIs(PlainReaction& self, bool on) {
   if (self.active == on) return;
   self.active = on;
   if (!on) self.wasRegistered = self.registered;
-  reachIf(on && !self.wasRegistered, Probe::reactorStaysUnregistered);
-  if (!on || self.wasRegistered) registeredIs(observer, on);
+  bool const isTimer = &self == &state.timers[0];
+  if (on && !self.wasRegistered) {
+    reach(isTimer ? Probe::timerStaysUnregistered : Probe::reactorStaysUnregistered);
+  } else if (isTimer) {
+    timerRegisteredIs(0, on);
+  } else {
+    registeredIs(static_cast<unsigned>(state.machine.reactor), on);
+  }
 }
 
-void PlainWorld::reactorZombieIs(unsigned observer, bool on) {
-  if (state.observers[observer].zombie == on) return;
-  reactorActiveIs(observer, !on);
-  state.observers[observer].zombie = on;
-}
-
-void PlainWorld::timerActiveIs(bool on) {
-  PlainTimer& self = state.timers[0];
-  if (self.active == on) return;
-  self.active = on;
-  if (!on) self.wasRegistered = self.registered;
-  reachIf(on && !self.wasRegistered, Probe::timerStaysUnregistered);
-  if (!on || self.wasRegistered) timerRegisteredIs(0, on);
-}
-
-void PlainWorld::timerZombieIs(bool on) {
-  if (state.timers[0].zombie == on) return;
-  timerActiveIs(!on);
-  state.timers[0].zombie = on;
+void PlainWorld::reactionZombieIs(PlainReaction& self, bool on) {
+  if (self.zombie == on) return;
+  reactionActiveIs(self, !on);
+  self.zombie = on;
 }
 
 void PlainWorld::modeIs(int mode) {
@@ -178,12 +163,13 @@ void PlainWorld::handleInitialized() {
   state.timers[0].timeMin = std::numeric_limits<double>::infinity();
 }
 
-/// A reactor passes on what concerns a collection, unless it is a zombie. It is asked even when it
-/// has left the list, as long as the delivery is an older one.
+/// A reactor passes on changes of collections, unless it is a zombie. A delivery that began before
+/// the reactor left the list still tells it.
 void PlainWorld::reactorTold(unsigned observer, unsigned what, unsigned key) {
   if (what >= collectionCount) return;
   if (state.observers[observer].zombie) {
-    reach(isOfPorts(what) ? Probe::machineSilentAboutPort : Probe::machineSilentAboutDevice);
+    reach(isOfPorts(what) ? Probe::zombieMachineSilentAboutPort
+                          : Probe::zombieMachineSilentAboutDevice);
     return;
   }
   static constexpr unsigned handlers[] = {0, 1, 1, 2, 3};

@@ -25,7 +25,9 @@ unsigned PlainWorld::newObserver(int place) {
   auto const free = std::find_if(state.observers.begin(), state.observers.end(),
                                  [](PlainObserver const& one) { return one.references == 0; });
   if (free == state.observers.end()) std::abort();  // plans are few, so there cannot be so many
-  *free = PlainObserver{.references = 1, .place = place};
+  *free = PlainObserver();
+  free->references = 1;
+  free->place = place;
   return static_cast<unsigned>(free - state.observers.begin());
 }
 
@@ -84,7 +86,8 @@ void PlainWorld::told(unsigned observer, unsigned what, unsigned key) {
     return;
   }
   auto const place = static_cast<unsigned>(self.place);
-  reachIf(state.places[place] != static_cast<int>(observer), Probe::observerToldThoughReleased);
+  reachIf(state.places[place] != static_cast<int>(observer),
+          Probe::observerToldByInnerDeliveryThoughReleased);
   std::string about;
   if (what < collectionCount) about = text(" '", keyName(what, key).view(), "'");
   if (self.notifier == nobody) {

@@ -8,8 +8,7 @@
 #include "test/simulation/Driver.h"
 #include "test/simulation/Plans.h"
 
-/// The whole world once more, in the plainest way: values that can be copied, so that an event can
-/// be tried first.
+/// The whole world once more, as plain values. They can be copied, so an event can be tried first.
 namespace Simulation {
 
 inline constexpr int nobody = -1;
@@ -26,25 +25,24 @@ struct PlainEntity {
   std::vector<std::uint8_t> listed;  // observers
 };
 
-/// An observer: one in a place, or a machine's reactor.
-struct PlainObserver {
-  unsigned references = 0;  // 0 for none
-  int place = nobody;       // of a reactor too
-  int notifier = nobody;    // an entity
-  bool registered = false;
-  bool active = false;
-  bool zombie = false;
-  bool wasRegistered = false;
-};
-
-struct PlainTimer {
-  bool held = false;
-  std::uint32_t generation = 0;
-  int notifier = nobody;  // a clock
+/// Whether something that is told of a notifier is told now.
+struct PlainReaction {
+  int notifier = nobody;  // an entity, or a clock
   bool registered = false;
   bool active = true;
   bool zombie = false;
-  bool wasRegistered = false;
+  bool wasRegistered = false;  // when it became inactive
+};
+
+/// An observer: one in a place, or a machine's reactor.
+struct PlainObserver : PlainReaction {
+  unsigned references = 0;  // 0 for none
+  int place = nobody;       // of a reactor too
+};
+
+struct PlainTimer : PlainReaction {
+  bool held = false;
+  std::uint32_t generation = 0;
   double timeMin = 0;
 };
 
@@ -95,33 +93,22 @@ struct PlainState {
   int handled = nobody;     // the configuration that the innermost of them began with
   unsigned deliveries = 0;  // under way
   PlainAnnouncement announcement;
-  /// Something has happened after which the status need not tell how the driver was left.
+  /// Something has happened after which status and driver may differ.
   bool strange = false;
 };
 
-/// Counts what is under way, however it ends.
-class UnderWay {
- public:
-  explicit UnderWay(unsigned& count) : count_(count) { ++count_; }
-  ~UnderWay() { --count_; }
-  UnderWay(UnderWay const&) = delete;
-  UnderWay& operator=(UnderWay const&) = delete;
-
- private:
-  unsigned& count_;
-};
-
-/// Puts `value` into a place until the end of the scope, however that is left.
+/// Puts `value` into `place` until the end of the scope, however the scope is left.
+template <class Value>
 class Meanwhile {
  public:
-  Meanwhile(int& place, int value) : place_(place), before_(std::exchange(place, value)) {}
+  Meanwhile(Value& place, Value value) : place_(place), before_(std::exchange(place, value)) {}
   ~Meanwhile() { place_ = before_; }
   Meanwhile(Meanwhile const&) = delete;
   Meanwhile& operator=(Meanwhile const&) = delete;
 
  private:
-  int& place_;
-  int before_;
+  Value& place_;
+  Value before_;
 };
 
 }  // namespace Simulation

@@ -40,7 +40,7 @@ bool PlainWorld::makesSense(Event const& event) const {
 }
 
 bool PlainWorld::machineMakesSense(Event const& event) const {
-  bool const direct = !(hasWay(event.op) && event.flag(infoOf(event.op).arguments.size() - 1));
+  bool const direct = !isByName(event);
   bool const hasTimer = state.timers[0].held;
   switch (event.op) {
     case Op::machineDrop:
@@ -134,7 +134,6 @@ void PlainWorld::carryOutOnEntity(Event const& event) {
 }
 
 void PlainWorld::carryOutOnMachine(Event const& event) {
-  bool const byName = hasWay(event.op) && event.flag(infoOf(event.op).arguments.size() - 1);
   auto const config = [&] { return event.index(0) < configCount ? event[0] : nobody; };
   auto const needs = [&](bool bound, Probe probe, char const* name) {
     if (bound) return true;
@@ -142,9 +141,11 @@ void PlainWorld::carryOutOnMachine(Event const& event) {
     line("refused: no '", name, "' is bound");
     return false;
   };
-  auto const needsConfig = [&] { return needs(isBound(), Probe::handlerRefusedUnbound, "config"); };
+  auto const needsConfig = [&] {
+    return needs(isBound(), Probe::handlerRefusedWithoutConfig, "config");
+  };
   auto const needsTimer = [&] {
-    return needs(state.timers[0].held, Probe::timerRefusedUnbound, "stateTimer");
+    return needs(state.timers[0].held, Probe::handlerRefusedWithoutTimer, "stateTimer");
   };
   switch (event.op) {
     case Op::machine:
@@ -155,7 +156,7 @@ void PlainWorld::carryOutOnMachine(Event const& event) {
     case Op::machineDrop:
       return dropMachine();
     case Op::config:
-      if (!byName) return configIs(config());
+      if (!isByName(event)) return configIs(config());
       if (config() == nobody) return configDel();
       return line("refused: 'config' does not support operation 128");
     case Op::configDel:

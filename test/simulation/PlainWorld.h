@@ -5,7 +5,6 @@
 
 #include "test/simulation/PlainState.h"
 #include "test/simulation/Probes.h"
-#include "test/simulation/Text.h"
 #include "test/support/Journal.h"
 
 namespace Simulation {
@@ -15,21 +14,21 @@ struct ProcessEnds {
   int signal;
 };
 
-/// Predicts what each event brings: what shows in the journal, and what is left behind.
+/// Predicts the effect of each event: the lines of the journal, and the state afterwards.
 ///
-/// It knows nothing of how entities, machine and clocks are built; each rule stands here once, as
-/// plainly as it can be said.
+/// It knows nothing of how entities, machine and clocks are built. Each rule is written here once,
+/// as plainly as possible.
 class PlainWorld {
  public:
   explicit PlainWorld(Probes& probes);
 
   PlainState state;
   Support::Lines lines;
-  /// The events that were carried out, by their numbers. Those that make no sense where they come
-  /// are left out, in the real world too: nobody has said what they should bring.
+  /// The numbers of the events that were carried out. Events that make no sense at their moment are
+  /// left out, in the real world too: nothing says what they should do.
   std::vector<std::uint32_t> carriedOut;
 
-  /// Throws `ProcessEnds` when it ends the process; the state means nothing then.
+  /// Throws `ProcessEnds` when the event ends the process; the state means nothing then.
   void take(Event const& event);
   /// How the status of the machine disagrees with the driver; empty when it does not.
   std::string disagreement() const;
@@ -107,12 +106,11 @@ class PlainWorld {
   bool armsPoll(int mode) const { return mode == 2 && !state.simulated; }
   void handleInitialized();
   void reactorTold(unsigned observer, unsigned what, unsigned key);
-  void reactorActiveIs(unsigned observer, bool on);
-  void reactorZombieIs(unsigned observer, bool on);
-  void timerActiveIs(bool on);
-  void timerZombieIs(bool on);
+  void reactionActiveIs(PlainReaction& self, bool on);
+  void reactionZombieIs(PlainReaction& self, bool on);
   void releaseReactor();
   bool isBound() const { return state.machine.reactor != nobody; }
+  PlainObserver& reactor() { return state.observers[static_cast<unsigned>(state.machine.reactor)]; }
   int bound() const;
   std::string boundText() const;
 

@@ -7,14 +7,14 @@
 
 namespace Simulation {
 
-/// What observers throw in their handlers, and the driver in its operations.
+/// Thrown by observers in their handlers and by the driver in its operations.
 struct Thrown {};
 
-/// What observers and timers are going to do when they are told: for each place, a few events in
-/// order, each once. So whatever they set off comes to an end.
+/// What observers and timers do when they are told: for each place a few events in order, each
+/// once. So whatever they set off comes to an end.
 class Plans {
  public:
-  /// Left out when the place has enough plans.
+  /// Ignored when the place has enough plans.
   void add(Event const& event) {
     Queue& queue = queues_[static_cast<std::size_t>(event.planner)];
     if (queue.count == queue.events.size()) return;
@@ -22,7 +22,7 @@ class Plans {
     queue.events[queue.count++].planner = -1;
   }
 
-  /// The place is told of something: what it does about it, if anything.
+  /// The place is told of something; returns what it does then, if anything.
   std::optional<Event> told(std::size_t place) {
     Queue& queue = queues_[place];
     if (queue.count == 0) return std::nullopt;

@@ -22,7 +22,7 @@ typename C::Value valueFor(unsigned entity, Event const& event, Handles const& h
 
 }  // namespace
 
-/// Null for a number that is none.
+/// Null for a number that no entity has.
 Mox::Ptr<Mox::PtrInterface> RealWorld::entity(unsigned number) const {
   if (number >= entityCount) return nullptr;
   if (isConfig(number)) return configs_[number];
@@ -77,9 +77,7 @@ void RealWorld::startWalk(typename C::Entity& target, Event const& event) {
 
 template <class C>
 void RealWorld::write(typename C::Entity& target, Event const& event) {
-  bool const byName = infoOf(event.op).arguments.size() > 3 && event.op != Op::insert &&
-                      event.flag(event.op == Op::set ? 4 : 3);
-  if (byName) return writeByName<C>(target, event);
+  if (isByName(event)) return writeByName<C>(target, event);
   Mox::String8 const& key = keyName(C::index, event.index(2));
   switch (event.op) {
     case Op::set:
@@ -123,7 +121,7 @@ void RealWorld::writeByName(typename C::Entity& target, Event const& event) {
   }
 }
 
-/// The content is looked at when it has changed, and every now and then.
+/// Compares the content only when it has changed, and every now and then.
 template <class Entity>
 std::string RealWorld::differenceOf(Entity const& entity, unsigned number,
                                     PlainState const& world) {

@@ -15,7 +15,7 @@ std::string nameText(Mox::Ptr<Entity> const& entity) {
   return entity ? std::string(entity->name().string().view()) : "none";
 }
 
-/// The name of what a reference by name refers to.
+/// The name of the object that a generic value refers to.
 std::string nameText(Slice::Generic const& reference) {
   auto const& adapter = static_cast<Mox::GenericIfPtrInterface const&>(*reference);
   return nameText(Mox::ptrCast<Mox::Entity const>(adapter.object()));
@@ -61,8 +61,7 @@ void RealWorld::newMachine(Event const& event) {
 }
 
 void RealWorld::carryOutOnMachine(Event const& event) {
-  bool const byName = hasWay(event.op) && event.flag(infoOf(event.op).arguments.size() - 1);
-  if (byName && event.op != Op::machine) {
+  if (isByName(event) && event.op != Op::machine) {
     try {
       carryOutByName(event);
     } catch (Mox::GenericAccessException const& refusal) {

@@ -12,7 +12,7 @@
 
 namespace Simulation {
 
-/// A framework object of which it is known how many there are.
+/// A framework object; `live` counts how many there are.
 template <class Object>
 class Counted : public Object {
  public:
@@ -21,10 +21,10 @@ class Counted : public Object {
   inline static int live = 0;
 };
 
-/// Who is told when an observer or a timer is.
+/// Hears what observers and timers are told.
 class Listener {
  public:
-  /// The place is told this. May throw.
+  /// The observer or timer in that place was told this. May throw.
   virtual void told(unsigned place, std::string what) = 0;
 
  protected:
@@ -44,7 +44,7 @@ class Observer final : public Hardware::Kest::Slice::AnyNotifiee<Entity> {
   void onZeroReferences() override { tellOfWhole(toldZeroReferences); }
   void onSliceId() override { tellOfWhole(toldSliceId); }
 
-  // These are never called.
+  // The entities never call these.
   void onSwitchPort() override { tell("whole switchPort"); }
   void onNativeVlan() override { tell("whole nativeVlan"); }
   void onSwitchportMode() override { tell("whole switchportMode"); }
@@ -77,7 +77,7 @@ class Observer final : public Hardware::Kest::Slice::AnyNotifiee<Entity> {
     tell(text(collectionNames[what], this->notifier() ? "" : " of nothing"));
   }
 
-  /// With what is there now.
+  /// Shows the key's value as it is now.
   template <class C>
   void tellOf(Mox::String8 const& key) {
     std::string what = text(collectionNames[C::index], " '", key.view(), "'");
@@ -111,14 +111,14 @@ class Timer final : public Mox::Clock::NotifieeConst {
   unsigned place_;
 };
 
-/// A walk that is left in the middle.
+/// A walk through a collection that is left in the middle.
 class Walk {
  public:
   virtual ~Walk() = default;
-  /// Where it is.
+  /// The text of where it is.
   virtual std::string show() const = 0;
   virtual void step() = 0;
-  /// Deletes what it designates; what that returned.
+  /// Deletes the entry that it is at; returns the text of what the deletion returned.
   virtual std::string del() = 0;
 };
 

@@ -4,10 +4,9 @@
 #include <string>
 
 #include "test/model/RecordNames.h"
-#include "test/simulation/Text.h"
 #include "test/simulation/Values.h"
 
-/// Real values for the numbers of `Values.h`, and back.
+/// Makes real values from the numbers of `Values.h`, and numbers from values.
 namespace Simulation {
 
 using Hardware::Kest::Slice::ConfigDevice;
@@ -18,7 +17,7 @@ using Hardware::Kest::Slice::KestSliceDmaStatus;
 using Hardware::Kest::Slice::StatusDevice;
 using Hardware::Kest::Slice::StatusSwitchPort;
 
-/// The handle of that number; made anew for each run.
+/// Handles by number, made anew for each run.
 using Handles = std::array<Mox::Ptr<Fru::PciHam const>, 2>;
 
 void makeValue(ConfigSwitchPort& port, Mox::String8 const& key, std::int32_t number,
@@ -35,7 +34,7 @@ inline void makeValue(StatusDevice& device, Mox::String8 const& key, std::int32_
   device.devNameIs(key);
   device.registeredIs(number != 0);
 }
-/// Values that are kept beside their keys.
+/// For values that do not hold their key.
 template <class Value>
 void makeValue(Value& value, Mox::String8 const&, std::int32_t number, Handles const&) {
   value = static_cast<Value>(number);
@@ -64,7 +63,7 @@ std::int32_t numberOf(Value const& value) {
   return static_cast<std::int32_t>(value);
 }
 
-/// A value as an operation returned it; a record with its key.
+/// The text of a value that an operation returned; a record's with its key.
 inline std::string valueText(auto const& value) {
   if constexpr (requires { value.ifName(); }) {
     return text("'", value.ifName().view(), "' ", numberOf(value));

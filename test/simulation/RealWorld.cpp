@@ -64,8 +64,8 @@ std::string RealWorld::leftOver() {
   return left;
 }
 
-void RealWorld::divertTo(char* text, std::size_t size) {
-  capture_.divertTo(text, size);
+void RealWorld::goOnAloud() {
+  capture_.end();
   journal_.echoIs(true);
 }
 

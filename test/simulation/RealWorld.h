@@ -14,28 +14,27 @@
 
 namespace Simulation {
 
-/// The library between observers, clocks and a driver, to which events happen. What shows of them
-/// is in the journal.
+/// The library between observers, clocks and a driver. The journal shows what events do to it.
 class RealWorld final : private Listener {
  public:
-  /// @param without events that do not happen here
+  /// @param without a kind of event that does not happen here
   explicit RealWorld(std::optional<Op> without);
   ~RealWorld();
   RealWorld(RealWorld const&) = delete;
   RealWorld& operator=(RealWorld const&) = delete;
 
-  /// @param carriedOut the events that make sense now, by their numbers; others are left out
+  /// @param carriedOut the numbers of the events that make sense now; others are left out
   void take(Event const& event, std::vector<std::uint32_t> const& carriedOut);
 
   Support::Lines takenLines() { return journal_.taken(); }
-  /// From now on the journal, and what the library writes to standard error, goes to `text`.
-  void divertTo(char* text, std::size_t size);
+  /// From now on the journal goes to standard error too, as does what the library writes there.
+  void goOnAloud();
   void mend() { driver_.mend(); }
 
-  /// What is otherwise than it should be; empty when nothing is.
+  /// How this differs from the plain world; empty when it does not.
   std::string differenceFrom(PlainState const& plain);
 
-  /// What there still is when no world is left; empty when nothing is.
+  /// The objects that are left when no world is; empty when there are none.
   static std::string leftOver();
 
  private:

@@ -1,12 +1,11 @@
 #include "test/simulation/Shrink.h"
 
 #include <fcntl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 
+#include "test/simulation/End.h"
 #include "test/simulation/Lockstep.h"
 
 namespace Simulation {
@@ -21,7 +20,7 @@ std::vector<Event> cut(std::vector<Event> const& events, std::size_t from, std::
   return rest;
 }
 
-/// Makes failing events fewer and plainer, as long as they fail.
+/// Makes failing events fewer and plainer as long as they still fail.
 class Shrinking {
  public:
   Shrinking(std::vector<Event> events, std::optional<Op> leftOut)
@@ -51,7 +50,7 @@ class Shrinking {
     }
   }
 
-  /// Leaves out two events that are only needed for each other, or one and the wait of a plan that
+  /// Leaves out two events that need each other only, or one event and the wait of a plan that
   /// counted it.
   void leaveOutTwo() {
     if (events_.size() > 60) return;
@@ -72,7 +71,7 @@ class Shrinking {
     return true;
   }
 
-  /// Makes a plan something that happens at once, and values the first of their kind.
+  /// Turns plans into events that happen at once, and values into the first of their kind.
   void simplify(std::size_t at) {
     change(at, [](Event& event) { event.throws = false; });
     change(at, [](Event& event) {
@@ -82,14 +81,14 @@ class Shrinking {
     change(at, [](Event& event) { event.after = 0; });
     auto const& arguments = infoOf(events_[at].op).arguments;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-      std::int32_t const least = std::max(arguments[i]->first(), 0);
+      std::int32_t const least = std::max(arguments[i]->low, 0);
       bool const first = change(at, [&](Event& event) { event.arguments[i] = least; });
       if (!first) change(at, [&](Event& event) { event.arguments[i] = least + 1; });
     }
   }
 
-  /// Lets time pass at once that passes in pieces. What matters may be where within a second it
-  /// gets, so an event may also have mattered for the time alone that it took.
+  /// Joins the pieces in which time passes. Some failures need only a moment within a second, so an
+  /// event may have mattered for nothing but the time that it took.
   void joinTimes() {
     for (std::size_t at = 0; at < events_.size(); ++at) {
       if (events_[at].op == Op::pass) continue;
@@ -127,18 +126,12 @@ class Shrinking {
 }  // namespace
 
 bool fails(std::vector<Event> const& events, std::optional<Op> without) {
-  pid_t const child = fork();
-  if (child < 0) std::abort();
-  if (child == 0) {
-    int const nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    dup2(nowhere, STDERR_FILENO);
-    Probes probes;
-    Outcome const outcome = run(events, probes, {.without = without, .patience = 3});
-    _exit(outcome.failure.empty() ? 0 : 1);
-  }
-  int status = 0;
-  if (waitpid(child, &status, 0) != child) std::abort();
-  return status != 0;
+  return statusOf([&] {
+           dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
+           Probes probes;
+           Outcome const outcome = run(events, probes, {.without = without, .patience = 3});
+           _exit(outcome.failure.empty() ? 0 : 1);
+         }) != 0;
 }
 
 std::vector<Event> shrunk(std::vector<Event> events, std::optional<Op> without) {

@@ -7,12 +7,11 @@
 
 namespace Simulation {
 
-/// Whether the events make a run fail, or end the process. Tried in a process of its own, which is
-/// quiet. `without` as in `Circumstances`.
+/// Whether the events make a run fail or end the process. They run in a quiet process of their own.
+/// `without` as in `Circumstances`.
 bool fails(std::vector<Event> const& events, std::optional<Op> without);
 
-/// Leaves out of a failing run what it does not need to fail: events, then plans of their own, then
-/// values.
+/// Simplifies a failing run as long as it fails: leaves out events, then plans, then values.
 std::vector<Event> shrunk(std::vector<Event> events, std::optional<Op> without);
 
 }  // namespace Simulation

@@ -36,7 +36,7 @@ Names const& namesOf(unsigned collection) {
   return isOfPorts(collection) ? portNames : deviceNames;
 }
 
-/// By hash, then by bytes.
+/// Orders keys by hash, then by bytes.
 std::array<std::uint8_t, keyCount> walkThrough(Names const& names) {
   std::array<std::uint8_t, keyCount> walk{};
   std::iota(walk.begin(), walk.end(), std::uint8_t{0});

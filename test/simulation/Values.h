@@ -6,8 +6,8 @@
 #include "platform/mox/String8.h"
 #include "test/simulation/Event.h"
 
-/// Keys and values of the collections, by number. Both the real world and the plain one take them
-/// from here: the one makes records of them, the other compares numbers.
+/// Keys and values of the collections, by number. The real world makes records of the numbers; the
+/// plain one compares the numbers themselves.
 namespace Simulation {
 
 inline constexpr unsigned switchPorts = 0;
@@ -30,16 +30,16 @@ inline constexpr bool isOfPorts(unsigned collection) {
   return collection < devices;
 }
 
-/// The key's name in that collection. The last three are seldom: among ports the first two of them
-/// are names that no port may have.
+/// The key's name in that collection. The last three are used seldom; the first two of them are
+/// names that no port may have.
 Mox::String8 const& keyName(unsigned collection, unsigned key);
-/// The number of a name; `keyCount` for one that is none.
+/// The number of a name; `keyCount` for an unknown one.
 unsigned keyOf(unsigned collection, Mox::String8 const& name);
 /// The keys in the order in which the collection is walked.
 std::array<std::uint8_t, keyCount> const& walkOf(unsigned collection);
 
-/// What stands for the event's value in that collection: of records the row below, 0 or 1 in a
-/// status, otherwise the value itself.
+/// The number for the event's value in that collection: of a configured record the row below, of a
+/// record in a status 0 or 1, otherwise the value itself.
 std::int32_t numberOf(unsigned entity, unsigned collection, unsigned value);
 
 struct PortRow {

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# breaches.sh SIMULATION: a run in which the real world leaves out some kind of event fails, and comes
-# with a short script that fails in the same way and shows nothing else wrong; a seed runs the same
-# every time.
+# breaches.sh SIMULATION: a run in which the real world leaves out some kind of event fails and prints a
+# short script, which fails only when such events are left out. A seed runs the same every time.
 set -euo pipefail
 
 simulation=${1:?usage: breaches.sh SIMULATION}

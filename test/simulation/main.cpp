@@ -1,19 +1,17 @@
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <new>
 #include <optional>
-#include <stdexcept>
 
+#include "test/simulation/End.h"
 #include "test/simulation/Generator.h"
 #include "test/simulation/Lockstep.h"
 #include "test/simulation/Shrink.h"
-#include "test/simulation/Text.h"
 
 /// Simulates the whole library in one process, on virtual time, by seed, against a plain model.
 namespace Simulation {
@@ -40,8 +38,8 @@ struct Options {
   std::string script;
 };
 
-/// How far the run has come; shared with the process that looks on, which reads it even when the
-/// one that runs has died.
+/// How far the run has come. Shared memory: the supervising process reads it even after the one
+/// that runs has died.
 struct Progress {
   std::uint64_t seed = 0;
   std::size_t event = 0;
@@ -52,15 +50,6 @@ struct Progress {
   std::size_t leaks = 0;
   Probes probes;
 };
-
-std::uint64_t numberIn(std::string_view word) {
-  std::uint64_t number = 0;
-  auto const [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-  if (error != std::errc() || end != word.data() + word.size()) {
-    throw std::runtime_error(text("expected a number, found '", word, "'"));
-  }
-  return number;
-}
 
 Options optionsOf(int argc, char** argv) {
   Options options;
@@ -74,13 +63,13 @@ Options optionsOf(int argc, char** argv) {
     std::string_view const value = argv[++i];
     if (name == "--seeds") {
       std::size_t const dash = value.find('-');
-      options.from = numberIn(value.substr(0, dash));
-      options.to = numberIn(dash == value.npos ? value : value.substr(dash + 1));
+      options.from = numberIn<std::uint64_t>(value.substr(0, dash));
+      options.to = numberIn<std::uint64_t>(dash == value.npos ? value : value.substr(dash + 1));
     } else if (name == "--seed") {
-      options.from = options.to = numberIn(value);
+      options.from = options.to = numberIn<std::uint64_t>(value);
       options.single = true;
     } else if (name == "--events") {
-      options.events = static_cast<std::size_t>(numberIn(value));
+      options.events = numberIn<std::size_t>(value);
     } else if (name == "--script") {
       options.script = value;
       options.from = options.to = 0;
@@ -101,7 +90,7 @@ std::vector<Event> eventsFor(Options const& options, std::uint64_t seed) {
   return eventsOf(script);
 }
 
-/// Runs the seeds up to the first that fails; whether none does.
+/// Runs the seeds up to the first that fails; returns whether none does.
 bool runSeeds(Options const& options, Progress& progress) {
   for (std::uint64_t seed = options.from; seed <= options.to; ++seed) {
     progress.seed = seed;
@@ -121,7 +110,7 @@ bool runSeeds(Options const& options, Progress& progress) {
   return true;
 }
 
-/// Prints the shortest script found that fails as the run did that came as far as `progress`.
+/// Prints the shortest script found for the failure at `progress`.
 void shrink(Options const& options, Progress const& progress) {
   std::vector<Event> events = eventsFor(options, progress.seed);
   if (events.size() > progress.event + 1) {
@@ -136,21 +125,22 @@ void shrink(Options const& options, Progress const& progress) {
   for (Event const& event : events) std::printf("%s\n", textOf(event).c_str());
 }
 
-/// Every probe must have been reached; says which have not.
+/// Whether every probe was reached; prints those that were not.
 bool allReached(Probes const& probes) {
   for (std::size_t i = 0; i < probeCount; ++i) {
-    if (probes.count(i) == 0) std::printf("never reached: %s\n", Probes::name(i));
+    if (probes.count(i) == 0) std::printf("never reached: %s\n", text(Probes::name(i)).c_str());
   }
   return probes.reached() == probeCount;
 }
 
 void printProbes(Probes const& probes) {
   for (std::size_t i = 0; i < probeCount; ++i) {
-    std::printf("%10llu %s\n", static_cast<unsigned long long>(probes.count(i)), Probes::name(i));
+    std::printf("%10llu %s\n", static_cast<unsigned long long>(probes.count(i)),
+                text(Probes::name(i)).c_str());
   }
 }
 
-/// For scripts to read.
+/// Prints the lines that scripts read.
 void printTable(Progress const& progress, bool failed) {
   std::printf("simulation: digest %016llx\n", static_cast<unsigned long long>(progress.digest));
   std::printf(
@@ -159,7 +149,7 @@ void printTable(Progress const& progress, bool failed) {
       probeCount, progress.ends, failed ? 1 : 0, progress.leaks);
 }
 
-/// Runs in a process of its own and looks on, so that its death tells how far it came.
+/// Runs the seeds in a process of their own, so that its death is noticed.
 int supervise(Options const& options) {
   eventsFor(options, options.from);  // a script that is refused is refused before anything runs
   rlimit const noCore{0, 0};
@@ -168,10 +158,7 @@ int supervise(Options const& options) {
       mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   if (shared == MAP_FAILED) throw std::runtime_error("no memory to share");
   auto& progress = *new (shared) Progress;
-  pid_t const child = fork();
-  if (child == 0) std::exit(runSeeds(options, progress) ? 0 : 1);
-  int status = 0;
-  if (child < 0 || waitpid(child, &status, 0) != child) throw std::runtime_error("no process");
+  int const status = statusOf([&] { std::exit(runSeeds(options, progress) ? 0 : 1); });
   if (WIFSIGNALED(status)) {
     std::printf("seed %llu, event %zu: the process ended by signal %d\n",
                 static_cast<unsigned long long>(progress.seed), progress.event, WTERMSIG(status));
