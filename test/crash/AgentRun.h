@@ -6,14 +6,14 @@
 
 namespace Kest::Crash {
 
-/// Whole content of a file; none when there is no such file.
+/// The content of a file; none when there is no such file.
 std::optional<std::string> content(std::filesystem::path const& file);
 
 /// The driver's state that a file holds, as a document, or why it holds none; none when there is no
 /// such file.
 std::optional<std::string> stateIn(std::filesystem::path const& file);
 
-/// Puts content into a file; none: there is no such file from now on.
+/// Replaces a file's content; none removes the file.
 void contentIs(std::filesystem::path const& file, std::optional<std::string> const& text);
 
 /// How a run of the agent ended and what it showed.
@@ -26,9 +26,9 @@ struct Outcome {
   bool operator==(Outcome const&) const = default;
 };
 
-/// Runs the real agent over one slice file, with the driver's state kept in a directory from run to
-/// run. Every run applies the slice file, shows the status on its output and ends. It has a control
-/// socket, which one that is killed leaves behind.
+/// Runs the real agent over one slice file. The driver's state is kept in a directory from run to
+/// run. Every run applies the slice file, prints the status and ends. A run that is killed leaves
+/// its control socket behind.
 class AgentRuns {
  public:
   AgentRuns(std::string agent, std::string hooks, std::string sliceFile,
@@ -38,7 +38,7 @@ class AgentRuns {
   Outcome run(unsigned killAt) const;
 
   std::filesystem::path stateFile() const { return directory_ / "state.json"; }
-  /// What a run that is killed while it writes leaves behind.
+  /// Left by a run that is killed while it writes.
   std::filesystem::path unfinishedStateFile() const { return directory_ / "state.json.tmp"; }
   /// See `driverStateVariable`.
   std::filesystem::path driverState() const { return directory_ / "driver-state.json"; }

@@ -4,7 +4,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <optional>
@@ -15,6 +14,7 @@
 #include <vector>
 
 #include "test/crash/AgentRun.h"
+#include "test/support/Files.h"
 
 namespace Kest::Crash {
 namespace {
@@ -28,25 +28,7 @@ struct Sums {
   std::size_t differences = 0;
 };
 
-/// A directory of its own, empty at the start and gone at the end.
-class ScratchDirectory {
- public:
-  ScratchDirectory() {
-    std::string name = (std::filesystem::temp_directory_path() / "kest-crash-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("mkdtemp: " + name);
-    path_ = name;
-  }
-  ~ScratchDirectory() { std::filesystem::remove_all(path_); }
-  ScratchDirectory(ScratchDirectory const&) = delete;
-  ScratchDirectory& operator=(ScratchDirectory const&) = delete;
-
-  std::filesystem::path const& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
-
-/// What a killed process leaves of the driver's state.
+/// The driver's state as a killed process leaves it.
 struct Remains {
   explicit Remains(AgentRuns const& runs)
       : state(content(runs.stateFile())), unfinished(content(runs.unfinishedStateFile())) {}
@@ -84,7 +66,7 @@ class Crashes {
     return runs_.run(killAt);
   }
 
-  /// False: the run has come to its end before that moment.
+  /// Returns false when the run has ended before that moment.
   bool killOnce(unsigned at) {
     contentIs(runs_.stateFile(), std::nullopt);
     Outcome const killed = run(at);
@@ -100,8 +82,8 @@ class Crashes {
     return true;
   }
 
-  /// A restart calls the driver as often as a first run, but there is less to write: it may end
-  /// before the moment that is drawn.
+  /// A restart makes as many driver calls as a first run but writes less, so it may end before the
+  /// moment that is drawn.
   void killAgain(std::size_t first) {
     remains_[first - 1].restore(runs_);
     auto const second = static_cast<unsigned>(1 + random_() % remains_.size());
@@ -157,7 +139,7 @@ int run(int argc, char** argv) {
   }
   Sums sums;
   for (int i = firstSlice; i < argc; ++i) {
-    ScratchDirectory const directory;
+    Support::TempFolder const directory;
     // The agent runs in that directory.
     auto const absolute = [&](int argument) { return std::filesystem::absolute(argv[argument]); };
     AgentRuns const runs(absolute(1), absolute(2), absolute(i), directory.path());

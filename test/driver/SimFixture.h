@@ -2,19 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <set>
-#include <stdexcept>
 #include <string>
 
 #include "driver/sim/SimDriver.h"
 #include "platform/fru/PciHam.h"
 #include "platform/mox/Ptr.h"
+#include "test/support/Files.h"
 
 namespace Hardware::Kest::Sim {
+
+using Support::contentOf;
+using Support::TempFolder;
 
 inline Mox::Ptr<Fru::PciHam const> pciHam(char const* address) {
   return Mox::Ptr<Fru::PciHam const>(new Fru::PciHam(address));
@@ -33,36 +31,6 @@ inline DeviceParam faps(unsigned numFaps) {
 inline void addFap0(SimDriver& driver) {
   driver.deviceRename("fap0", pciHam("0000:05:00.0"));
   driver.deviceParam("fap0", faps(2));
-}
-
-/// A new directory, gone with all that is in it.
-class TempFolder {
- public:
-  TempFolder() {
-    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("mkdtemp " + path_);
-  }
-  TempFolder(TempFolder const&) = delete;
-  TempFolder& operator=(TempFolder const&) = delete;
-  ~TempFolder() { std::filesystem::remove_all(path_); }
-
-  std::string const& path() const { return path_; }
-  std::string file(std::string const& name) const { return path_ + "/" + name; }
-  std::set<std::string> names() const {
-    std::set<std::string> names;
-    for (auto const& entry : std::filesystem::directory_iterator(path_)) {
-      names.insert(entry.path().filename());
-    }
-    return names;
-  }
-
- private:
-  std::string path_ = testing::TempDir() + "kest_sim_XXXXXX";
-};
-
-/// Empty when there is no such file.
-inline std::string contentOf(std::string const& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 /// The state that is in a file, as a document; empty when there is no such file.

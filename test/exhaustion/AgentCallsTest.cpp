@@ -7,7 +7,6 @@
 #include <array>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <set>
@@ -23,20 +22,23 @@
 #include "driver/sim/SimDriver.h"
 #include "platform/mox/Activity.h"
 #include "platform/mox/RangeException.h"
-#include "test/agent/support/Client.h"
 #include "test/agent/support/ScratchDirectory.h"
 #include "test/exhaustion/Calls.h"
+#include "test/support/SocketClient.h"
 #include "test/support/UnixSocket.h"
 
 /// The agent's sockets, files and loop when the system refuses: it goes on, or says what is wrong.
 namespace Kest::Agent {
 namespace {
 
+using Client = Support::SocketClient;
+
 namespace fs = std::filesystem;
 using Exhaustion::atEveryCall;
 using Exhaustion::TestsOwnCalls;
+using Support::contentOf;
 
-/// What a step that may fail came to; the error is not one without words.
+/// The text of the exception with which the step fails; empty when it does not fail.
 template <class Exception, class Step>
 std::string refusalOf(Step const& step) {
   try {
@@ -56,7 +58,7 @@ class AgentCalls : public ScratchDirectory {
   std::string const path = directory + "/agent.sock";
 };
 
-/// A socket that an agent left behind which was killed.
+/// Leaves a socket as a killed agent does.
 void leaveSocket(std::string const& path) {
   fs::remove(path);
   int const fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -149,22 +151,16 @@ TEST_F(AgentCalls, ASliceFileIsReadWholeOrRefused) {
               });
 }
 
-std::string textOf(std::string const& file) {
-  std::ifstream in(file);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
 std::string stateIn(std::string const& file) {
-  namespace Sim = Hardware::Kest::Sim;
-  return Sim::stateText(Sim::readState(textOf(file), file));
+  return Hardware::Kest::Sim::stateText(Hardware::Kest::Sim::readState(contentOf(file), file));
 }
 
 int rename(Hardware::Kest::Sim::SimDriver& driver, char const* name) {
   return driver.deviceRename(name, Mox::Ptr<Fru::PciHam const>(new Fru::PciHam("5")));
 }
 
-/// The operations answer as ever; the file holds one of the states, whole, and with the next call,
-/// though it changes nothing, the last one. What could not be written was reported once.
+/// The operations answer as usual. The file holds one of the states, whole, and after the next
+/// call, even if it changes nothing, the last one. A failed write was reported once.
 TEST_F(AgentCalls, AStateFileIsWrittenWholeOrLater) {
   using Hardware::Kest::Sim::SimDriver;
   std::string const file = directory + "/state";
@@ -197,7 +193,7 @@ TEST_F(AgentCalls, AStateFileIsWrittenWholeOrLater) {
         std::string const report = testing::internal::GetCapturedStderr();
         if (!scene.refusal.empty()) {
           EXPECT_FALSE(what.empty());
-          EXPECT_EQ(textOf(file), states[0]);
+          EXPECT_EQ(contentOf(file), states[0]);
           return;
         }
         EXPECT_EQ(scene.answers, (std::vector<int>{0, 0, 0}));
@@ -280,7 +276,7 @@ TEST_F(AgentCalls, AConsoleGoesOnAfterALineThatCouldNotBeWritten) {
                 scene->console.line("second");
                 std::string const first =
                     isLosing.contains(what) ? "1 line lost: could not be written in time" : "first";
-                EXPECT_EQ(textOf(file), first + "\nsecond\n");
+                EXPECT_EQ(contentOf(file), first + "\nsecond\n");
               });
 }
 
@@ -306,13 +302,13 @@ class ServedScene {
     for (int i = 0; i < count; ++i) loop_.runOnce(0);
   }
 
-  /// As long as the server waits when the system lets nobody in.
+  /// The server waits so long when the system lets nobody in.
   void aSecondPasses() {
     time_.advance(1);
     Mox::activityManager()->clock()->dispatch();
   }
 
-  /// What a client is answered when nothing goes wrong any more.
+  /// The answer to a client when nothing goes wrong any more.
   std::string answer() {
     TestsOwnCalls const own;
     Client client(path_);
@@ -354,7 +350,7 @@ TEST_F(AgentCalls, TheServerLivesAndAnswersWholly) {
   };
   std::vector<std::string> const replies = {reply(R"("value":"Linecard1")"),
                                             reply(R"("changed":true,"value":"Linecard2")")};
-  // Behind these a client has gone, or is turned away.
+  // After these a client has gone, or is turned away.
   std::set<std::string> const isEnding = {"accept4 EMFILE", "accept4 ENFILE",  "recv ECONNRESET",
                                           "recv ENOMEM",    "send ECONNRESET", "send ENOBUFS",
                                           "send EPIPE"};
@@ -378,7 +374,7 @@ TEST_F(AgentCalls, TheServerLivesAndAnswersWholly) {
       found.clear();
     }
     ASSERT_TRUE(found.size() == 2 || (mayEnd && found.size() < 2)) << found.size();
-    // Whom it does not know it lets change nothing.
+    // A client whose user is unknown may change nothing.
     bool const isDenied = what.starts_with("getsockopt");
     if (!found.empty()) {
       EXPECT_EQ(found[0], replies[0]);

@@ -11,12 +11,13 @@
 #include "agent/slice/RollOut.h"
 #include "platform/mox/Trace.h"
 #include "test/fuzz/Machine.h"
-#include "test/fuzz/SocketFolder.h"
+#include "test/support/Files.h"
 
 namespace Fuzz {
 
-/// An agent as clients see it, in time that stands still: it serves its control socket and applies
-/// slices a step a round. It stays from input to input; `reset` brings it back to its beginning.
+/// An agent as clients see it, while time stands still. It serves its control socket and applies
+/// one step of a slice a round. It lives from input to input; `reset` brings it back to its
+/// beginning.
 class FuzzedAgent {
  public:
   FuzzedAgent() {
@@ -35,7 +36,7 @@ class FuzzedAgent {
     served_.sm = Hardware::Kest::Slice::kestSliceDmaSmFactory(config_, status_);
   }
 
-  std::string socket() const { return folder_.socket(); }
+  std::string socket() const { return folder_.file("s"); }
   void round() { loop_.runOnce(0); }
   std::size_t connections() const { return server_.connections(); }
   bool isApplying() const { return rollOut_.isRunning(); }
@@ -74,7 +75,7 @@ class FuzzedAgent {
         });
   }
 
-  SocketFolder folder_;
+  Support::TempFolder folder_;
   std::ostream nowhere_{nullptr};
   Kest::Agent::Console console_{nowhere_, false, false};
   Mox::ActivityLoop loop_{nullptr};
@@ -92,7 +93,7 @@ class FuzzedAgent {
                                     [this](std::string const&, Slice slice, auto done) {
                                       apply(std::move(slice), std::move(done));
                                     }};
-  Kest::Agent::ControlServer server_{loop_, folder_.socket(), served_};
+  Kest::Agent::ControlServer server_{loop_, socket(), served_};
 };
 
 }  // namespace Fuzz

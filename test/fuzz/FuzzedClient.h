@@ -1,11 +1,6 @@
 #pragma once
 
-#include <fcntl.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -13,46 +8,29 @@
 #include <vector>
 
 #include "test/fuzz/Fuzz.h"
-#include "test/support/UnixSocket.h"
+#include "test/support/SocketClient.h"
 
 namespace Fuzz {
 
 using nlohmann::json;
 
-/// A client of the control socket, which never waits. It counts what it asks and checks what it
-/// gets: for each line one reply, in order.
+/// A client of the control socket. It counts what it asks and checks what it gets: for each line
+/// one reply, in order.
 class FuzzedClient {
  public:
-  explicit FuzzedClient(std::string const& path)
-      : fd_(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
-    require(Support::connectTo(fd_, path) == 0, "the agent takes clients");
-  }
-  FuzzedClient(FuzzedClient const&) = delete;
-  FuzzedClient& operator=(FuzzedClient const&) = delete;
-  ~FuzzedClient() { close(fd_); }
+  explicit FuzzedClient(std::string const& path) : client_(path) {}
 
   /// At most `most` bytes of it; returns how many.
-  std::size_t send(std::string_view bytes, std::size_t most) {
-    bytes = bytes.substr(0, most);
-    ssize_t const sent = ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    return sent < 0 ? 0 : static_cast<std::size_t>(sent);
+  std::size_t send(std::string_view bytes, std::size_t most) const {
+    return client_.sendSome(bytes.substr(0, most));
   }
   void asked(json id) { ids_.push_back(std::move(id)); }
-  void end() const { shutdown(fd_, SHUT_WR); }
+  void end() const { client_.halfClose(); }
 
   /// Takes what has come.
   void receive() {
-    std::array<char, 65536> block{};
-    ssize_t bytes = 0;
-    while ((bytes = recv(fd_, block.data(), block.size(), 0)) > 0) {
-      received_.append(block.data(), static_cast<std::size_t>(bytes));
-    }
-    ended_ = bytes == 0;
-    std::size_t start = 0;
-    for (std::size_t end; (end = received_.find('\n', start)) != received_.npos; start = end + 1) {
-      take(std::string_view(received_).substr(start, end - start));
-    }
-    received_.erase(0, start);
+    ended_ = client_.isEnded();
+    for (std::string const& line : client_.lines()) take(line);
   }
   bool hasAllReplies() const { return replies_ == ids_.size(); }
   bool isEnded() const { return ended_; }
@@ -83,8 +61,7 @@ class FuzzedClient {
     require(!error.at("message").get<std::string>().empty(), "an error says why", line);
   }
 
-  int fd_;
-  std::string received_;
+  Support::SocketClient client_;
   std::vector<json> ids_;  // of what was asked; discarded where it had none
   std::size_t replies_ = 0;
   bool ended_ = false;

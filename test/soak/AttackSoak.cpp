@@ -3,29 +3,26 @@
 // answer, how long the agent takes to end when it is told to, and how much memory it takes.
 
 #include <poll.h>
-#include <sys/resource.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <deque>
 #include <exception>
-#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "test/soak/Attacker.h"
-#include "test/soak/Load.h"
 #include "test/soak/SoakedAgent.h"
+#include "test/support/SocketClient.h"
 
 namespace Kest::Soak {
 namespace {
 
-constexpr double pollSeconds = 2.0;
-
 using Clock = SoakedAgent::Clock;
+using Support::SocketClient;
 
 struct AttackOptions {
   std::string agent;
@@ -50,70 +47,48 @@ double millisecondsSince(Clock::time_point start) {
   return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-/// A slice of one device that is up, with so many ports; gone with this.
-class LargeSlice {
- public:
-  explicit LargeSlice(std::size_t ports)
-      : path_((std::filesystem::temp_directory_path() /
-               ("kest-attack-" + std::to_string(getpid()) + ".slice"))
-                  .string()) {
-    std::ofstream file(path_);
-    std::string const type = " Value('Hardware::Kest::Slice::KestSliceDmaConfig::";
-    file << "pciHam '/pci/0'\ndevice" << type
-         << "Device', ** {'devName': 'fap0', 'pciHam': EntityPtr('/pci/0', 'Fru::PciHam')})\n"
-         << "deviceState 'fap0' 'deviceStateUp'\n";
-    for (std::size_t port = 0; port < ports; ++port) {
-      file << "switchPort" << type << "SwitchPort', ** {'ifName': 'et" << port
-           << "', 'devName': 'fap0'})\n";
-    }
-    if (!file.flush()) throw std::runtime_error("cannot write " + path_);
+/// Writes a slice of one device that is up, with so many ports.
+void writeLargeSlice(std::string const& path, std::size_t ports) {
+  std::ofstream file(path);
+  std::string const type = " Value('Hardware::Kest::Slice::KestSliceDmaConfig::";
+  file << "pciHam '/pci/0'\ndevice" << type
+       << "Device', ** {'devName': 'fap0', 'pciHam': EntityPtr('/pci/0', 'Fru::PciHam')})\n"
+       << "deviceState 'fap0' 'deviceStateUp'\n";
+  for (std::size_t port = 0; port < ports; ++port) {
+    file << "switchPort" << type << "SwitchPort', ** {'ifName': 'et" << port
+         << "', 'devName': 'fap0'})\n";
   }
-  LargeSlice(LargeSlice const&) = delete;
-  LargeSlice& operator=(LargeSlice const&) = delete;
-  ~LargeSlice() { std::filesystem::remove(path_); }
+  if (!file.flush()) throw std::runtime_error("cannot write " + path);
+}
 
-  std::string const& path() const { return path_; }
-
- private:
-  std::string path_;
-};
-
-/// The whole slice has been applied: it is not busy with it any more.
-void awaitApplied(Connection& root) {
+/// Waits until the agent has applied the whole slice and is no longer busy with it.
+void awaitApplied(SocketClient& root) {
   constexpr int pauseMilliseconds = 200;
   std::string const change =
-      "{\"verb\":\"set\",\"path\":\"config/nativeVlan/et99999\",\"value\":10}\n";
+      "{\"verb\":\"set\",\"path\":\"config/nativeVlan/et99999\",\"value\":10}";
   while (root.ask(change).find("\"busy\"") != std::string::npos) {
     poll(nullptr, 0, pauseMilliseconds);
   }
 }
 
-/// What watchers are told of, and the wait for an answer.
-double askedAsRoot(Connection& root, std::size_t turn) {
+/// Asks for a value and makes a change, of which watchers are told; returns how long the first
+/// answer took, in milliseconds.
+double askedAsRoot(SocketClient& root, std::size_t turn) {
   auto const start = Clock::now();
-  root.ask("{\"verb\":\"get\",\"path\":\"config/sliceId\"}\n");
+  root.ask("{\"verb\":\"get\",\"path\":\"config/sliceId\"}");
   double const wait = millisecondsSince(start);
   root.ask("{\"verb\":\"set\",\"path\":\"config/nativeVlan/et99999\",\"value\":" +
-           std::to_string(10 + turn % 2) + "}\n");
+           std::to_string(10 + turn % 2) + "}");
   return wait;
 }
 
-double latestPoll(std::vector<Clock::time_point> const& polls, std::size_t from) {
-  double worst = 0;
-  for (std::size_t i = std::max<std::size_t>(from, 1); i < polls.size(); ++i) {
-    std::chrono::duration<double> const apart = polls[i] - polls[i - 1];
-    worst = std::max(worst, (apart.count() - pollSeconds) * 1000);
-  }
-  return worst;
-}
-
 Harm harmOf(std::vector<Attacker> const& attackers, AttackOptions const& options,
-            LargeSlice const& slice) {
-  SoakedAgent agent(options.agent, slice.path(), options.preloaded);
+            std::string const& slice) {
+  SoakedAgent agent(options.agent, slice, options.preloaded);
   agent.awaitPoll(0);
-  Connection root(agent.socketPath());
+  SocketClient root(agent.socketPath());
   awaitApplied(root);
-  std::size_t const idle = agent.residentKilobytes(), first = agent.polls().size();
+  std::size_t const idle = agent.residentKilobytes(), first = agent.polls();
   std::size_t most = idle;
   Harm harm;
   constexpr uid_t firstUser = 60000;  // one for each: users share the places, and the memory
@@ -130,8 +105,8 @@ Harm harmOf(std::vector<Attacker> const& attackers, AttackOptions const& options
     poll(nullptr, 0, pauseMilliseconds);
   }
   for (Attack const& attack : attacks) attack.check();
-  agent.awaitPoll(agent.polls().size());
-  harm.lateness = latestPoll(agent.polls(), first);
+  agent.awaitPoll(agent.polls());
+  harm.lateness = agent.worstLateness(first).count();
   harm.growth = static_cast<double>(std::max(most, agent.residentKilobytes()) - idle) / 1024;
   auto const told = Clock::now();
   agent.end();
@@ -139,7 +114,7 @@ Harm harmOf(std::vector<Attacker> const& attackers, AttackOptions const& options
   return harm;
 }
 
-/// Shows it as a row; whether it is within the budgets.
+/// Prints a row; returns whether the harm is within the budgets.
 bool show(char const* name, Harm const& harm, AttackOptions const& options) {
   bool const isBearable = harm.lateness <= options.mostLateness && harm.wait <= options.mostWait &&
                           harm.ending <= options.mostEnding &&
@@ -151,7 +126,7 @@ bool show(char const* name, Harm const& harm, AttackOptions const& options) {
 }
 
 bool showHarm(char const* name, std::vector<Attacker> const& attackers,
-              AttackOptions const& options, LargeSlice const& slice) {
+              AttackOptions const& options, std::string const& slice) {
   try {
     return show(name, harmOf(attackers, options, slice), options);
   } catch (std::exception const& failed) {
@@ -161,11 +136,10 @@ bool showHarm(char const* name, std::vector<Attacker> const& attackers,
 }
 
 int run(AttackOptions const& options) {
-  rlimit limit{};
-  getrlimit(RLIMIT_NOFILE, &limit);
-  limit.rlim_cur = limit.rlim_max;
-  setrlimit(RLIMIT_NOFILE, &limit);
-  LargeSlice const slice(options.ports);
+  raiseDescriptorLimit();
+  Support::TempFolder const folder;
+  std::string const slice = folder.file("large.slice");
+  writeLargeSlice(slice, options.ports);
   std::vector<Attacker> const all = attackers();
   bool isBearable = true;
   std::printf("%-26s %12s %12s %12s %13s\n", "attacker", "poll late by", "root waits", "ends in",

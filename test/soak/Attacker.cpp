@@ -1,21 +1,18 @@
 #include "test/soak/Attacker.h"
-#include "test/support/UnixSocket.h"
 
-#include <fcntl.h>
-#include <poll.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <csignal>
 #include <deque>
 #include <string_view>
 #include <system_error>
 #include <utility>
+
+#include "test/support/SocketClient.h"
 
 namespace Kest::Soak {
 
@@ -55,10 +52,9 @@ class Client {
 
  private:
   bool connected() {
-    fd_ = socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     sent_ = asked_ = 0;
-    if (Support::connectTo(fd_, path_) == 0) return true;
-    return end();
+    fd_ = Support::connectedTo(path_, SOCK_NONBLOCK);
+    return fd_ >= 0;
   }
 
   bool send() {

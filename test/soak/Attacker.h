@@ -18,7 +18,7 @@ struct Attacker {
   bool isOnce = false;     // it asks once, and stays
 };
 
-/// Those that are known.
+/// All attackers that a run tries.
 std::vector<Attacker> attackers();
 
 /// A process in which an attacker attacks, as `user` if this one is root's. It ends with this.
@@ -29,7 +29,8 @@ class Attack {
   Attack& operator=(Attack const&) = delete;
   ~Attack();
 
-  /// `std::runtime_error` when it does not attack any more: it could not reach the socket, say.
+  /// Throws `std::runtime_error` when the attacker has ended because, say, it could not reach the
+  /// socket.
   void check() const;
 
  private:

@@ -2,8 +2,6 @@
 // every answer is right, how late the poll of the devices gets, and how much memory the agent
 // takes.
 
-#include <sys/resource.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
@@ -20,7 +18,6 @@
 namespace Kest::Soak {
 namespace {
 
-constexpr double pollSeconds = 2.0;
 constexpr double noLimit = 1e9;
 
 struct Options {
@@ -45,27 +42,17 @@ struct Findings {
   std::string complaints;
 };
 
-/// A poll is due a period after the last one.
-double worstLateness(std::vector<SoakedAgent::Clock::time_point> const& polls, std::size_t from) {
-  double worst = 0;
-  for (std::size_t i = std::max<std::size_t>(from, 1); i < polls.size(); ++i) {
-    std::chrono::duration<double> const apart = polls[i] - polls[i - 1];
-    worst = std::max(worst, (apart.count() - pollSeconds) * 1000);
-  }
-  return worst;
-}
-
 Findings soak(SoakedAgent& agent, Options const& options) {
   agent.awaitPoll(0);
   Findings found;
   found.before = found.most = agent.residentKilobytes();
   Load load(agent.socketPath(), options.clients);
-  std::size_t const first = agent.polls().size();
+  std::size_t const first = agent.polls();
   auto const begin = SoakedAgent::Clock::now();
   load.start();
   for (std::size_t seen = first; seen < first + options.polls;) {
     load.turn();
-    std::size_t const now = agent.polls().size();
+    std::size_t const now = agent.polls();
     if (now != seen) found.most = std::max(found.most, agent.residentKilobytes());
     seen = now;
   }
@@ -76,7 +63,7 @@ Findings soak(SoakedAgent& agent, Options const& options) {
   found.answered = load.answered();
   found.changes = load.changes();
   found.takenFromStalled = load.takenFromStalled();
-  found.worstLateness = worstLateness(agent.polls(), first);
+  found.worstLateness = agent.worstLateness(first).count();
   found.exitCode = agent.end();
   found.complaints = agent.complaints();
   return found;
@@ -101,7 +88,7 @@ void show(Options const& options, Findings const& found) {
               static_cast<double>(found.most) / kilo, static_cast<double>(found.after) / kilo);
 }
 
-/// What is wrong, a line each.
+/// The findings that exceed their limits, a line each.
 std::vector<std::string> judge(Options const& options, Findings const& found) {
   std::vector<std::string> wrong;
   if (found.worstLateness > options.mostLateness) {
@@ -119,14 +106,6 @@ std::vector<std::string> judge(Options const& options, Findings const& found) {
     wrong.push_back("the agent ended with " + std::to_string(found.exitCode));
   if (!found.complaints.empty()) wrong.push_back("the agent complained: " + found.complaints);
   return wrong;
-}
-
-/// A descriptor a client, here and in the agent, which raises its own limit.
-void raiseDescriptorLimit() {
-  rlimit limit{};
-  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
-  limit.rlim_cur = limit.rlim_max;
-  setrlimit(RLIMIT_NOFILE, &limit);
 }
 
 int run(Options const& options) {
@@ -157,8 +136,8 @@ int main(int argc, char** argv) {
   app.add_option("--most-lateness", options.mostLateness,
                  "How late a poll may be, in milliseconds");
   CLI11_PARSE(app, argc, argv);
-  raiseDescriptorLimit();
   try {
+    raiseDescriptorLimit();
     return run(options);
   } catch (std::exception const& failed) {
     std::fprintf(stderr, "control_soak: %s\n", failed.what());

@@ -1,12 +1,7 @@
 #include "test/soak/Load.h"
-#include "test/support/UnixSocket.h"
 
-#include <fcntl.h>
 #include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <iterator>
 #include <stdexcept>
@@ -16,7 +11,7 @@ namespace Kest::Soak {
 
 namespace {
 
-/// What readers ask for, one after the other: none of it changes while the load is on.
+/// The readers' requests, in order. The answers do not change while the load is on.
 constexpr char const* readRequests[] = {
     R"({"verb":"get","path":"config/nativeVlan/et3/1"})",
     R"({"verb":"get","path":"status/switchPort"})",
@@ -34,10 +29,6 @@ constexpr char const* readRequests[] = {
 constexpr int turnMilliseconds = 20;
 constexpr std::size_t mostQuietTurns = 120 * 1000 / turnMilliseconds;
 
-[[noreturn]] void refuse(char const* what) {
-  throw std::system_error(errno, std::generic_category(), what);
-}
-
 /// A request of the client that never reads: long, with a reply of some KiB, so that a few hundred
 /// are more than the agent may keep for a client either way.
 std::string stalledRequest() {
@@ -47,10 +38,9 @@ std::string stalledRequest() {
 }
 constexpr std::size_t stalledRequestCount = 32;  // at a time
 
-/// Of a port that the slice does not have: no driver call follows.
+/// Changes a port that the slice does not have, so that no driver call follows.
 std::string changeRequest(std::size_t vlan) {
-  return R"({"verb":"set","path":"config/nativeVlan/et99/1","value":)" + std::to_string(vlan) +
-         "}\n";
+  return R"({"verb":"set","path":"config/nativeVlan/et99/1","value":)" + std::to_string(vlan) + "}";
 }
 
 constexpr std::size_t vlanOf(std::size_t change) {
@@ -73,76 +63,35 @@ void expect(std::string const& expected, std::string const& found) {
   throw std::runtime_error("expected the agent to say\n" + expected + "\nbut it said\n" + found);
 }
 
-void sendWhole(Connection const& connection, std::string const& request) {
-  if (connection.send(request) == request.size()) return;
-  throw std::runtime_error("the agent does not take a request from a client that reads");
+std::vector<std::string> linesOf(SocketClient& connection) {
+  if (connection.isEnded()) throw std::runtime_error("the agent ended a connection");
+  return connection.lines();
 }
 
 }  // namespace
-
-Connection::Connection(std::string const& path)
-    : fd_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  if (Support::connectTo(fd_, path) != 0) refuse("connect");
-}
-
-Connection::~Connection() {
-  close(fd_);
-}
-
-std::size_t Connection::send(std::string_view bytes) const {
-  ssize_t const sent = ::send(fd_, bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-  if (sent < 0 && errno != EAGAIN) refuse("send");
-  return sent < 0 ? 0 : static_cast<std::size_t>(sent);
-}
-
-std::vector<std::string> Connection::lines() {
-  std::array<char, 65536> block;
-  ssize_t const bytes = recv(fd_, block.data(), block.size(), MSG_DONTWAIT);
-  if (bytes < 0 && errno != EAGAIN) refuse("recv");
-  if (bytes == 0) throw std::runtime_error("the agent ended a connection");
-  if (bytes > 0) input_.append(block.data(), static_cast<std::size_t>(bytes));
-  std::vector<std::string> all;
-  std::size_t begin = 0;
-  for (std::size_t end; (end = input_.find('\n', begin)) != std::string::npos; begin = end + 1) {
-    all.push_back(input_.substr(begin, end - begin));
-  }
-  input_.erase(0, begin);
-  return all;
-}
-
-std::string Connection::ask(std::string const& request) {
-  sendWhole(*this, request);
-  while (true) {
-    pollfd waiting{fd_, POLLIN, 0};
-    if (poll(&waiting, 1, turnMilliseconds * static_cast<int>(mostQuietTurns)) == 0) {
-      throw std::runtime_error("the agent does not answer " + request);
-    }
-    if (std::vector<std::string> const all = lines(); !all.empty()) return all.front();
-  }
-}
 
 Load::Load(std::string const& path, std::size_t clients)
     : changing_(path), watching_(path), stalled_(path) {
   constexpr std::size_t others = 3;
   expect(changeReply(vlanOf(0)), changing_.ask(changeRequest(vlanOf(0))));
-  expect(R"({"ok":true,"result":{"watching":true}})", watching_.ask("{\"verb\":\"watch\"}\n"));
+  expect(R"({"ok":true,"result":{"watching":true}})", watching_.ask("{\"verb\":\"watch\"}"));
   for (std::size_t i = 0; i < clients - others; ++i) {
     readers_.emplace_back(path, i % std::size(readRequests));
   }
   for (char const* request : readRequests) {
-    replies_.push_back(readers_.front().connection.ask(std::string(request) + "\n"));
+    replies_.push_back(readers_.front().connection.ask(request));
   }
   for (std::size_t i = 0; i < stalledRequestCount; ++i) stalledRequests_ += stalledRequest();
   stallAlone();
 }
 
-/// The client that never reads has all turns but one for so long that it would get more replies
-/// than the agent may keep.
+/// Lets the client that never reads ask for more replies than the agent may keep, while one other
+/// client is answered.
 void Load::stallAlone() {
   std::size_t const turns = 2 * mostTakenFromStalled / stalledRequest().size();
   for (std::size_t i = 0; i < turns; ++i) {
     stall();
-    expect(replies_.front(), readers_.front().connection.ask(std::string(readRequests[0]) + "\n"));
+    expect(replies_.front(), readers_.front().connection.ask(readRequests[0]));
   }
 }
 
@@ -152,17 +101,17 @@ void Load::start() {
 }
 
 void Load::ask(Reader& reader) const {
-  sendWhole(reader.connection, std::string(readRequests[reader.asked]) + "\n");
+  reader.connection.send(std::string(readRequests[reader.asked]) + "\n");
   reader.waits = true;
 }
 
 void Load::change() {
-  sendWhole(changing_, changeRequest(vlanOf(changes_ + 1)));
+  changing_.send(changeRequest(vlanOf(changes_ + 1)) + "\n");
   changeIsDue_ = true;
 }
 
 bool Load::readReplies(Reader& reader) {
-  std::vector<std::string> const all = reader.connection.lines();
+  std::vector<std::string> const all = linesOf(reader.connection);
   for (std::string const& reply : all) {
     if (!reader.waits) throw std::runtime_error("nobody asked for " + reply);
     expect(replies_[reader.asked], reply);
@@ -175,7 +124,7 @@ bool Load::readReplies(Reader& reader) {
 }
 
 bool Load::readChanges() {
-  std::vector<std::string> const all = changing_.lines();
+  std::vector<std::string> const all = linesOf(changing_);
   for (std::string const& reply : all) {
     expect(changeReply(vlanOf(++changes_)), reply);
     changeIsDue_ = false;
@@ -185,24 +134,26 @@ bool Load::readChanges() {
 }
 
 bool Load::readEvents() {
-  std::vector<std::string> const all = watching_.lines();
+  std::vector<std::string> const all = linesOf(watching_);
   for (std::string const& event : all) expect(changeEvent(vlanOf(++events_)), event);
   return !all.empty();
 }
 
 void Load::stall() {
-  // Goes on in the middle of a request where the last time ended there.
+  // The last time may have ended in the middle of a request.
   std::string_view const rest =
       std::string_view(stalledRequests_)
           .substr(takenFromStalled_ % (stalledRequests_.size() / stalledRequestCount));
-  takenFromStalled_ += stalled_.send(rest);
+  takenFromStalled_ += stalled_.sendSome(rest);
 }
 
 void Load::turn() {
   if (!isEnding_) stall();
   std::vector<pollfd> waiting{{changing_.fd(), POLLIN, 0}, {watching_.fd(), POLLIN, 0}};
   for (Reader const& reader : readers_) waiting.push_back({reader.connection.fd(), POLLIN, 0});
-  if (poll(waiting.data(), waiting.size(), turnMilliseconds) < 0) refuse("poll");
+  if (poll(waiting.data(), waiting.size(), turnMilliseconds) < 0) {
+    throw std::system_error(errno, std::generic_category(), "poll");
+  }
   bool isQuiet = true;
   if (waiting[0].revents != 0 && readChanges()) isQuiet = false;
   if (waiting[1].revents != 0 && readEvents()) isQuiet = false;
@@ -223,7 +174,7 @@ bool Load::isSettled() const {
 void Load::finish() {
   isEnding_ = true;
   while (!isSettled()) turn();
-  stalled_.send({});  // throws if the agent has sent it away
+  stalled_.sendSome({});  // throws if the agent has sent it away
 }
 
 }  // namespace Kest::Soak

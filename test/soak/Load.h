@@ -3,36 +3,16 @@
 #include <cstddef>
 #include <deque>
 #include <string>
-#include <string_view>
 #include <vector>
+
+#include "test/support/SocketClient.h"
 
 namespace Kest::Soak {
 
+using Support::SocketClient;
+
 /// More bytes of requests than the system and the agent keep for a client that does not read.
 inline constexpr std::size_t mostTakenFromStalled = std::size_t{4} << 20;
-
-/// One connection to the agent.
-class Connection {
- public:
-  /// Waits until the agent's backlog has room; nothing later waits.
-  explicit Connection(std::string const& path);
-  ~Connection();
-  Connection(Connection const&) = delete;
-  Connection& operator=(Connection const&) = delete;
-
-  int fd() const noexcept { return fd_; }
-  /// Sends what there is room for; returns how much that is.
-  std::size_t send(std::string_view bytes) const;
-  /// The whole lines that have come; throws when the agent has ended the connection.
-  std::vector<std::string> lines();
-
-  /// The reply to a request, waited for.
-  std::string ask(std::string const& request);
-
- private:
-  int fd_;
-  std::string input_;
-};
 
 /// Clients that ask an agent all the time: readers of several kinds, each of which asks again as
 /// soon as it has its answer; one that changes the configuration, and one that watches it; one that
@@ -60,7 +40,7 @@ class Load {
   struct Reader {
     explicit Reader(std::string const& path, std::size_t first) : connection(path), asked(first) {}
 
-    Connection connection;
+    SocketClient connection;
     std::size_t asked;  // index of the request
     bool waits = false;
   };
@@ -77,9 +57,9 @@ class Load {
   std::vector<std::string> replies_;  // to the readers' requests
   std::string stalledRequests_;
   std::deque<Reader> readers_;
-  Connection changing_;
-  Connection watching_;
-  Connection stalled_;
+  SocketClient changing_;
+  SocketClient watching_;
+  SocketClient stalled_;
   bool isEnding_ = false;
   bool changeIsDue_ = false;
   std::size_t answered_ = 0;

@@ -1,14 +1,15 @@
 #include "test/soak/SoakedAgent.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <string_view>
@@ -27,14 +28,6 @@ int checked(int result, char const* what) {
   return result;
 }
 
-std::string scratchDirectory() {
-  std::string name = (std::filesystem::temp_directory_path() / "kest-soak-XXXXXX").string();
-  if (mkdtemp(name.data()) == nullptr) checked(-1, "mkdtemp");
-  constexpr mode_t everyoneMayPass = 0711;  // to the socket
-  checked(chmod(name.c_str(), everyoneMayPass), "chmod");
-  return name;
-}
-
 [[noreturn]] void become(std::string const& program, std::vector<std::string> arguments,
                          int errors) {
   std::vector<char*> pointers;
@@ -49,9 +42,17 @@ std::string scratchDirectory() {
 
 }  // namespace
 
+void raiseDescriptorLimit() {
+  rlimit limit{};
+  checked(getrlimit(RLIMIT_NOFILE, &limit), "getrlimit");
+  limit.rlim_cur = limit.rlim_max;
+  checked(setrlimit(RLIMIT_NOFILE, &limit), "setrlimit");
+}
+
 SoakedAgent::SoakedAgent(std::string const& program, std::string const& sliceFile,
-                         std::string const& preloaded)
-    : directory_(scratchDirectory()) {
+                         std::string const& preloaded) {
+  constexpr mode_t everyoneMayPass = 0711;  // to the socket
+  checked(chmod(folder_.path().c_str(), everyoneMayPass), "chmod");
   std::array<int, 2> errors{};
   checked(pipe2(errors.data(), O_CLOEXEC), "pipe2");
   pid_ = checked(fork(), "fork");
@@ -72,7 +73,6 @@ SoakedAgent::~SoakedAgent() {
     waitpid(pid_, nullptr, 0);
   }
   reader_.join();
-  std::filesystem::remove_all(directory_);
 }
 
 void SoakedAgent::readErrors(int fd) {
@@ -95,14 +95,24 @@ void SoakedAgent::readErrors(int fd) {
   hasEnded_ = true;
 }
 
-std::vector<SoakedAgent::Clock::time_point> SoakedAgent::polls() const {
+std::size_t SoakedAgent::polls() const {
   std::lock_guard const lock(mutex_);
-  return polls_;
+  return polls_.size();
+}
+
+SoakedAgent::Milliseconds SoakedAgent::worstLateness(std::size_t from) const {
+  constexpr std::chrono::seconds period{2};
+  std::lock_guard const lock(mutex_);
+  Milliseconds worst{0};
+  for (std::size_t i = std::max<std::size_t>(from, 1); i < polls_.size(); ++i) {
+    worst = std::max<Milliseconds>(worst, polls_[i] - polls_[i - 1] - period);
+  }
+  return worst;
 }
 
 void SoakedAgent::awaitPoll(std::size_t known) const {
   auto const deadline = Clock::now() + patience;
-  while (polls().size() <= known) {
+  while (polls() <= known) {
     if (hasEnded()) throw std::runtime_error("the agent ended: " + complaints());
     if (Clock::now() > deadline) throw std::runtime_error("the agent does not poll");
     std::this_thread::sleep_for(lookAgain);

@@ -9,14 +9,21 @@
 #include <thread>
 #include <vector>
 
+#include "test/support/Files.h"
+
 namespace Kest::Soak {
 
-/// The agent as a process that polls, in a scratch directory of its own. What it writes to standard
-/// error is read by a thread, which notes when each poll was told of: whoever loads the agent is
-/// often late itself. A process that is still there at the end is killed.
+/// Lets this process have as many descriptors as it may: it needs one for each client. The agent
+/// raises its own limit.
+void raiseDescriptorLimit();
+
+/// The agent as a process that polls, in a temporary folder. A thread reads what the agent writes
+/// to standard error and notes the time of each poll there, because whoever loads the agent is
+/// often late itself. An agent that still runs at the end is killed.
 class SoakedAgent {
  public:
   using Clock = std::chrono::steady_clock;
+  using Milliseconds = std::chrono::duration<double, std::milli>;
 
   /// @param preloaded a library that is loaded before all others, if any
   SoakedAgent(std::string const& program, std::string const& sliceFile,
@@ -25,13 +32,17 @@ class SoakedAgent {
   SoakedAgent(SoakedAgent const&) = delete;
   SoakedAgent& operator=(SoakedAgent const&) = delete;
 
-  std::string socketPath() const { return directory_ + "/control.sock"; }
+  std::string socketPath() const { return folder_.file("control.sock"); }
 
-  /// When the polls began, as far as they have been told of.
-  std::vector<Clock::time_point> polls() const;
+  /// How many polls have been told of.
+  std::size_t polls() const;
   /// The next poll after `known` ones has begun. Throws when the agent ends, or when it does not
   /// come in a time that no working agent needs.
   void awaitPoll(std::size_t known) const;
+
+  /// By how much a poll came later than a period after the last one, at worst, from the poll of
+  /// that number on.
+  Milliseconds worstLateness(std::size_t from) const;
 
   /// What it wrote to standard error besides its polls and handlers.
   std::string complaints() const;
@@ -44,7 +55,7 @@ class SoakedAgent {
  private:
   void readErrors(int fd);
 
-  std::string directory_;
+  Support::TempFolder folder_;
   pid_t pid_ = -1;
   mutable std::mutex mutex_;  // of what follows, but for the thread
   std::vector<Clock::time_point> polls_;

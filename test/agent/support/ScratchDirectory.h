@@ -2,21 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
+
+#include "test/support/Files.h"
 
 namespace Kest::Agent {
 
 /// A test with a directory of its own, empty at the start and gone at the end.
 class ScratchDirectory : public testing::Test {
- protected:
-  ScratchDirectory() {
-    if (mkdtemp(directory.data()) == nullptr) throw std::runtime_error("mkdtemp: " + directory);
-  }
-  ~ScratchDirectory() override { std::filesystem::remove_all(directory); }
+  Support::TempFolder const scratch_;
 
+ protected:
   /// Puts a file there whole, in place of an earlier one.
   void fileIs(std::string const& name, std::string const& text) const {
     std::string const path = directory + "/" + name;
@@ -24,7 +22,7 @@ class ScratchDirectory : public testing::Test {
     std::filesystem::rename(path + ".new", path);
   }
 
-  std::string directory = testing::TempDir() + "kest-agent-XXXXXX";
+  std::string const directory = scratch_.path();
 };
 
 }  // namespace Kest::Agent
