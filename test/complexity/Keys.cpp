@@ -50,7 +50,7 @@ void findKeys(std::string const& text) {
   for (Mox::String8 const& key : keys) map.find(key);
 }
 
-/// As an entity's `DelAll` does.
+/// Deletes in the order of a walk, as an entity's `DelAll` does.
 void removeKeys(std::string const& text) {
   KeyMap map;
   insertAll(map, keysOf(text));

@@ -7,7 +7,7 @@ namespace Kest::Complexity {
 
 namespace {
 
-/// Where it writes: nothing of the work can be left out.
+/// Results go here, so that the compiler cannot leave the work out.
 std::size_t volatile plantedSum = 0;
 
 void readOnce(std::string const& text) {
@@ -38,7 +38,7 @@ void readLinesTwice(std::string const& text) {
   plantedSum = lines.size();
 }
 
-/// Takes each line off the front: fast, but the rest is moved every time.
+/// Takes each line off the front, which moves the rest every time.
 void cutLines(std::string text) {
   Counted const counted;
   while (!text.empty()) text.erase(0, std::min(text.find('\n'), text.size() - 1) + 1);

@@ -3,11 +3,13 @@
 #include <valgrind/callgrind.h>
 
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-/// What reading a text from outside costs, and how that grows with the text; see complexity.py.
+/// How the cost of reading texts from outside grows with the text; see complexity.py.
 namespace Kest::Complexity {
 
 /// Texts of one kind, of any size.
@@ -17,15 +19,15 @@ struct Case {
   std::function<std::string(std::size_t bytes)> text;
 };
 
-/// Something that takes text from outside. Whether it accepts or refuses does not matter here.
+/// Takes text from outside. Whether it accepts or refuses a text does not matter here.
 struct Reader {
   std::string name;
-  /// Reads the text once, and counts what is to be counted.
+  /// Reads the text once; `Counted` marks the work that counts.
   std::function<void(std::string const& text)> read;
   std::vector<Case> cases;
 };
 
-/// Callgrind counts as long as this lives.
+/// While it lives, callgrind counts instructions.
 class Counted {
  public:
   Counted() { CALLGRIND_TOGGLE_COLLECT; }
@@ -34,13 +36,24 @@ class Counted {
   ~Counted() { CALLGRIND_TOGGLE_COLLECT; }
 };
 
+/// A reader all of whose work is counted.
+inline std::function<void(std::string const&)> counting(void (*read)(std::string_view)) {
+  return [read](std::string const& text) {
+    Counted const counted;
+    try {
+      read(text);
+    } catch (std::exception const&) {  // NOLINT(bugprone-empty-catch): refused is fine
+    }
+  };
+}
+
 std::vector<Reader> requestReaders();
 std::vector<Reader> sliceReaders();
 std::vector<Reader> simFileReaders();
 std::vector<Reader> valueReaders();
 std::vector<Reader> replyReaders();
 std::vector<Reader> keyReaders();
-/// Ours, of known cost: they show what the check sees.
+/// Readers of known cost, which show what the check sees.
 std::vector<Reader> plantedReaders();
 
 }  // namespace Kest::Complexity

@@ -9,18 +9,18 @@
 
 #include "ctl/Client.h"
 #include "ctl/Failure.h"
-#include "ctl/Present.h"
 #include "ctl/ReplyText.h"
 #include "ctl/Verbs.h"
 #include "test/complexity/Texts.h"
-#include "test/fuzz/SocketFolder.h"
+#include "test/support/Files.h"
+#include "test/support/Readers.h"
 #include "test/support/UnixSocket.h"
 
 namespace Kest::Complexity {
 
 namespace {
 
-/// Says a text to whoever connects, and lets go.
+/// Sends a text to the first client that connects, and closes the connection.
 class Speaker {
  public:
   explicit Speaker(std::string const& text)
@@ -35,10 +35,9 @@ class Speaker {
   ~Speaker() {
     thread_.join();
     close(listener_);
-    unlink(path().c_str());
   }
 
-  std::string path() const { return folder_.socket(); }
+  std::string path() const { return folder_.file("s"); }
 
  private:
   void say(std::string_view rest) const {
@@ -50,14 +49,14 @@ class Speaker {
     close(client);
   }
 
-  Fuzz::SocketFolder folder_;
+  Support::TempFolder folder_;
   int listener_;
   std::thread thread_;
 };
 
 constexpr double aMinute = 60;
 
-/// Messages as the client takes them from its socket, each shown as what any verb expects.
+/// Reads messages as the client takes them from its socket.
 void readMessages(std::string const& text) {
   Speaker const speaker(text);
   Ctl::Client client(speaker.path(), Ctl::Client::after(aMinute));
@@ -68,18 +67,11 @@ void readMessages(std::string const& text) {
   }
 }
 
-/// Results as each verb shows them, and events. None is deep: the client has refused that.
+/// Shows results as each verb would, and as events. None is deep: the client refuses those.
 void showResult(std::string const& text) {
-  Ctl::Options options;
-  options.arguments = {"state", "fap0"};
   Counted const counted;
   Ctl::Json const result = Ctl::jsonFromReply(text);
-  for (Ctl::Verb const& verb : Ctl::verbs()) {
-    try {
-      verb.present(result, options, true);
-    } catch (Ctl::Json::exception const&) {  // NOLINT(bugprone-empty-catch): of another form
-    }
-  }
+  Support::showResult(result);
   try {
     Ctl::eventLine(result);
   } catch (Ctl::Json::exception const&) {  // NOLINT(bugprone-empty-catch): of another form
@@ -90,16 +82,8 @@ std::vector<Case> messages() {
   return {
       pieces("many messages", "", "{\"event\":\"x\"}\n"),
       pieces("empty objects", "", "{}\n"),
-      pieces("many members", "{\"x\":1", ",\"m@\":1", "}\n"),
-      pieces("equal members", "{\"x\":1", ",\"x\":1", "}\n"),
       pieces("many members of a result", R"({"ok":true,"result":{"x":1)", ",\"m@\":1", "}}\n"),
-      pieces("long string", "{\"x\":\"", "x", "\"}\n"),
-      pieces("many escapes", "{\"x\":\"", "\\u0041", "\"}\n"),
-      nested("deep", "{\"x\":", "[", "", "]", "}\n"),
-      nested("deep objects", "", "{\"x\":", "1", "}", "\n"),
-      pieces("unterminated deep", "", "{\"x\":", "\n"),
       pieces("unterminated line", "", "x"),
-      pieces("many elements", "{\"x\":[0", ",0", "]}\n"),
   };
 }
 
@@ -136,7 +120,7 @@ std::vector<Case> results() {
 }  // namespace
 
 std::vector<Reader> replyReaders() {
-  return {{"kestctl: messages", readMessages, messages()},
+  return {{"kestctl: messages", readMessages, both(jsonTexts(R"({"x":)", "\n"), messages())},
           {"kestctl: results", showResult, results()}};
 }
 

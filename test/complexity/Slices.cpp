@@ -1,20 +1,9 @@
-#include "agent/slice/FileError.h"
-#include "agent/slice/SliceFile.h"
 #include "test/complexity/Texts.h"
+#include "test/support/Readers.h"
 
 namespace Kest::Complexity {
 
 namespace {
-
-std::function<void(std::string const&)> readsSlice(char const* name) {
-  return [name](std::string const& text) {
-    Counted const counted;
-    try {
-      Agent::parseSlice(name, text);
-    } catch (Agent::FileError const&) {  // NOLINT(bugprone-empty-catch): refused is fine
-    }
-  };
-}
 
 std::string const handle = "pciHam '/pci/0'\n";
 std::string const deviceStart =
@@ -86,29 +75,18 @@ std::vector<Case> json() {
       pieces("native VLANs of one hash", R"({"nativeVlan":{"et":10)", R"(,"%":10)", "}}"),
       pieces("a bad value at the end", R"({"nativeVlan":{"et":10)", R"(,"et@":10)",
              R"(,"ets":4095}})"),
-      pieces("equal members", R"({"nativeVlan":{"et":10)", R"(,"et":10)", "}}"),
-      pieces("unknown members", R"({"x":1)", R"(,"x@":1)", "}"),
       pieces("unknown fields", R"({"switchPort":{"et1":{"destId":1)", R"(,"x@":1)", "}}}"),
-      pieces("many elements", R"({"sliceId":[0)", ",0", "]}"),
-      nested("deep", "", "[", "", "]"),
-      pieces("unterminated deep", "", R"({"a":)"),
-      pieces("long member", "{\"", "x", "\":1}"),
-      pieces("long string", R"({"sliceId":")", "x", "\"}"),
-      pieces("many escapes", R"({"sliceId":")", "\\u0041", "\"}"),
-      pieces("unterminated string", R"({"sliceId":")", "x"),
-      pieces("long number", R"({"nativeVlan":{"et1":)", "1", "}}"),
       pieces("many lines", "{", "\n", "}"),
       pieces("refused after many lines", "{", "\n", "x"),
-      pieces("bytes that are no characters", R"({"sliceId":")", "\x80", "\"}"),
-      pieces("zero bytes", "{", std::string(1, '\0'), "}"),
   };
 }
 
 }  // namespace
 
 std::vector<Reader> sliceReaders() {
-  return {{"slice file", readsSlice("c.slice"), statements()},
-          {"slice file, JSON", readsSlice("c.json"), json()}};
+  return {{"slice file", counting(Support::readSliceStatements), statements()},
+          {"slice file, JSON", counting(Support::readSliceJson),
+           both(jsonTexts(R"({"sliceId":)"), json())}};
 }
 
 }  // namespace Kest::Complexity

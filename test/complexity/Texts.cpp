@@ -1,6 +1,7 @@
 #include "test/complexity/Texts.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "test/support/KeysOfHash.h"
@@ -78,6 +79,36 @@ Case nested(char const* name, std::string start, std::string open, std::string m
             }
             return text + middle + closing + end;
           }};
+}
+
+std::vector<Case> both(std::vector<Case> cases, std::vector<Case> more) {
+  std::move(more.begin(), more.end(), std::back_inserter(cases));
+  return cases;
+}
+
+std::vector<Case> jsonTexts(std::string const& field, std::string const& end) {
+  return {
+      pieces("unknown members", field + "\"\"", ",\"x@\":1", "}" + end),
+      pieces("unknown members of one hash", field + "\"\"", ",\"%\":1", "}" + end),
+      pieces("equal members", field + "\"\"", ",\"x\":1", "}" + end),
+      pieces("long member", "{\"", "x", "\":1}" + end),
+      pieces("blanks", "{", " ", "}" + end),
+      pieces("value of many members", field + "{\"x\":0", ",\"m@\":0", "}}" + end),
+      pieces("value of many elements", field + "[0", ",0", "]}" + end),
+      pieces("value of many objects", field + "[0", ",{\"m\":{}}", "]}" + end),
+      pieces("long number", field, "1", "}" + end),
+      pieces("long string", field + "\"", "x", "\"}" + end),
+      pieces("string of escapes", field + "\"", "\\u0041", "\"}" + end),
+      pieces("string of escaped controls", field + "\"", "\\u0001", "\"}" + end),
+      pieces("string of bytes that are no characters", field + "\"", "\x80", "\"}" + end),
+      pieces("zero bytes in a string", field + "\"", std::string(1, '\0'), "\"}" + end),
+      pieces("zero bytes", "{", std::string(1, '\0'), "}" + end),
+      pieces("unterminated string", field + "\"", "x", end),
+      nested("deep", field, "[", "", "]", "}" + end),
+      nested("deep objects", "", "{\"x\":", "1", "}", end),
+      pieces("unterminated deep", "", "{\"a\":", end),
+      pieces("no JSON", "", "x", end),
+  };
 }
 
 void prepareKeys() {

@@ -1,82 +1,40 @@
 #include <bit>
-#include <nlohmann/json.hpp>
 
-#include "agent/access/GenericJson.h"
 #include "agent/access/JsonText.h"
-#include "agent/slice/FileError.h"
-#include "agent/slice/SliceFile.h"
-#include "ctl/Present.h"
-#include "ctl/Verbs.h"
 #include "driver/sim/SimDriver.h"
-#include "driver/sim/StateText.h"
-#include "platform/mox/GenericValue.h"
-#include "platform/mox/RangeException.h"
-#include "registry/RecordTypes.h"
 #include "test/fuzz/Cost.h"
 #include "test/fuzz/Fuzz.h"
-#include "test/model/RecordNames.h"
+#include "test/support/Readers.h"
 
-/// What reading costs: libFuzzer looks for texts that cost more by the byte than others. The first
-/// byte selects the reader; whether it takes the text does not matter.
+/// Looks for texts that cost more by the byte than others. The first byte selects the reader;
+/// whether it accepts the text does not matter.
 namespace {
-
-using Mox::String8;
-
-void readStatements(std::string_view text) {
-  Kest::Agent::parseSlice("fuzz.slice", text);
-}
-
-void readJson(std::string_view text) {
-  Kest::Agent::parseSlice("fuzz.json", text);
-}
 
 void readFaults(std::string_view text) {
   Hardware::Kest::Sim::SimDriver().faultsAre(text);
-}
-
-void readState(std::string_view text) {
-  Hardware::Kest::Sim::readState(text, "state");
 }
 
 void readRequest(std::string_view text) {
   static_cast<void>(Kest::Agent::objectFromText(text));
 }
 
-template <class Record>
-void readText(std::string_view text) {
-  Mox::strepToValue<Record>(String8(text));
-}
-
-template <class Record>
-void readTyped(std::string_view text) {
-  Kest::Agent::fromTyped(*Mox::TypeOf<Record>::type(), text);
-}
-
 void showReply(std::string_view text) {
-  Kest::Ctl::Json const result = Kest::Ctl::Json::parse(text);
-  Kest::Ctl::Options options;
-  options.arguments = {"state"};
-  for (Kest::Ctl::Verb const& verb : Kest::Ctl::verbs()) {
-    try {
-      verb.present(result, options, true);
-    } catch (Kest::Ctl::Json::exception const&) {  // NOLINT(bugprone-empty-catch): of another form
-    }
-  }
+  Support::showResult(Kest::Ctl::Json::parse(text));
 }
 
 using Hardware::Kest::Slice::ConfigDevice;
 using Hardware::Kest::Slice::ConfigSwitchPort;
 
 constexpr void (*readers[])(std::string_view) = {
-    readStatements,
-    readJson,
+    Support::readSliceStatements,
+    Support::readSliceJson,
     readFaults,
-    readState,
+    Support::readSimState,
     readRequest,
-    readText<ConfigSwitchPort>,
-    readText<ConfigDevice>,
-    readTyped<ConfigSwitchPort>,
-    readTyped<ConfigDevice>,
+    Support::readText<ConfigSwitchPort>,
+    Support::readText<ConfigDevice>,
+    Support::readTyped<ConfigSwitchPort>,
+    Support::readTyped<ConfigDevice>,
     showReply,
 };
 constexpr std::size_t costs = 64, sizes = 16;
@@ -86,7 +44,7 @@ constexpr std::size_t costs = 64, sizes = 16;
 __attribute__((section("__libfuzzer_extra_counters")))
 std::uint8_t dearest[std::size(readers)][sizes][costs];
 
-/// Below, what is paid once hides what the bytes cost.
+/// In shorter texts, fixed costs hide the cost of the bytes.
 constexpr std::size_t leastBytes = 256;
 /// Edges. The dearest honest text is a slice file of many small devices, at about 400; a reader
 /// that compares each of 1,000 bytes with all others needs as many for that alone.
