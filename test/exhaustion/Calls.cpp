@@ -27,7 +27,7 @@ namespace Exhaustion {
 
 namespace {
 
-constexpr int half = -1;  // no error: only a part of what was asked for is done
+constexpr int half = -1;  // no error: only a part of the bytes is transferred
 
 struct Function {
   char const* name;
@@ -74,7 +74,7 @@ constexpr Function functions[] = {
     {"write", {EINTR, EIO, ENOSPC}},
 };
 
-/// What nobody gets again and again: whoever does is right to try on.
+/// Whether the error does not last, so that the product may try again without end.
 bool passes(int error) {
   return error == EINTR || error == ECONNABORTED || error == half;
 }
@@ -90,7 +90,7 @@ struct Plan {
 
 Plan plan;
 bool isPlanned = false;
-bool isTestsOwn = true;  // but while there is a plan
+bool isTestsOwn = true;  // false only while there is a plan
 std::FILE* brokenFile = nullptr;
 unsigned interruptionsLeft = 0;
 bool isWaitVirtual = false;
@@ -103,13 +103,13 @@ Function const& functionNamed(char const* name) {
   std::abort();
 }
 
-/// Whether the function needs a descriptor, as others do: they run out for all.
+/// Whether the function needs a new descriptor: they run out for all such functions.
 bool takesDescriptor(Function const& function) {
   return std::find(std::begin(function.ways), std::end(function.ways), EMFILE) !=
          std::end(function.ways);
 }
 
-/// Whether the process waits for an end of a child, which takes real time.
+/// Whether a child has ended; waiting for that takes real time.
 bool hasChild() {
   siginfo_t info;
   return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
@@ -223,6 +223,12 @@ std::chrono::nanoseconds virtualWait() noexcept {
 
 }  // namespace Exhaustion
 
+/// Defines the function so that it is handed on, unless it is to go wrong.
+#define KEST_HAND_ON(Result, name, parameters, ...)       \
+  Result name parameters {                                \
+    return call(#name, &name __VA_OPT__(, ) __VA_ARGS__); \
+  }
+
 // Visible to the libraries of the program, in the place of the system's.
 #pragma GCC visibility push(default)
 extern "C" {
@@ -232,13 +238,42 @@ using Exhaustion::errorOf;
 using Exhaustion::real;
 using Exhaustion::transfer;
 
-int accept4(int fd, sockaddr* address, socklen_t* bytes, int flags) {
-  return call("accept4", &accept4, fd, address, bytes, flags);
-}
-
-int bind(int fd, sockaddr const* address, socklen_t bytes) noexcept {
-  return call("bind", &bind, fd, address, bytes);
-}
+KEST_HAND_ON(int, accept4, (int fd, sockaddr* address, socklen_t* bytes, int flags), fd, address,
+             bytes, flags)
+KEST_HAND_ON(int, bind, (int fd, sockaddr const* address, socklen_t bytes) noexcept, fd, address,
+             bytes)
+KEST_HAND_ON(int, connect, (int fd, sockaddr const* address, socklen_t bytes), fd, address, bytes)
+KEST_HAND_ON(int, fchmod, (int fd, mode_t mode) noexcept, fd, mode)
+KEST_HAND_ON(int, flock, (int fd, int operation) noexcept, fd, operation)
+KEST_HAND_ON(int, fchown, (int fd, uid_t user, gid_t group) noexcept, fd, user, group)
+KEST_HAND_ON(pid_t, fork, () noexcept)
+KEST_HAND_ON(int, fstat, (int fd, struct stat* file) noexcept, fd, file)
+KEST_HAND_ON(int, getrlimit, (__rlimit_resource_t resource, rlimit* limit) noexcept, resource,
+             limit)
+KEST_HAND_ON(int, getsockopt,
+             (int fd, int level, int option, void* value, socklen_t* bytes) noexcept, fd, level,
+             option, value, bytes)
+KEST_HAND_ON(int, kill, (pid_t pid, int signal) noexcept, pid, signal)
+KEST_HAND_ON(int, listen, (int fd, int backlog) noexcept, fd, backlog)
+KEST_HAND_ON(int, lstat, (char const* path, struct stat* file) noexcept, path, file)
+KEST_HAND_ON(int, pipe2, (int* ends, int flags) noexcept, ends, flags)
+KEST_HAND_ON(int, poll, (pollfd * fds, nfds_t count, int timeout), fds, count, timeout)
+KEST_HAND_ON(ssize_t, read, (int fd, void* data, size_t bytes), fd, data, bytes)
+KEST_HAND_ON(int, remove, (char const* path) noexcept, path)
+KEST_HAND_ON(int, rename, (char const* from, char const* to) noexcept, from, to)
+KEST_HAND_ON(int, setenv, (char const* name, char const* value, int replace) noexcept, name, value,
+             replace)
+KEST_HAND_ON(int, setrlimit, (__rlimit_resource_t resource, rlimit const* limit) noexcept, resource,
+             limit)
+KEST_HAND_ON(int, signalfd, (int fd, sigset_t const* signals, int flags) noexcept, fd, signals,
+             flags)
+KEST_HAND_ON(int, sigprocmask, (int how, sigset_t const* set, sigset_t* old) noexcept, how, set,
+             old)
+KEST_HAND_ON(int, sigwaitinfo, (sigset_t const* signals, siginfo_t* info), signals, info)
+KEST_HAND_ON(int, socket, (int domain, int type, int protocol) noexcept, domain, type, protocol)
+KEST_HAND_ON(int, unlink, (char const* path) noexcept, path)
+KEST_HAND_ON(pid_t, waitpid, (pid_t pid, int* status, int options), pid, status, options)
+KEST_HAND_ON(ssize_t, write, (int fd, void const* data, size_t bytes), fd, data, bytes)
 
 /// The descriptor is gone, whatever is answered.
 int close(int fd) {
@@ -247,14 +282,6 @@ int close(int fd) {
   if (error == 0) return result;
   errno = error;
   return -1;
-}
-
-int connect(int fd, sockaddr const* address, socklen_t bytes) {
-  return call("connect", &connect, fd, address, bytes);
-}
-
-int fchmod(int fd, mode_t mode) noexcept {
-  return call("fchmod", &fchmod, fd, mode);
 }
 
 int fclose(FILE* file) {
@@ -270,23 +297,11 @@ int ferror(FILE* file) noexcept {
   return file == Exhaustion::brokenFile ? 1 : real("ferror", &ferror)(file);
 }
 
-int flock(int fd, int operation) noexcept {
-  return call("flock", &flock, fd, operation);
-}
-
-int fchown(int fd, uid_t user, gid_t group) noexcept {
-  return call("fchown", &fchown, fd, user, group);
-}
-
 FILE* fopen(char const* path, char const* mode) {
   int const error = errorOf("fopen");
   if (error == 0) return real("fopen", &fopen)(path, mode);
   errno = error;
   return nullptr;
-}
-
-pid_t fork() noexcept {
-  return call("fork", &fork);
 }
 
 size_t fread(void* data, size_t size, size_t count, FILE* file) {
@@ -305,44 +320,12 @@ size_t fwrite(void const* data, size_t size, size_t count, FILE* file) {
   return written;
 }
 
-int fstat(int fd, struct stat* file) noexcept {
-  return call("fstat", &fstat, fd, file);
-}
-
-int getrlimit(__rlimit_resource_t resource, rlimit* limit) noexcept {
-  return call("getrlimit", &getrlimit, resource, limit);
-}
-
-int getsockopt(int fd, int level, int option, void* value, socklen_t* bytes) noexcept {
-  return call("getsockopt", &getsockopt, fd, level, option, value, bytes);
-}
-
-int kill(pid_t pid, int signal) noexcept {
-  return call("kill", &kill, pid, signal);
-}
-
-int listen(int fd, int backlog) noexcept {
-  return call("listen", &listen, fd, backlog);
-}
-
-int lstat(char const* path, struct stat* file) noexcept {
-  return call("lstat", &lstat, path, file);
-}
-
 int open(char const* path, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
   mode_t const mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
   return call("open", &open, path, flags, mode);
-}
-
-int pipe2(int* ends, int flags) noexcept {
-  return call("pipe2", &pipe2, ends, flags);
-}
-
-int poll(pollfd* fds, nfds_t count, int timeout) {
-  return call("poll", &poll, fds, count, timeout);
 }
 
 int prctl(int option, ...) noexcept {
@@ -353,42 +336,14 @@ int prctl(int option, ...) noexcept {
   return call("prctl", &prctl, option, argument);
 }
 
-ssize_t read(int fd, void* data, size_t bytes) {
-  return call("read", &read, fd, data, bytes);
-}
-
 ssize_t recv(int fd, void* data, size_t bytes, int flags) {
   return transfer("recv", bytes, 1,
                   [&](size_t now) { return real("recv", &recv)(fd, data, now, flags); });
 }
 
-int remove(char const* path) noexcept {
-  return call("remove", &remove, path);
-}
-
-int rename(char const* from, char const* to) noexcept {
-  return call("rename", &rename, from, to);
-}
-
 ssize_t send(int fd, void const* data, size_t bytes, int flags) {
   return transfer("send", bytes, (bytes + 1) / 2,
                   [&](size_t now) { return real("send", &send)(fd, data, now, flags); });
-}
-
-int setenv(char const* name, char const* value, int replace) noexcept {
-  return call("setenv", &setenv, name, value, replace);
-}
-
-int setrlimit(__rlimit_resource_t resource, rlimit const* limit) noexcept {
-  return call("setrlimit", &setrlimit, resource, limit);
-}
-
-int signalfd(int fd, sigset_t const* signals, int flags) noexcept {
-  return call("signalfd", &signalfd, fd, signals, flags);
-}
-
-int sigprocmask(int how, sigset_t const* set, sigset_t* old) noexcept {
-  return call("sigprocmask", &sigprocmask, how, set, old);
 }
 
 int sigtimedwait(sigset_t const* signals, siginfo_t* info, timespec const* timeout) {
@@ -406,26 +361,6 @@ int sigtimedwait(sigset_t const* signals, siginfo_t* info, timespec const* timeo
   if (Exhaustion::virtualWait() > Exhaustion::longestVirtualWait) return SIGTERM;
   errno = isInterrupted ? EINTR : EAGAIN;
   return -1;
-}
-
-int sigwaitinfo(sigset_t const* signals, siginfo_t* info) {
-  return call("sigwaitinfo", &sigwaitinfo, signals, info);
-}
-
-int socket(int domain, int type, int protocol) noexcept {
-  return call("socket", &socket, domain, type, protocol);
-}
-
-int unlink(char const* path) noexcept {
-  return call("unlink", &unlink, path);
-}
-
-pid_t waitpid(pid_t pid, int* status, int options) {
-  return call("waitpid", &waitpid, pid, status, options);
-}
-
-ssize_t write(int fd, void const* data, size_t bytes) {
-  return call("write", &write, fd, data, bytes);
 }
 
 int clock_gettime(clockid_t clock, timespec* now) noexcept {

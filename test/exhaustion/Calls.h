@@ -6,17 +6,17 @@
 #include <cstddef>
 #include <string>
 
-/// System calls that go wrong on demand. Definitions of the program stand in the place of the C
-/// library's functions, for the libraries too, and hand on to them.
+/// System calls that go wrong on demand. The program's own definitions replace the C library's
+/// functions, for its libraries too, and hand calls on to them.
 namespace Exhaustion {
 
 /// How long a call goes wrong.
 enum class Lasting { once, forGood };
 
-/// As long as this lives the call of that number, from 1, goes wrong in one of the ways that are
-/// plausible for its function, by number from 0; with `forGood` every further call of that function
-/// goes wrong the same way, and where descriptors have run out every call that needs one. One at a
-/// time.
+/// While it lives, the call number `at`, from 1, goes wrong in the way number `way`, from 0, of
+/// those that are plausible for its function. With `forGood`, every later call of that function
+/// goes wrong in the same way, and when descriptors have run out, every call that needs one. One at
+/// a time.
 class FailingCall {
  public:
   FailingCall(std::size_t at, std::size_t way, Lasting lasting) noexcept;
@@ -26,13 +26,13 @@ class FailingCall {
 
   /// Whether a call has gone wrong.
   bool hasCome() const noexcept;
-  /// Whether there was that call but no such way, or none for good.
+  /// Whether there was that call, but the function has no such way to go wrong.
   bool isOutOfWays() const noexcept;
   /// The function that went wrong and how, as in "accept4 EMFILE"; empty before.
   std::string what() const;
 };
 
-/// As long as this lives calls are those of the test: they are not counted and work.
+/// While it lives, calls are the test's own: they work and are not counted.
 class TestsOwnCalls {
  public:
   TestsOwnCalls() noexcept;
@@ -53,7 +53,7 @@ constexpr std::chrono::hours longestVirtualWait{24};
 /// wait for, and the steady clock shows its time as passed; the first waits are interrupted half
 /// way. A SIGTERM comes when they have taken `longestVirtualWait` together.
 void waitsAreVirtual(unsigned interruptions) noexcept;
-/// What such waits have taken together.
+/// The sum of such waits.
 std::chrono::nanoseconds virtualWait() noexcept;
 
 /// Lets each system call of `act(scene)` go wrong in each way, on a scene that `prepare()` makes,
