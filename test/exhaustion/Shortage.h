@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-/// Memory that runs out on demand. The program's allocation functions, which the libraries use too,
-/// are replaced by ones that count and can fail.
+/// Memory that runs out on demand. The program replaces its allocation functions, for its libraries
+/// too, by ones that count and can fail.
 namespace Exhaustion {
 
 /// Allocations that have not been freed; what is kept for the next objects is freed first.
@@ -12,8 +12,8 @@ std::size_t liveAllocations() noexcept;
 /// How long memory is short.
 enum class Lasting { once, forGood };
 
-/// As long as this lives the allocation of that number fails, from 1, and with `forGood` all behind
-/// it; no memory is kept from before. One at a time.
+/// While it lives, the allocation number `at`, from 1, fails, and with `forGood` all after it. One
+/// at a time.
 class Shortage {
  public:
   Shortage(std::size_t at, Lasting lasting);
@@ -25,7 +25,7 @@ class Shortage {
   bool hasCome() const noexcept;
 };
 
-/// As long as this lives there is memory after all, for what belongs to the test.
+/// While it lives, there is memory after all, for the test's own needs.
 class Pause {
  public:
   Pause() noexcept;

@@ -89,7 +89,7 @@ int supervised(RestartDelay delay = RestartDelay()) {
   }
 }
 
-/// What is shown when an agent could be started once, but not again until the SIGTERM.
+/// Expects what is shown when an agent could be started once, but not again before the SIGTERM.
 void expectTriedOn(std::string const& shown) {
   std::string const tried = "kest-slice-agent: the agent cannot be started: fork: ";
   EXPECT_EQ(shown.rfind("first\n", 0), 0U) << shown;

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-/// What a program compiled to count (KEST_COUNT_EDGES) has done: edges of its control flow that it
-/// ran through, loops as often as they went round; and, for what the C library moves and compares,
-/// one for so many bytes as an edge costs.
+/// The work of a program that is compiled to count (KEST_COUNT_EDGES): one for each edge of its
+/// control flow that was run through, and one for every few bytes that the C library moved or
+/// compared.
 namespace Fuzz {
 
 extern std::uint64_t cost;

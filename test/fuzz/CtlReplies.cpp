@@ -5,9 +5,9 @@
 #include "test/fuzz/Fuzz.h"
 #include "text/Escapes.h"
 
-/// What the client shows of replies: an agent of another version may send anything. It is shown, or
-/// found to be of the wrong form (a JSON exception, which the client reports); and nothing but
-/// printable UTF-8 reaches a terminal, a dump's content apart.
+/// Replies that the client shows: an agent of another version may send anything. A reply is shown,
+/// or is of the wrong form (a JSON exception, which the client reports). Apart from dumps, nothing
+/// but printable UTF-8 reaches a terminal.
 namespace {
 
 using namespace Kest::Ctl;

@@ -10,11 +10,11 @@
 
 #include "platform/mox/String8.h"
 
-/// What the fuzzers share. A fuzzer is one function that libFuzzer calls with input after input; it
-/// leaves nothing behind, and ends the process when something does not hold.
+/// Shared by the fuzzers. A fuzzer is one function that libFuzzer calls with input after input. It
+/// leaves nothing behind, and ends the process when a property does not hold.
 namespace Fuzz {
 
-/// Ends the process unless `holds`; `detail` is shown besides.
+/// Ends the process unless `holds`, and shows `detail`.
 inline void require(bool holds, std::string_view what, std::string_view detail = {}) {
   if (holds) return;
   std::fprintf(stderr, "does not hold: %.*s\n%.*s\n", static_cast<int>(what.size()), what.data(),
@@ -22,13 +22,14 @@ inline void require(bool holds, std::string_view what, std::string_view detail =
   std::abort();
 }
 
-/// The same for two texts that should be one.
+/// Ends the process unless the two texts are the same.
 inline void requireSame(std::string_view a, std::string_view b, std::string_view what) {
   if (a == b) return;
   require(false, what, std::string(a) + "\n--\n" + std::string(b));
 }
 
-/// Unless `report` is "FILE:LINE:COLUMN: WHY" with a place in `text`, its end included.
+/// Ends the process unless `report` is "FILE:LINE:COLUMN: WHY", with a place in `text` or at its
+/// end.
 inline void requirePlace(std::string const& report, std::string const& file,
                          std::string_view text) {
   unsigned line = 0, column = 0;
@@ -46,7 +47,7 @@ inline void requirePlace(std::string const& report, std::string const& file,
           report);
 }
 
-/// An input, taken from its front. At its end come zeros.
+/// An input, read from the front. After its end there are zeros.
 class Input {
  public:
   Input(std::uint8_t const* bytes, std::size_t size)
@@ -69,7 +70,7 @@ class Input {
     rest_.remove_prefix(front.size());
     return front;
   }
-  /// What is in front of the next `end`, which is taken too; all if there is none.
+  /// Takes the bytes up to the next `end`, and that too; returns them without it.
   std::string_view takeTo(char end) {
     std::string_view const front = take(rest_.find(end));
     take(1);

@@ -14,8 +14,8 @@
 #include "test/fuzz/Fuzz.h"
 #include "test/fuzz/MachineByName.h"
 
-/// Generic access: whatever is done to whatever by name or number, with whatever index and
-/// argument, is done or refused in the documented ways, and leaves everything whole.
+/// Generic access: any operation on any object, with any index and argument, is carried out or
+/// refused in the documented ways, and leaves the entities whole.
 namespace {
 
 using namespace Hardware::Kest::Slice;
@@ -60,7 +60,8 @@ class Run {
   static constexpr std::size_t mostKept = 24;
   static constexpr std::size_t longestList = 12;
 
-  /// What comes up replaces what is longest there, but for the objects at the front.
+  /// Keeps a value for later steps. When there are enough, it replaces the oldest apart from the
+  /// objects at the front.
   void keep(Generic generic) {
     constexpr std::size_t objects = 3;
     if (generic == nullptr) return;
@@ -139,7 +140,7 @@ class Run {
     keep(std::move(items));
   }
 
-  /// Reads the text form of one thing as another type's; its own type's value is the same again.
+  /// Reads a value's text form as another type; read as its own type it is the same value.
   void text() {
     GenericIf& value = any();
     Mox::MoxType const& type = input_.flag() ? *value.type() : anyType();

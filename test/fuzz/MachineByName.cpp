@@ -19,7 +19,7 @@ using Mox::String8;
 
 namespace {
 
-/// What the driver was last told of devices, "up" or "down", from the lines of its calls.
+/// Lets the driver's devices be up or down as it was last told, by the lines of its calls.
 void follow(Support::Journal& journal, Hardware::Kest::RecordingDriver& driver) {
   for (std::string const& line : journal.taken()) {
     std::size_t const name = line.find("('") + 2;
@@ -45,7 +45,7 @@ bool isState(DeviceState state) {
   return state == DeviceState::deviceStateUp_ || state == DeviceState::deviceStateDown_;
 }
 
-/// What machines may come upon.
+/// All that machines may work on.
 struct World {
   explicit World(std::vector<Generic> const& all)
       : machines(objectsOf<KestSliceDmaSm const>(all)),
@@ -65,7 +65,7 @@ struct World {
     return std::all_of(configs.begin(), configs.end(),
                        [&](auto const& config) { return isState(config->deviceState(devName)); });
   }
-  /// The poll asks the driver, and looks at what was last recorded.
+  /// Whether the driver's answers agree with what is recorded.
   bool survivesPoll() const {
     return std::all_of(statuses.begin(), statuses.end(), [](auto const& status) {
       for (auto it = status->deviceStateIteratorConst(); it; ++it) {
@@ -100,7 +100,7 @@ struct World {
   std::vector<Mox::Ptr<KestSliceDmaStatus const>> statuses;
 };
 
-/// The key that an operation is about: its index, or that of a record.
+/// The key that an operation is about: its index, or the key in a record.
 String8 keyOf(Mox::AttributeOp const& op, GenericIf const* arg) {
   if (auto const* const port = Mox::genericVal<ConfigSwitchPort>(arg)) return port->ifName();
   if (auto const* const device = Mox::genericVal<ConfigDevice>(arg)) return device->devName();

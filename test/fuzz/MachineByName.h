@@ -21,7 +21,7 @@ struct MachineByName {
 
   MachineByName();
 
-  /// What the entities hold can be walked, found and counted alike.
+  /// Ends the process unless walks, lookups and counts of the entities agree.
   void requireWhole() const;
 
   Support::Journal journal;

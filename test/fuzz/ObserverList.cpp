@@ -9,7 +9,7 @@
 #include "test/fuzz/Fuzz.h"
 
 /// An entity's observers, which come, go and change things while they are told, beside a plain
-/// list. The input is a list of operations; a handler goes on with what comes next in it.
+/// list. The input is a list of operations; handlers take theirs from it too.
 namespace {
 
 using Config = Hardware::Kest::Slice::KestSliceDmaConfig;
@@ -35,14 +35,14 @@ class Observer final : public Config::Notifiee {
   std::size_t number_;
 };
 
-/// A delivery that is under way: whom it is to tell, and whom it is telling.
+/// A delivery under way: the observers to tell, and the one that is being told.
 struct Delivery {
   std::string key;
   std::vector<std::size_t> observers;
   std::size_t next = 0;
 };
 
-/// What the plain list knows of an observer.
+/// What the plain list knows about an observer.
 struct Known {
   bool isAlive = false;
   bool isHeld = false;  // by the run
@@ -60,7 +60,7 @@ class Run {
       Fuzz::require(deliveries_.empty(), "a delivery ends");
       Fuzz::require(config_->observers().count() == order_.size(), "the list counts observers");
     }
-    // Whoever is still listed is told of nothing, and may go later.
+    // Observers may outlive the entity.
     config_ = nullptr;
     for (auto& observer : observers_) observer = nullptr;
     for (Known const& known : known_) Fuzz::require(!known.isAlive, "what nobody holds is gone");
@@ -95,7 +95,7 @@ class Run {
   void gone(std::size_t number) { known_[number].isAlive = false; }
 
  private:
-  /// The one who was told lets others go on, and may go.
+  /// The observer that was told is done, and may go.
   void advance() {
     Delivery& delivery = deliveries_.back();
     std::size_t const number = delivery.observers[delivery.next++];
@@ -110,12 +110,12 @@ class Run {
     });
   }
 
-  /// One whom nobody holds leaves the list.
+  /// An observer that nobody holds leaves the list.
   void letGo(std::size_t number) {
     if (!known_[number].isHeld && !isInDelivery(number)) std::erase(order_, number);
   }
 
-  /// Behind the first, whoever is held by the delivery alone is not told.
+  /// Apart from the first, an observer that only the delivery holds is not told.
   void skipReleased() {
     Delivery& delivery = deliveries_.back();
     while (delivery.next > 0 && delivery.next < delivery.observers.size()) {
@@ -126,7 +126,7 @@ class Run {
     }
   }
 
-  /// Does some of what comes next; true: throws.
+  /// Carries out some of the next operations; returns whether to throw.
   bool react() {
     ++reactions_;
     unsigned const steps = reactions_ > mostTold ? 0 : input_.below(4);
@@ -186,7 +186,7 @@ class Run {
     list(number);
   }
 
-  /// Who is registered with the entity is listed, at the end if it was not.
+  /// Lists an observer that is registered with the entity; a new one goes to the end.
   void list(std::size_t number) {
     bool const wanted = known_[number].isRegistered && known_[number].isBound;
     bool const listed = std::find(order_.begin(), order_.end(), number) != order_.end();

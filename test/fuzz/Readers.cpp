@@ -25,7 +25,7 @@ std::string_view withoutBlanks(std::string_view text) {
   return text.substr(std::min(text.find_first_not_of(blanks), text.size()));
 }
 
-/// A walk over a string meets its bytes, in order, and its end.
+/// A walk over a string meets its bytes in order, and its end.
 void walk(String8 const& text) {
   std::string met;
   for (Iterator it = text.begin(); !(it == text.end()); ++it) {
@@ -39,7 +39,7 @@ void walk(String8 const& text) {
   Fuzz::requireSame(met, text.view(), "a walk meets the string's bytes");
 }
 
-/// Reads one value of `T`; where the reader then stands goes to `behind`.
+/// Reads one value of `T`; the reader's position afterwards goes to `behind`.
 template <class T>
 std::optional<T> readOne(String8 const& text, std::size_t& behind) {
   Iterator it = text.begin();
@@ -67,7 +67,7 @@ void readPrintRead(String8 const& text) {
   Fuzz::require(behindForm == form.bytes(), "a printed form is read whole", form.view());
 }
 
-/// The number that the decimal digits at the front of `digits`, `length` of them, make, if it fits.
+/// The number at the front of `digits`, if it fits; it has `length` digits.
 template <class Unsigned>
 std::optional<unsigned long long> plainNumber(std::string_view digits, std::size_t& length) {
   constexpr unsigned long long most = std::numeric_limits<Unsigned>::max();
@@ -108,7 +108,7 @@ void readDouble(String8 const& text) {
   Fuzz::require(behindForm == form.bytes(), "a printed form is read whole", form.view());
 }
 
-/// The string in apostrophes at the front of `text`, escapes undone, and behind it the rest.
+/// The string in apostrophes at the front of `text`, escapes undone. `text` becomes the rest.
 std::optional<std::string> plainString(std::string_view& text) {
   std::string const plain = "\\'ntr", meant = "\\'\n\t\r";
   if (!text.starts_with('\'')) return std::nullopt;
@@ -184,7 +184,7 @@ void readReference(String8 const& text) {
                 form.view());
 }
 
-/// Whether `token` matches at the front of `text`, of which the rest remains.
+/// Whether `token` matches at the front of `text`, which becomes the rest.
 bool matches(std::string_view token, std::string_view& text) {
   for (char const c : token) {
     if (c == ' ') {

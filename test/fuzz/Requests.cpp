@@ -24,7 +24,7 @@ class Conversation {
     if (isWhole) from.asked(idOf(line, request));
     send(from, std::string(line) + (isWhole ? "\n" : ""));
     if (manner_ == 0) awaitReplies(from);
-    // A fault that the machine must not survive is none of the client's doing.
+    // Otherwise a planned fault could end the process at a later request.
     Hardware::Kest::Sim::simDriver().faultsAre("");
   }
 
@@ -38,7 +38,7 @@ class Conversation {
   }
 
  private:
-  /// What follows would not be requests.
+  /// Whether bytes follow that are not requests.
   static bool announcesBytes(json const& request) {
     return request.is_object() && request.contains("bytes");
   }
@@ -49,8 +49,8 @@ class Conversation {
                   : json(json::value_t::discarded);
   }
 
-  /// What exists to end the process: verification where there is something to find, faults that the
-  /// machine must not survive. When others' requests wait, nobody knows what there will be.
+  /// Whether the request may end the process, as it should: a verification that finds something, or
+  /// a fault that the machine must not survive. While other requests wait, nobody can know.
   bool mayEnd(json const& request) const {
     if (!request.is_object()) return false;
     std::string const text = request.dump(-1, ' ', false, json::error_handler_t::replace);

@@ -44,7 +44,7 @@ void call(SimDriver& driver, Fuzz::Input& input) {
 
 }  // namespace
 
-/// What is in front of the first NUL is the file; what follows makes calls.
+/// The file ends at the first NUL; calls are made from the rest.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size) {
   Fuzz::Input input(bytes, size);
   std::string_view const text = input.takeTo('\0');

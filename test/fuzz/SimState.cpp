@@ -5,8 +5,8 @@
 #include "platform/mox/RangeException.h"
 #include "test/fuzz/Fuzz.h"
 
-/// State files of the simulated driver: refused with a place, or read back as they are written,
-/// also as a document with a change.
+/// State files of the simulated driver: each is refused with a place, or read back as it was
+/// written, as a document with changes too.
 namespace {
 
 using namespace Hardware::Kest::Sim;
@@ -19,7 +19,7 @@ void requireReadAsWritten(SliceState const& state) {
   std::string const written = stateText(state);
   Fuzz::require(readAsWritten(written) == state, "a state is read as it was written", written);
 
-  // All that there is as a change of nothing, and the other way round.
+  // Everything as a change of an empty state, and its removal as another.
   Change all, none;
   for (auto const& [name, interface] : state.interfaces.all()) {
     all.interfaces[name] = interface;

@@ -10,13 +10,13 @@
 #include "platform/mox/RangeException.h"
 #include "test/fuzz/Machine.h"
 
-/// What holds of slice files in either format.
+/// Properties of slice files in either format.
 namespace Fuzz {
 
 using Kest::Agent::Changes;
 using Kest::Agent::Slice;
 
-/// No difference between the two, and the same handles.
+/// Requires that the slices do not differ, nor their handles.
 inline void requireSameSlice(Slice const& a, Slice const& b, std::string_view text) {
   Changes const changes = Kest::Agent::changesBetween(*a.config, *b.config);
   require(changes.steps.empty(), "a slice is read as it was written", text);
@@ -28,7 +28,7 @@ inline void requireWrittenAsStatements(Slice const& slice) {
   requireSameSlice(slice, Kest::Agent::parseSlice("written.slice", text), text);
 }
 
-/// Unless the slice has a string that JSON cannot hold.
+/// @param mayRefuse the slice may have a string that JSON cannot hold
 inline void requireWrittenAsJson(Slice const& slice, bool mayRefuse) {
   std::string text;
   try {
@@ -40,8 +40,8 @@ inline void requireWrittenAsJson(Slice const& slice, bool mayRefuse) {
   requireSameSlice(slice, Kest::Agent::parseSlice("written.json", text), text);
 }
 
-/// The process lives when a machine is brought to the slice, is told of everything again, and is
-/// brought back to nothing.
+/// Brings a machine to the slice, announces everything again, and brings it back to nothing: the
+/// process survives.
 inline void requireCarriedOut(Slice const& slice) {
   Machine machine;
   auto const apply = [&](Machine::Config const& wanted) {
@@ -63,7 +63,7 @@ inline void requireCarriedOut(Slice const& slice) {
   require(Hardware::Kest::Sim::simDriver().interfaces().empty(), "no port stays behind");
 }
 
-/// Reads a slice file. One that is taken is checked, and carried out.
+/// Reads a slice file. An accepted one is checked and carried out.
 template <class Check>
 void readSlice(char const* name, std::string_view text, Check const& check) {
   bool taken = false;

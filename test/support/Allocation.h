@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// The allocation functions of the whole program, which its libraries use too, replaced. Whoever
+/// Replaces the allocation functions of the whole program, its libraries included. A program that
 /// links Allocation.cpp defines these two.
 namespace Test {
 

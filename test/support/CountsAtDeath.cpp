@@ -1,10 +1,10 @@
 #include <csignal>
 
-/// Part of every program and library of a build that counts what runs: a process that a signal ends
-/// would take its counts along. Each library has counts of its own, so each adds itself before the
-/// others.
+/// Part of every program and library of a coverage build: without it, a process that a signal ends
+/// would lose its counts. Each library has counts of its own, so each adds a handler before the
+/// others'.
 
-/// Hidden, so that each library takes the one that writes its own counts.
+/// Hidden, so that each library calls the one that writes its own counts.
 extern "C" [[gnu::visibility("hidden")]] void __gcov_dump();
 
 namespace {

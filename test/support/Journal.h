@@ -9,8 +9,8 @@ namespace Support {
 
 using Lines = std::vector<std::string>;
 
-/// What happened during a test, in order, one line each, whoever wrote it: the order between a
-/// driver call, a pause, a trace and a change of the status shows in one place.
+/// What happened during a test, in order, a line each. Driver calls, pauses, traces and changes of
+/// the status are in one journal, so that their order shows.
 class Journal {
  public:
   void add(std::string line) {
@@ -21,7 +21,7 @@ class Journal {
   /// The lines since the last time.
   Lines taken() { return std::exchange(lines_, {}); }
 
-  /// Also writes each line to standard error: the only trace that a process leaves that ends.
+  /// Also writes each line to standard error, where it outlives a process that ends.
   void echoIs(bool echo) { echo_ = echo; }
 
  private:

@@ -9,9 +9,9 @@
 
 namespace Support {
 
-/// The hash of strings is known and can be turned back: whoever chooses keys chooses their hashes.
-/// These are such keys: 16 printable characters without apostrophes, quotation marks and
-/// backslashes, the first eight of them the same.
+/// Keys of chosen hashes: the hash of strings is known and can be inverted. A key has 16 printable
+/// characters without apostrophes, quotation marks and backslashes; the first eight are the same in
+/// all.
 class KeysOfHash {
  public:
   /// @param start of all keys, eight characters
@@ -44,7 +44,7 @@ class KeysOfHash {
  private:
   static constexpr std::size_t bytes = 16;
 
-  /// Of an odd number, modulo 2^64.
+  /// The inverse of an odd number, modulo 2^64.
   static constexpr std::uint64_t inverse(std::uint64_t number) {
     std::uint64_t found = number;  // right in three bits; each step doubles them
     for (int step = 0; step < 5; ++step) found *= 2 - number * found;

@@ -9,7 +9,7 @@
 namespace Support {
 
 /// Time that passes only when it is told to, for the whole process: `Mox::now()`, `time()` and
-/// `usleep()`, which passes at once and is written down as "usleep(MICROSECONDS)".
+/// `usleep()`. The latter returns at once and is written down as "usleep(MICROSECONDS)".
 ///
 /// One at a time. While there is none `time()` and `Mox::now()` are real, and `usleep()` ends the
 /// program: no test sleeps.
@@ -26,7 +26,7 @@ class VirtualTime {
 
   /// Whole seconds of wall-clock time.
   std::time_t time() const noexcept;
-  /// Somebody sets the wall clock; `Mox::now()` does not notice.
+  /// Sets the wall clock forward; `Mox::now()` does not notice.
   void wallClockJump(std::time_t seconds) noexcept { wallClock_ += seconds; }
 
   void pause(unsigned microseconds);

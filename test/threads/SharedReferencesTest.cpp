@@ -26,8 +26,8 @@ void atOnce(std::vector<Work> const& works) {
   for (std::thread& thread : threads) thread.join();
 }
 
-/// Does `first` in one thread and then `second` in another. The hand-over orders nothing that they
-/// do to memory; only what they share can.
+/// Does `first` in one thread and then `second` in another. The hand-over does not order their
+/// memory accesses; only what they share can.
 void inTurn(Work const& first, Work const& second) {
   std::atomic<bool> done = false;
   atOnce({[&] {
@@ -167,13 +167,13 @@ TEST_F(SharedReferencesTest, KeepAnObjectThatIsToldWhileItsLastObserverLetsGo) {
   EXPECT_EQ(tally.gone, rounds);
 }
 
-TEST_F(SharedReferencesTest, DestroyAnObjectBehindWhatOtherThreadsDidWithIt) {
+TEST_F(SharedReferencesTest, DestroyAnObjectAfterWhatOtherThreadsDidWithIt) {
   destroyObjectInTurn(tally);
   EXPECT_EQ(tally.gone, 1);
   EXPECT_EQ(tally.visits, 1);
 }
 
-TEST_F(SharedReferencesTest, FreeAStringBehindWhatOtherThreadsReadOfIt) {
+TEST_F(SharedReferencesTest, FreeAStringAfterWhatOtherThreadsReadOfIt) {
   freeStringInTurn();
 }
 
@@ -205,7 +205,7 @@ TEST_F(SharedReferencesTest, LetEachThreadMakeAdapters) {
 }
 
 #ifdef __SANITIZE_THREAD__
-// That the cases above would be reported if counts were plain, as they are with the switch off.
+// With the switch off counts are plain, and the cases above would be reported.
 class PlainReferencesDeathTest : public ::testing::Test {
  protected:
   PlainReferencesDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
