@@ -52,6 +52,7 @@ void tracePort(detail::Handler const& handler, unsigned lineNumber, Mox::String 
 
 }  // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): a handler has its key by value
 void KestSliceDmaSm::handleSwitchPort(Mox::String ifName) {
   auto const self = kept();
   auto const config = this->config();
