@@ -14,8 +14,9 @@ namespace Kest::Bench {
 /// The record that the library keeps of `port`.
 inline Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort recordOf(Port const& port) {
   return Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort(
-      {Mox::String8(port.ifName), Mox::String8(port.devName), port.destId, port.shadowIntfId,
-       port.trafficClass, port.fapNum, port.ctrl, port.hwLag, Pelk::EthAddr(port.macAddr)});
+      {Mox::String8(port.ifName), port.destId, port.shadowIntfId, port.trafficClass,
+       Mox::String8(port.devName), port.fapNum, port.ctrl, port.hwLag,
+       Pelk::EthAddr(port.macAddr)});
 }
 
 /// Observer that counts what it is told.

@@ -4,11 +4,15 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 
-/// How an operation is measured, whatever it is measured in. The same work is built into programs
-/// that take its time (Timed.cpp: kest_bench) or have its instructions counted (Counted.cpp:
-/// kest_instructions, and kest_bench_counted with the rivals').
+/// How an operation is measured. The same work is timed, or has its instructions counted
+/// (`Main.cpp`).
 namespace Kest::Bench {
+
+/// Which time counts: that of the process alone, or all that passes, for work that waits for other
+/// processes.
+enum class Time { own, passing };
 
 /// The compiler takes `value` for used.
 template <class T>
@@ -16,71 +20,66 @@ void keep(T const& value) {
   asm volatile("" : : "r,m"(value) : "memory");
 }
 
-/// One run of an operation, which iterates over it so often:
-///
-///     for (auto _ : run) operation();
-///
-/// That loop is measured, without what comes before and after it, or only the parts of it that the
-/// work names by `part`, as it was registered.
+/// One run of a benchmark, which does its operation so many times. What it does outside `part` and
+/// `repeat` is not measured.
 class Run {
  public:
-  explicit Run(std::uint64_t iterations) : iterations_(iterations) {}
-  Run(Run const&) = delete;
-  Run& operator=(Run const&) = delete;
-  virtual ~Run() = default;
-
-  struct [[maybe_unused]] Iteration {};
-
-  class Iterator {
-   public:
-    Iterator(Run& run, std::uint64_t left) : run_(run), left_(left) {}
-    Iteration operator*() const { return {}; }
-    void operator++() { --left_; }
-    bool operator!=(Iterator const& /*end*/) const {
-      if (left_ > 0) return true;
-      run_.loopEnds();
-      return false;
-    }
-
-   private:
-    Run& run_;
-    std::uint64_t left_;
-  };
-
-  Iterator begin() {
-    loopStarts();
-    return {*this, iterations_};
-  }
-  Iterator end() { return {*this, 0}; }
-
-  template <class Work>
-  void part(Work const& work) {
-    partStarts();
-    work();
-    partEnds();
-  }
-
+  Run(std::uint64_t iterations, Time time) : iterations_(iterations), time_(time) {}
   std::uint64_t iterations() const { return iterations_; }
 
-  /// Says that an iteration does so many operations, instead of one.
-  virtual void operationsAre(std::size_t operations) = 0;
-  /// Says, after the loop, that what was measured was not done.
-  virtual void fail(char const* why) = 0;
+  /// Measures `work`. Several parts add up.
+  template <class Work>
+  void part(Work const& work) {
+    start();
+    work();
+    stop();
+  }
+
+  /// Measures `operation`, done so many times as there are iterations.
+  template <class Operation>
+  void repeat(Operation const& operation) {
+    part([&] {
+      for (std::uint64_t left = iterations_; left > 0; --left) operation();
+    });
+  }
+
+  /// An iteration does so many operations, instead of one.
+  void operationsAre(std::size_t each) { each_ = each; }
+  /// What was measured was not done.
+  void fail(std::string why) { failure_ = std::move(why); }
+  /// The result is this figure for each operation, and not a time.
+  void figureIs(double figure) { figure_ = figure; }
+
+  std::uint64_t operations() const { return iterations_ * each_; }
+  std::string const& failure() const { return failure_; }
+  double seconds() const { return seconds_; }
+  bool isFigure() const { return figure_ > 0; }
+  /// Nanoseconds for each operation, or the figure that was given.
+  double result() const {
+    return isFigure() ? figure_ : seconds_ * 1e9 / static_cast<double>(operations());
+  }
 
  private:
-  virtual void loopStarts() = 0;
-  virtual void loopEnds() = 0;
-  virtual void partStarts() = 0;
-  virtual void partEnds() = 0;
+  void start();
+  void stop();
 
   std::uint64_t iterations_;
+  Time time_;
+  std::uint64_t each_ = 1;
+  std::string failure_;
+  double startedAt_ = 0;
+  double seconds_ = 0;
+  double figure_ = 0;
 };
 
-/// What of a run is measured. There is at most one part in an iteration.
-enum class Measured { loop, part };
-
-/// Registers `work` as ROW/VARIANT/WHO. Each program has its own.
+/// Registers `work` as ROW/VARIANT/WHO.
 void measure(std::string const& row, std::string const& variant, char const* who,
-             std::function<void(Run&)> work, Measured measured = Measured::loop);
+             std::function<void(Run&)> work, Time time = Time::own);
+
+/// Each registers the rows of the table that it measures: what the library does, what is done
+/// beside it, and requests of a client to the agent and to a Redis server.
+void measureOurs();
+void measurePeers();
+void measureRequests();
 
 }  // namespace Kest::Bench

@@ -1,5 +1,7 @@
 #include "bench/Workload.h"
 
+#include <malloc.h>
+
 #include <iomanip>
 #include <numeric>
 #include <random>
@@ -20,8 +22,14 @@ constexpr std::uint32_t changedBit = 1U << 16;  // no destination of `portsOf` h
 constexpr std::size_t lanes = 4;
 constexpr std::size_t portsOfASlot = 36;
 
-/// As in `et3/12/1`.
-std::string keyOf(std::size_t number) {
+/// A key of so many characters, as in `e0000f`; as in `et3/12/1` for 0.
+std::string keyOf(std::size_t number, std::size_t length) {
+  if (length > 0) {
+    std::ostringstream key;
+    key << 'e' << std::hex << std::setfill('0') << std::setw(static_cast<int>(length - 1))
+        << number;
+    return key.str();
+  }
   std::size_t const port = number / lanes;
   return "et" + std::to_string(1 + port / portsOfASlot) + "/" +
          std::to_string(1 + port % portsOfASlot) + "/" + std::to_string(1 + number % lanes);
@@ -45,7 +53,7 @@ std::vector<Port> portsOf(Shape shape) {
   std::vector<Port> ports(shape.keys);
   for (std::size_t i = 0; i < ports.size(); ++i) {
     Port& port = ports[i];
-    port.ifName = keyOf(i);
+    port.ifName = keyOf(i, shape.keyLength);
     port.destId = below(1U << (8 + below(9)));
     port.shadowIntfId = below(12) == 0 ? below(4096) : 4096;
     port.trafficClass = below(8);
@@ -56,6 +64,11 @@ std::vector<Port> portsOf(Shape shape) {
     for (auto& octet : port.macAddr) octet = static_cast<std::uint8_t>(below(256));
   }
   return ports;
+}
+
+std::size_t heapBytes() {
+  auto const info = mallinfo2();
+  return info.uordblks + info.hblkhd;
 }
 
 Port changed(Port port) {

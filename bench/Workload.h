@@ -26,17 +26,20 @@ struct Port {
   friend bool operator==(Port const&, Port const&) = default;
 };
 
-inline constexpr std::size_t portFields = 9;
-
-/// How large a collection is, and how long its device names are: 11 characters, which a
-/// `std::string` holds without an allocation, or 32, which it does not.
+/// How large a collection is, how long its device names are (11 characters, which a `std::string`
+/// holds without an allocation, or 32, which it does not), and how long its keys: by default as
+/// long as in `et3/12/1`.
 struct Shape {
   std::size_t keys;
-  std::size_t nameLength;
+  std::size_t nameLength = 11;
+  std::size_t keyLength = 0;
 
   friend auto operator<=>(Shape const&, Shape const&) = default;
 
-  std::string text() const { return std::to_string(nameLength) + "@" + std::to_string(keys); }
+  std::string text() const {
+    std::size_t const length = keyLength > 0 ? keyLength : nameLength;
+    return std::to_string(length) + "@" + std::to_string(keys);
+  }
 };
 
 inline constexpr Shape shortNames{1000, 11};
@@ -47,6 +50,9 @@ inline constexpr Shape manyLongNames{100000, 32};
 /// The records of a collection, each with a key and a device name of its own and with other values
 /// than its neighbours. Always the same ones.
 std::vector<Port> portsOf(Shape shape);
+
+/// Bytes of the heap that are taken, with what the allocator adds.
+std::size_t heapBytes();
 
 /// The same port with one field changed; changed again it is as it was.
 Port changed(Port port);

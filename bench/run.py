@@ -8,244 +8,180 @@ import re
 import statistics
 import subprocess
 import sys
+import tempfile
+import time
 from collections import defaultdict
+from contextlib import contextmanager
 from datetime import datetime, timezone
 from pathlib import Path
 
-import distances
-import growth
-import present
 from table import LINES
 
 ROWS = sorted({line.row for line in LINES})
-GROWTH = "growth"
-DISTANCES = "distances"
-CALL_BY_VALUE = "limit/virtual call, string by value/limit"
 ROOT = Path(__file__).resolve().parent.parent
-PAUSE_SECONDS = 0.1  # after each port that is created
-LOADS = 41
-AGENT_RUNS = 3
+BUILD = ROOT / "build/bench"
+BENCH = BUILD / "bin/kest_bench"
+RESULTS = BUILD / "results.json"
+DOCUMENT = ROOT / "doc/performance.md"
+TABLE = re.compile(r"(<!-- table: [^\n]* -->\n).*(<!-- end of table -->\n)", re.DOTALL)
+REPETITIONS = 31  # of which the median is taken
+SECONDS = 0.02  # that each takes
+HEADS = ["", "operation", "ours", "+-", "beside", "ratio", "target", ""]
 
 
 def arguments():
     parser = argparse.ArgumentParser(
         prog="scripts/bench",
-        description="Measures the library beside what its users would otherwise build on.")
-    parser.add_argument("rows", nargs="*", metavar="ROW", help="rows of the table, a to m; or growth, which draws doc/growth.svg; or "
-                             "distances, which counts what lies between the library and its rivals")
-    parser.add_argument("--filter", metavar="REGEX", default="",
-                        help="only benchmarks whose name, ROW/VARIANT/WHO, matches")
-    parser.add_argument("--json", metavar="FILE", type=Path, help="where the table is written")
+        description="Measures the library beside what its users would otherwise build on. The table is "
+                    f"written to {RESULTS.relative_to(ROOT)} too.")
+    parser.add_argument("rows", nargs="*", metavar="ROW", help=f"of the table: {' '.join(ROWS)}")
     parser.add_argument("--markdown", action="store_true",
-                        help="writes the table into doc/performance.md too")
-    parser.add_argument("--repetitions", metavar="N", type=int,
-                        help="of which the medians are taken (31; for growth 7)")
-    parser.add_argument("--seconds", metavar="S", type=float, default=0.02,
-                        help="that a repetition takes at least (0.02)")
-    parser.add_argument("--build", type=Path, default=ROOT / "build/bench", help=argparse.SUPPRESS)
+                        help="writes the whole table into doc/performance.md too")
+    parser.add_argument("--agent", metavar="FILE", type=Path, default=BUILD / "bin/kest-slice-agent",
+                        help="the agent that requests are sent to, to compare it with another one")
     options = parser.parse_args()
-    unknown = set(options.rows) - set(ROWS)
-    if unknown and options.rows not in ([GROWTH], [DISTANCES]):
+    if unknown := set(options.rows) - set(ROWS):
         parser.error(f"no such row: {' '.join(sorted(unknown))}")
-    if options.markdown and options.rows != [DISTANCES] and (options.rows or options.filter):
-        parser.error("--markdown is for a whole table")
-    # Memory that others use too is slower in one second than in the next, so there are many short
-    # repetitions; to set up a million keys for each would take too long.
-    options.repetitions = options.repetitions or (7 if options.rows == [GROWTH] else 31)
-    options.json = options.json or options.build / "results.json"
+    if options.markdown and options.rows:
+        parser.error("--markdown is for the whole table")
     return options
 
 
-class Samples:
-    """What was measured, by name (ROW/VARIANT/WHO)."""
-
-    def __init__(self, options):
-        self.options = options
-        self.of = defaultdict(list)
-
-    def wanted(self, name):
-        row = name.partition("/")[0]
-        return (not self.options.rows or row in self.options.rows) and \
-            re.search(self.options.filter, name)
-
-    def add(self, name, value):
-        if self.wanted(name):
-            self.of[name].append(value)
-
-    def median(self, name):
-        return statistics.median(self.of[name]) if name in self.of else None
-
-    def noise(self, name):
-        """Half the distance of the quartiles, as a part of the median."""
-        values = self.of.get(name, [])
-        if len(values) < 4 or not statistics.median(values):
-            return None
-        low, median, high = statistics.quantiles(values, n=4)
-        return (high - low) / 2 / median
+def output(*command, **settings):
+    return subprocess.run([str(part) for part in command], check=True, stdout=subprocess.PIPE, text=True,
+                          cwd=ROOT, **settings).stdout
 
 
-def output(*command):
-    return subprocess.run([str(part) for part in command], check=True, stdout=subprocess.PIPE,
-                          text=True, cwd=ROOT).stdout
+def measure(names, environment=None):
+    """The results of benchmarks, by name, in a process of their own: others would leave another heap.
+    They are measured together, as a machine that others use too has another speed a minute later."""
+    lines = output(BENCH, "time", SECONDS, REPETITIONS, *names,
+                   env=os.environ | (environment or {})).splitlines()
+    return {name: [float(result) for result in results]
+            for name, *results in (line.split("\t") for line in lines)}
 
 
-def limits_of(row):
-    limits = {f"limit/{line.limit}/limit" for line in LINES if line.row == row and line.limit}
-    return limits | {CALL_BY_VALUE} if row == "c" else limits
+@contextmanager
+def server(command, log, **settings):
+    with log.open("w", encoding="utf-8") as file:
+        process = subprocess.Popen([str(part) for part in command], stdout=file, stderr=file, **settings)
+    try:
+        yield process
+    finally:
+        process.terminate()
+        process.wait()
 
 
-def run_benchmarks(options, row, names):
-    """Runs them in a process of their own, in turn and in no order; returns what it reports."""
-    report = options.build / f"times-{row}.json"
-    every = "|".join(re.sub(r"([.+*?()])", r"\\\1", name) for name in names)
-    with report.with_suffix(".log").open("w", encoding="utf-8") as log:
-        subprocess.run(
-            [options.build / "bin/kest_bench", f"--benchmark_filter=^({every})$",
-             "--benchmark_enable_random_interleaving",
-             f"--benchmark_repetitions={options.repetitions}",
-             f"--benchmark_min_time={options.seconds}",
-             f"--benchmark_out={report}", "--benchmark_out_format=json"],
-            check=True, stdout=log, stderr=log, cwd=ROOT)
-    runs = json.loads(report.read_text(encoding="utf-8"))["benchmarks"]
-    return [run for run in runs if run["run_type"] == "iteration"]
+def wait_until(condition, what):
+    for _ in range(300):
+        if condition():
+            return
+        time.sleep(0.1)
+    sys.exit(f"{what} is not ready after half a minute")
 
 
-def measure(options, samples, group, names):
-    """Nanoseconds of an operation, in a process of their own, so that the benchmarks of a group do
-    not find the heap as another one has left it."""
-    for run in run_benchmarks(options, group, names):
-        if run.get("error_occurred"):
-            sys.exit(f"{run['name']}: {run['error_message']}")
-        manual = run["run_name"].endswith("/manual_time")
-        time = run["real_time"] if manual else run["cpu_time"]
-        samples.of[run["run_name"].removesuffix("/manual_time")].append(
-            time / run.get("operations", 1))
+def most_resident(process):
+    """KiB of memory that the process has had at once."""
+    status = Path(f"/proc/{process.pid}/status").read_text(encoding="utf-8")
+    return float(re.search(r"VmHWM:\s*(\d+)", status).group(1))
 
 
-def measurable(options, row):
-    listed = output(options.build / "bin/kest_bench", "--benchmark_list_tests").splitlines()
-    return [name for name in listed if name.startswith(f"{row}/")]
+def measure_requests(agent_program, names):
+    """Both servers keep nothing on disk but the agent's log."""
+    with tempfile.TemporaryDirectory() as folder:
+        sockets = {"KEST_BENCH_AGENT": f"{folder}/agent", "KEST_BENCH_REDIS": f"{folder}/redis"}
+        agent_log = Path(folder, "agent.log")
+        agent_command = [agent_program, "--control", sockets["KEST_BENCH_AGENT"],
+                         ROOT / "examples/full.slice"]
+        redis_command = ["/usr/bin/redis-server", "--port", "0", "--save", "", "--appendonly", "no",
+                         "--unixsocket", sockets["KEST_BENCH_REDIS"]]
+        with server(agent_command, agent_log) as agent, \
+                server(redis_command, Path(folder, "redis.log"), cwd=folder) as redis:
+            wait_until(lambda: "announced" in agent_log.read_text(encoding="utf-8"), "the agent")
+            wait_until(Path(sockets["KEST_BENCH_REDIS"]).exists, "redis-server")
+            results = measure(names, sockets)
+            return results | {"r/memory/ours": [most_resident(agent)],
+                              "r/memory/redis": [most_resident(redis)]}
 
 
-def compared(names):
-    """Groups of what is compared with each other, by a name of the group: measured within seconds, as
-    a machine that others use too has another speed a minute later."""
+def measure_all(options):
     groups = defaultdict(list)
-    for name in names:
+    for name in output(BENCH, "list").splitlines():
         row, variant = name.split("/")[:2]
-        together = row == "c"  # what a further observer costs is a difference of two variants
-        groups[row if together else re.sub(r"\W", "-", f"{row}-{variant}")].append(name)
-    return groups
+        if row in (options.rows or ROWS):
+            groups["r" if row == "r" else f"{row}/{variant}"].append(name)
+    results = {}
+    for group, names in groups.items():
+        results |= measure_requests(options.agent, names) if group == "r" else measure(names)
+    return results
 
 
-def measure_times(options, samples):
-    for row in ROWS:
-        names = [name for name in measurable(options, row)
-                 if samples.wanted(name.removesuffix("/manual_time"))]
-        for group, members in compared(names).items():
-            measure(options, samples, group, members + sorted(limits_of(row)))
+def noise(values):
+    """Half the distance of the quartiles, as a part of the median."""
+    if len(values) < 4:
+        return None
+    low, median, high = statistics.quantiles(values, n=4)
+    return (high - low) / 2 / median
 
 
-def measure_growth(options, samples):
-    """A curve's point at a time: a million keys take a gigabyte."""
-    points = {name.rpartition("/")[0] for name in measurable(options, GROWTH)}
-    for point in sorted(points):
-        names = [f"{point}/{store}" for store in growth.STORES]
-        measure(options, samples, re.sub(r"\W", "-", point), names)
-
-
-def derive(samples):
-    """What each observer after the eighth costs: the difference to 64, shared out."""
-    for name in [name for name in samples.of if name.startswith("c/k=64/")]:
-        who = name.rpartition("/")[2]
-        few = samples.median(f"c/k=8/{who}")
-        if few is not None:
-            samples.of[f"c/further/{who}"] = [(samples.median(name) - few) / (64 - 8)]
-    if "c/further/ours" in samples.of:
-        samples.of["c/further/limit"] = samples.of["limit/virtual call/limit"]
-        samples.of["c/further/call with a key by value"] = samples.of[CALL_BY_VALUE]
-
-
-def measure_heap(options, samples):
-    if not options.rows or set(options.rows) & {"b", "k"}:
-        for count in json.loads(output(options.build / "bin/bench_heap")):
-            samples.add(count["name"], count["value"])
-
-
-def measure_agent(options, samples):
-    if not any(samples.wanted(f"m/{what}/ours") for what in ("processor time", "resident", "load")):
-        return
-    binaries = options.build / "bin"
-    slice_file = ROOT / "examples/full.slice"
-    ports = sum(line.startswith("switchPort ")
-                for line in slice_file.read_text(encoding="utf-8").splitlines())
-    for _ in range(AGENT_RUNS):
-        processor, wall, kibibytes = map(float, output(
-            binaries / "bench_agent_run", binaries / "kest-slice-agent", "--once",
-            slice_file).split())
-        pauses = ports * PAUSE_SECONDS
-        if wall < pauses:
-            sys.exit(f"the agent took {wall} s, less than its pauses")
-        samples.add("m/processor time/ours", 100 * processor / pauses)
-        samples.add("m/resident/ours", kibibytes / 1024)
-    for _ in range(LOADS):
-        samples.add("m/load/ours", 1000 * float(output(
-            binaries / "bench_load", options.build / "lib/libkest-slice-dma.so")))
-
-
-def judged(line, samples):
+def judged(line, results):
     """One line of the table; none when it was not measured."""
     prefix = f"{line.row}/{line.variant}/"
-    ours = samples.median(prefix + "ours")
-    if ours is None:
+    of = {name.removeprefix(prefix): values for name, values in results.items() if name.startswith(prefix)}
+    if not of:
         return None
-    peers = {name.removeprefix(prefix): samples.median(name) for name in samples.of
-             if name.startswith(prefix) and name.rpartition("/")[2] not in ("ours", "limit")}
-    limit = samples.median(f"limit/{line.limit}/limit")
-    against = samples.median(prefix + line.against) if line.against else 1
-    if against is None:
-        return None
-    ratio = ours / against
-    return {
-        "row": line.row, "variant": line.variant, "operation": line.operation, "unit": line.unit,
-        "ours": ours, "noise": samples.noise(prefix + "ours"), "peers": peers,
-        "limit": {"of": line.limit, "value": limit} if limit is not None else None,
-        "against": line.against or None, "ratio": ratio if line.against else None,
-        "target": line.target, "met": ratio <= line.target,
-    }
+    medians = {who: statistics.median(values) for who, values in of.items()}
+    ours = medians.pop("ours")
+    ratio = ours / medians[line.against]
+    return {"row": line.row, "operation": line.operation, "unit": line.unit, "ours": ours,
+            "noise": noise(of["ours"]), "peers": medians, "against": line.against, "ratio": ratio,
+            "target": line.target, "met": ratio <= line.target}
 
 
-def surroundings():
-    cpu = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text(encoding="utf-8"))
-    return {
-        "date": datetime.now(timezone.utc).isoformat(timespec="seconds"),
-        "processor": cpu.group(1) if cpu else "unknown",
-        "processors": os.cpu_count(),
-        "load": os.getloadavg()[0],
-    }
+def number(value):
+    return f"{value:.0f}" if value >= 1000 else f"{value:.3g}"
+
+
+def cells(result):
+    return [result["row"], result["operation"], f"{number(result['ours'])} {result['unit']}",
+            f"{result['noise']:.0%}" if result["noise"] is not None else "",
+            ", ".join(f"{name} {number(value)}" for name, value in sorted(result["peers"].items())),
+            f"{result['ratio']:.2f} x {result['against']}", f"{result['target']:g}",
+            "met" if result["met"] else "NOT MET"]
+
+
+def show(rows):
+    widths = [max(map(len, column)) for column in zip(*rows)]
+    for row in rows:
+        print("  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip())
+
+
+def write_document(rows, summary):
+    heads, *others = rows
+    lines = [f"| {' | '.join(row)} |" for row in [heads, ["---"] * len(heads), *others]]
+    table = "\n".join(["", *lines, "", summary, "", ""])
+    text, found = TABLE.subn(lambda marks: marks.group(1) + table + marks.group(2),
+                             DOCUMENT.read_text(encoding="utf-8"))
+    if not found:
+        sys.exit(f"{DOCUMENT} has no place for the table")
+    DOCUMENT.write_text(text, encoding="utf-8")
 
 
 def main():
     options = arguments()
-    samples = Samples(options)
-    if options.rows == [DISTANCES]:
-        distances.show(options.build, options.markdown)
-        return
-    if options.rows == [GROWTH]:
-        measure_growth(options, samples)
-        growth.draw({name: samples.median(name) for name in samples.of})
-        return
-    machine = surroundings()
-    measure_times(options, samples)
-    derive(samples)
-    measure_heap(options, samples)
-    measure_agent(options, samples)
-    results = [result for line in LINES if (result := judged(line, samples))]
-    if not results:
-        sys.exit("nothing was measured that the table judges")
-    present.show(results, machine, options.markdown)
-    options.json.write_text(json.dumps({"machine": machine, "rows": results}, indent=1) + "\n",
-                            encoding="utf-8")
+    cpu = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text(encoding="utf-8"))
+    load = os.getloadavg()[0]
+    measured = measure_all(options)
+    results = [result for line in LINES if (result := judged(line, measured))]
+    summary = (f"{sum(result['met'] for result in results)} of {len(results)} targets met; "
+               f"{cpu.group(1) if cpu else 'unknown processor'}, load {load:.1f} on {os.cpu_count()} "
+               f"processors at the start, {datetime.now(timezone.utc):%Y-%m-%d}.")
+    rows = [HEADS, *map(cells, results)]
+    show(rows)
+    print(f"\n{summary}")
+    RESULTS.write_text(json.dumps({"summary": summary, "rows": results}, indent=1) + "\n", encoding="utf-8")
+    if options.markdown:
+        write_document(rows, summary)
 
 
 if __name__ == "__main__":

@@ -19,8 +19,8 @@ test_packages=(
 # What the benchmarks are built with and compared with; nothing else needs them.
 # shellcheck disable=SC2034
 bench_packages=(
-  "${build_packages[@]}" ccache python3 gnuplot-nox libbenchmark-dev libabsl-dev libboost-dev
-  libsigc++-3.0-dev libfmt-dev rapidjson-dev libsimdjson-dev libprotobuf-dev protobuf-compiler)
+  "${build_packages[@]}" ccache python3 valgrind libabsl-dev libboost-dev libfmt-dev libsimdjson-dev
+  redis-server)
 
 # The process ends with MESSAGE on standard error.
 fail() {

@@ -71,7 +71,6 @@ class MapStore {
     }
   }
 
-  std::size_t count() const { return map_.size(); }
   std::uint64_t changeCount() const { return changeCount_; }
   std::uint64_t lookupCount() const { return lookupCount_; }
 
@@ -84,12 +83,6 @@ class MapStore {
     }
   }
   std::vector<std::uint64_t> const& told() const { return told_; }
-
-  /// An observer of the caller's own.
-  template <class Told>
-  void observerAdd(Told told) {
-    observers_.add(std::move(told), [] {});
-  }
 
  private:
   void changed(Key const& key) {

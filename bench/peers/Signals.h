@@ -1,6 +1,5 @@
 #pragma once
 
-#include <sigc++/sigc++.h>
 #include <boost/signals2/dummy_mutex.hpp>
 #include <boost/signals2/signal_type.hpp>
 #include <functional>
@@ -46,20 +45,6 @@ class BoostSignal {
  private:
   using Mutex = boost::signals2::keywords::mutex_type<boost::signals2::dummy_mutex>;
   boost::signals2::signal_type<void(std::string const&), Mutex>::type signal_;
-};
-
-/// sigc++.
-class SigcSignal {
- public:
-  template <class Told, class Failed>
-  void add(Told told, Failed failed) {
-    signal_.connect(ContainedSlot{std::move(told), std::move(failed)});
-  }
-  void clear() { signal_.clear(); }
-  void tell(std::string const& key) { signal_.emit(key); }
-
- private:
-  sigc::signal<void(std::string const&)> signal_;
 };
 
 }  // namespace Kest::Bench

@@ -1,8 +1,27 @@
 #include <simdjson.h>
 
+#include <charconv>
+#include <stdexcept>
+
 #include "bench/peers/Texts.h"
 
 namespace Kest::Bench {
+
+namespace {
+
+/// Reads "00:1c:73:0a:0b:0c"; `std::invalid_argument` otherwise.
+std::array<std::uint8_t, 6> macAddrOf(std::string_view text) {
+  std::array<std::uint8_t, 6> octets{};
+  if (text.size() != 17) throw std::invalid_argument("no MAC address");
+  for (std::size_t i = 0; i < octets.size(); ++i) {
+    char const* const at = text.data() + 3 * i;
+    bool const isRead = std::from_chars(at, at + 2, octets[i], 16).ptr == at + 2;
+    if (!isRead || (i > 0 && at[-1] != ':')) throw std::invalid_argument("no MAC address");
+  }
+  return octets;
+}
+
+}  // namespace
 
 struct SimdJsonReader::Parser : simdjson::ondemand::parser {};
 
