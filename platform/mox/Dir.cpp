@@ -67,12 +67,10 @@ void Dir::entityIs(Ptr<Entity> const& entity) {
 }
 
 Ptr<Entity> Dir::entityDel(Name const& name) {
-  auto const place = members_.place(name.string());
-  if (place.entry() == nullptr) return nullptr;
-  Ptr<Entity> gone = place.entry()->entity();
-  members_.remove(place);
-  gone->parent_ = nullptr;
-  return gone;
+  Ptr<Member> const member = members_.remove(name.string());
+  if (!member) return nullptr;
+  member->entity()->parent_ = nullptr;
+  return member->entity();
 }
 
 Ptr<Entity> Dir::entity(Name const& name) const {

@@ -10,98 +10,140 @@ namespace {
 constexpr unsigned hashBits = 32;
 constexpr unsigned firstShift = hashBits - 3;  // eight homes
 
-/// Slots behind those that are needed, for objects that are pushed past the last home.
-std::size_t spare(std::size_t count) noexcept {
-  return 8 + count / 16;
+std::size_t homesOf(unsigned shift) {
+  return std::size_t{1} << (hashBits - shift);
 }
 
 }  // namespace
 
-std::size_t HashTable::emptyFrom(std::size_t slot) const noexcept {
-  while (slot < size_ && slots_[slot].object != nullptr) ++slot;
-  return slot;
+HashMapEntry::~HashMapEntry() = default;
+
+HashMapEntry* HashTable::first() const noexcept {
+  return tree_.empty() ? occupiedFrom(0) : tree_.begin()->ptr();
 }
 
-/// From a hash's home on, lower hashes come first; then higher ones and empty slots, since what
-/// follows an empty slot has its home there. So the place can be found by halves, nearer ones
-/// first.
-std::size_t HashTable::lowerBoundFrom(std::size_t slot, std::uint32_t hash) const noexcept {
-  auto const isLower = [hash](Slot const& one) { return one.hash < hash; };
-  std::size_t step = 1;
-  while (slot + step < size_ && isLower(slots_[slot + step])) {
-    slot += step;
-    step *= 2;
+HashMapEntry* HashTable::after(String8 const& key) const noexcept {
+  if (slots_.empty()) {
+    auto const next = tree_.upper_bound(key);
+    return next == tree_.end() ? nullptr : next->ptr();
   }
-  std::size_t const end = std::min(slot + step, size_ - 1);
-  return static_cast<std::size_t>(std::partition_point(&slots_[slot], &slots_[end], isLower) -
-                                  &slots_[0]);
+  std::size_t const slot = lowerBound(key);
+  return occupiedFrom(holds(slot, key) ? slot + 1 : slot);
 }
 
-bool HashTable::insert(std::size_t slot, std::uint32_t hash, PtrInterface& object) {
-  std::size_t end = emptyFrom(slot);
-  if (count_ == most_ || end + 1 >= slots()) {
-    bool const none = size_ == 0;
-    std::size_t const rank = none ? 0 : slot - lowerBound(hash);
-    rebuild(none ? firstShift : count_ == most_ ? shift_ - 1 : shift_);
-    slot = lowerBound(hash) + rank;
-    end = emptyFrom(slot);
+void HashTable::insert(Ptr<HashMapEntry> entry) {
+  if (!tree_.empty()) {
+    insertInTree(entry);
+    return;
   }
-  if (end - home(hash) >= mostMoved) return false;
-  std::copy_backward(&slots_[slot], &slots_[end], &slots_[end] + 1);
-  slots_[slot] = {hash, &object};
-  object.referenceNew();
+  if (slots_.empty() || 2 * count_ >= homesOf(shift_)) grow();
+  String8 const& key = entry->key();
+  std::size_t const slot = lowerBound(key);
+  if (holds(slot, key)) {
+    std::swap(slots_[slot].entry, entry);
+    return;
+  }
+  std::size_t end = slot;
+  while (slots_[end].entry) ++end;
+  if (end - home(key.hash()) >= mostMoved) {
+    insertInNewTree(entry);
+    return;
+  }
+  if (end + 1 == slots_.size()) slots_.emplace_back();
+  auto const at = slots_.begin() + static_cast<std::ptrdiff_t>(slot);
+  auto const empty = slots_.begin() + static_cast<std::ptrdiff_t>(end);
+  std::move_backward(at, empty, empty + 1);
+  *at = {key.hash(), std::move(entry)};
   ++count_;
-  return true;
 }
 
-void HashTable::replace(std::size_t slot, PtrInterface& object) noexcept {
-  object.referenceNew();
-  PtrInterface const* const replaced = slots_[slot].object;
-  slots_[slot].object = &object;
-  replaced->referenceDel();
-}
-
-void HashTable::remove(std::size_t slot) noexcept {
-  PtrInterface const* const object = slots_[slot].object;
-  std::size_t end = slot + 1;  // of those that are not at their homes
-  while (slots_[end].object != nullptr && home(slots_[end].hash) != end) ++end;
-  std::copy(&slots_[slot] + 1, &slots_[end], &slots_[slot]);
-  slots_[end - 1] = Slot();
+Ptr<HashMapEntry> HashTable::remove(String8 const& key) noexcept {
+  if (slots_.empty()) {
+    auto const at = tree_.find(key);
+    return at == tree_.end() ? nullptr : std::move(tree_.extract(at).value());
+  }
+  std::size_t const slot = lowerBound(key);
+  if (!holds(slot, key)) return nullptr;
+  Ptr<HashMapEntry> removed = std::move(slots_[slot].entry);
+  std::size_t next = slot + 1;  // those that are not at their homes move up
+  for (; slots_[next].entry && home(slots_[next].hash) != next; ++next) {
+    slots_[next - 1] = std::move(slots_[next]);
+  }
+  slots_[next - 1].hash = noHash;
   --count_;
-  object->referenceDel();
+  return removed;
 }
 
 void HashTable::clear() noexcept {
-  while (count_ > 0) {  // an object that goes may bring in others
-    auto const slots = std::move(slots_);
-    std::size_t const size = std::exchange(size_, 0);
-    count_ = most_ = 0;
-    for (std::size_t slot = 0; slot < size; ++slot) {
-      if (slots[slot].object != nullptr) slots[slot].object->referenceDel();
-    }
+  while (count() > 0) {  // an entry that goes may bring in others
+    auto const slots = std::exchange(slots_, {});
+    auto const tree = std::exchange(tree_, {});
+    count_ = 0;
   }
 }
 
-/// Gives the objects, in their order, the homes that `shift` makes.
-void HashTable::rebuild(unsigned shift) {
-  std::size_t const homes = std::size_t{1} << (hashBits - shift);
-  auto const forEach = [&](auto const& visit) {
-    std::size_t next = 0;
-    for (std::size_t slot = occupiedFrom(0); slot < slots(); slot = occupiedFrom(slot + 1)) {
-      next = std::max<std::size_t>(next, slots_[slot].hash >> shift);
-      visit(slot, next);
-      ++next;
-    }
-    return next;
-  };
-  std::size_t const end = forEach([](std::size_t, std::size_t) {});
-  std::size_t const size = std::max(homes, end) + spare(count_);
-  auto slots = std::make_unique<Slot[]>(size);
-  forEach([&](std::size_t from, std::size_t to) { slots[to] = slots_[from]; });
+/// The first slot that does not stand before `key`. There must be slots.
+std::size_t HashTable::lowerBound(String8 const& key) const noexcept {
+  std::uint32_t const hash = key.hash();
+  std::size_t slot = home(hash);
+  while (slots_[slot].hash < hash) ++slot;
+  while (slots_[slot].hash == hash && slots_[slot].entry->key() < key) ++slot;
+  return slot;
+}
+
+bool HashTable::holds(std::size_t slot, String8 const& key) const noexcept {
+  return slots_[slot].hash == key.hash() && slots_[slot].entry->key() == key;
+}
+
+HashMapEntry* HashTable::occupiedFrom(std::size_t slot) const noexcept {
+  while (slot < slots_.size() && !slots_[slot].entry) ++slot;
+  return slot < slots_.size() ? slots_[slot].entry.ptr() : nullptr;
+}
+
+/// Doubles the homes, or makes the first ones.
+void HashTable::grow() {
+  unsigned const shift = slots_.empty() ? firstShift : shift_ - 1;
+  std::size_t end = 0;  // of the entries
+  for (Slot const& slot : slots_) {
+    if (slot.entry) end = std::max<std::size_t>(end, slot.hash >> shift) + 1;
+  }
+  std::vector<Slot> slots(std::max(homesOf(shift), end) + 1);
+  std::size_t next = 0;
+  for (Slot& slot : slots_) {
+    if (!slot.entry) continue;
+    next = std::max<std::size_t>(next, slot.hash >> shift);
+    slots[next++] = std::move(slot);
+  }
   slots_ = std::move(slots);
-  size_ = size;
   shift_ = shift;
-  most_ = homes / 8 * 7;
+}
+
+HashMapEntry* HashTable::findInTree(String8 const& key) const noexcept {
+  auto const at = tree_.find(key);
+  return at == tree_.end() ? nullptr : at->ptr();
+}
+
+/// Leaves the entry that was replaced, if any, in `entry`.
+void HashTable::insertInTree(Ptr<HashMapEntry>& entry) {
+  auto const same = tree_.find(entry);
+  if (same == tree_.end()) {
+    tree_.insert(entry);
+    return;
+  }
+  auto node = tree_.extract(same);
+  std::swap(node.value(), entry);
+  tree_.insert(std::move(node));
+}
+
+void HashTable::insertInNewTree(Ptr<HashMapEntry> const& entry) {
+  Tree tree;
+  for (Slot const& slot : slots_) {
+    if (slot.entry) tree.insert(tree.end(), slot.entry);
+  }
+  tree.insert(entry);
+  tree_ = std::move(tree);
+  slots_ = {};
+  count_ = 0;
 }
 
 }  // namespace Mox

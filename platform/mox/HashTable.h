@@ -2,86 +2,111 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <set>
+#include <vector>
 
-#include "platform/mox/PtrInterface.h"
+#include "platform/mox/Ptr.h"
+#include "platform/mox/String8.h"
 
 namespace Mox {
 
-/// Counted objects in the order of 32-bit hashes: an open table, on which `HashMap` is built.
+/// Base of what a `HashMap` can hold: a counted object under an immutable key.
+class MOX_API HashMapEntry : public PtrInterface {
+ public:
+  String8 const& key() const noexcept { return key_; }
+  ~HashMapEntry() override;
+
+ protected:
+  explicit HashMapEntry(String8 key) noexcept : key_(std::move(key)) {}
+
+ private:
+  String8 key_;
+};
+
+/// The entries of a `HashMap`, in its order: an open-addressed table, sorted by hash and key.
 ///
-/// A slot is a hash and an object side by side: what finds a hash mostly has its object in the same
-/// line of memory. It is packed into 12 bytes (8 on 32 bits); 16 would cost each entry 5 more.
+///     home of a hash: its high bits
+///     slot      0    1    2    3    4    5    6    7    8
+///             | A0 |    | B2 | C2 | D3 |    | E6 | F7 |    |   D3: an entry whose home is slot 3
 ///
 /// Invariants.
-///  1. Objects stand in the order of their hashes. Among equal hashes the order is the user's.
-///  2. An object stands at its home, the slot that the high bits of its hash choose, or behind it
-///     with no empty slot in between.
-///  3. An empty slot has no object and the hash `emptySlot`, which no object has. Once there are
-///     slots the last one is empty, so that every walk ends.
-///  4. The table holds one reference to each object.
+///  1. Entries stand in the order of hash, then key.
+///  2. An entry stands at its home, or after it with no empty slot in between.
+///  3. An empty slot has the hash `noHash`, which no key has. The last slot is always empty, so
+///     that every walk ends.
+///  4. There are at least twice as many homes as entries.
+///
+/// Chosen keys. The hash is known, so that somebody can choose keys that all have one home. An
+/// insertion that finds no empty slot within `mostMoved` of its home moves all entries to a
+/// balanced tree, where they stay until the map is empty again. Chance does not lead there.
 class MOX_API HashTable {
  public:
-  static constexpr std::uint32_t emptySlot = 0xFFFFFFFFU;
-  static constexpr std::size_t mostMoved = 2048;
+  static constexpr std::size_t mostMoved = 256;
 
   HashTable() = default;
   HashTable(HashTable const&) = delete;
   HashTable& operator=(HashTable const&) = delete;
   ~HashTable() { clear(); }
 
-  std::size_t count() const noexcept { return count_; }
-  std::size_t slots() const noexcept { return size_; }
-  std::uint32_t hash(std::size_t slot) const noexcept { return slots_[slot].hash; }
-  PtrInterface* object(std::size_t slot) const noexcept { return slots_[slot].object; }
+  std::size_t count() const noexcept { return slots_.empty() ? tree_.size() : count_; }
 
-  /// Where the objects with that hash start; where one would stand if there are none. There must be
-  /// slots.
-  std::size_t lowerBound(std::uint32_t hash) const noexcept {
-    std::size_t slot = home(hash);
-    std::size_t const far = slot + nearby;
-    while (slots_[slot].hash < hash) {
-      if (++slot == far) return lowerBoundFrom(slot, hash);
+  // Null when there is none.
+  HashMapEntry* first() const noexcept;
+  HashMapEntry* find(String8 const& key) const noexcept {
+    if (slots_.empty()) [[unlikely]]
+      return findInTree(key);
+    std::uint32_t const hash = key.hash();
+    for (Slot const* slot = &slots_[home(hash)]; slot->hash <= hash; ++slot) {
+      if (slot->hash == hash && slot->entry->key() == key) return slot->entry.ptr();
     }
-    return slot;
+    return nullptr;
   }
-  /// The same from a slot between the home of `hash` and there on, for objects that many others
-  /// have pushed away.
-  std::size_t lowerBoundFrom(std::size_t slot, std::uint32_t hash) const noexcept;
-  /// The first slot from `slot` on that has an object; `slots()` when there is none.
-  std::size_t occupiedFrom(std::size_t slot) const noexcept {
-    while (slot < size_ && slots_[slot].object == nullptr) ++slot;
-    return slot;
-  }
+  /// The first entry after `key`, whether or not that has one.
+  HashMapEntry* after(String8 const& key) const noexcept;
 
-  /// Before the object in `slot`, which is the lower bound of `hash` or behind objects that have
-  /// it; any slot where there are none yet. False, and the table holds what it held, when so many
-  /// slots as `mostMoved` lie between the home of `hash` and the next empty one: chance does not
-  /// lead there, somebody has chosen these hashes. Without memory the table is as it was, too.
-  bool insert(std::size_t slot, std::uint32_t hash, PtrInterface& object);
-  /// Puts `object` in the place of the one in `slot`, which has the same hash.
-  void replace(std::size_t slot, PtrInterface& object) noexcept;
-  /// The slot must have an object.
-  void remove(std::size_t slot) noexcept;
+  /// An entry of the same key leaves. Without memory the table is as it was.
+  void insert(Ptr<HashMapEntry> entry);
+  /// Returns what left.
+  Ptr<HashMapEntry> remove(String8 const& key) noexcept;
   void clear() noexcept;
 
  private:
-  static constexpr std::size_t nearby = 16;  // slots that are looked at one by one
+  static constexpr std::uint32_t noHash = 0xFFFFFFFFU;
 
-  struct [[gnu::packed]] Slot {
-    std::uint32_t hash = emptySlot;
-    PtrInterface* object = nullptr;
+  struct Slot {
+    std::uint32_t hash = noHash;
+    Ptr<HashMapEntry> entry = {};
   };
 
-  std::size_t home(std::uint32_t hash) const noexcept { return hash >> shift_; }
-  std::size_t emptyFrom(std::size_t slot) const noexcept;
-  void rebuild(unsigned shift);
+  /// By hash, then by key.
+  struct InOrder {
+    using is_transparent = void;
+    static String8 const& keyOf(String8 const& key) noexcept { return key; }
+    static String8 const& keyOf(Ptr<HashMapEntry> const& entry) noexcept { return entry->key(); }
+    bool operator()(auto const& a, auto const& b) const noexcept {
+      return isBefore(keyOf(a), keyOf(b));
+    }
+  };
+  using Tree = std::set<Ptr<HashMapEntry>, InOrder>;
 
-  std::unique_ptr<Slot[]> slots_;
-  std::size_t size_ = 0;
-  unsigned shift_ = 0;    // makes a home of a hash
-  std::size_t most_ = 0;  // objects before there must be more homes
-  std::size_t count_ = 0;
+  static bool isBefore(String8 const& a, String8 const& b) noexcept {
+    return a.hash() != b.hash() ? a.hash() < b.hash() : a < b;
+  }
+
+  std::size_t home(std::uint32_t hash) const noexcept { return hash >> shift_; }
+  std::size_t lowerBound(String8 const& key) const noexcept;
+  bool holds(std::size_t slot, String8 const& key) const noexcept;
+  HashMapEntry* occupiedFrom(std::size_t slot) const noexcept;
+  void grow();
+
+  [[gnu::noinline]] HashMapEntry* findInTree(String8 const& key) const noexcept;
+  void insertInTree(Ptr<HashMapEntry>& entry);
+  void insertInNewTree(Ptr<HashMapEntry> const& entry);
+
+  std::vector<Slot> slots_;
+  std::size_t count_ = 0;  // of entries in slots
+  unsigned shift_ = 0;     // makes a home of a hash
+  Tree tree_;              // empty while there are slots
 };
 
 }  // namespace Mox

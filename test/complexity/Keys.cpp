@@ -55,7 +55,7 @@ void removeKeys(std::string const& text) {
   KeyMap map;
   insertAll(map, keysOf(text));
   Counted const counted;
-  for (auto it = map.iteratorConst(); it; ++it) map.remove(map.place(it));
+  for (auto it = map.iteratorConst(); it; ++it) map.remove(it.key());
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 #include "platform/mox/HashMap.h"
 
+#include <array>
 #include <map>
 #include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -47,20 +49,29 @@ class Run {
   };
   static constexpr std::size_t mostWalkers = 8;
 
-  /// Four pairs of keys with one hash each, the empty key, two of the crowd, then numbered ports.
+  /// Four pairs of keys with one hash each, the empty key, two of each crowd, then numbered ports.
   String8 key() {
-    static String8 const special[] = {
-        "bunaba",           "lesuso", "gutoki", "pogale", "setube",
-        "seviza",           "bogoka", "vakega", "",       String8(crowd()[0]),
-        String8(crowd()[1])};
+    static std::vector<String8> const special = [] {
+      std::vector<String8> all{"bunaba", "lesuso", "gutoki", "pogale", "setube",
+                               "seviza", "bogoka", "vakega", ""};
+      for (auto const& crowd : crowds()) all.insert(all.end(), crowd.begin(), crowd.begin() + 2);
+      return all;
+    }();
     std::size_t const number = input_.byte();
-    return number < std::size(special) ? special[number] : String8("et" + std::to_string(number));
+    return number < special.size() ? special[number] : String8("et" + std::to_string(number));
   }
-  /// So many keys with one home that the map gives its table up.
-  static std::vector<std::string> const& crowd() {
-    static std::vector<std::string> const keys =
-        Support::KeysOfHash().next(Mox::HashTable::mostMoved + 8, 1);
-    return keys;
+  /// Crowds are so many keys that the map gives its table up: of one hash, of one home, and of the
+  /// last home.
+  static std::array<std::vector<String8>, 3> const& crowds() {
+    static auto const all = [] {
+      constexpr std::uint32_t count = Mox::HashTable::mostMoved + 8;
+      auto const crowd = [](std::uint32_t step, std::uint32_t hash) {
+        std::vector<std::string> const keys = Support::KeysOfHash().next(count, step, hash);
+        return std::vector<String8>(keys.begin(), keys.end());
+      };
+      return std::array{crowd(0, 0x20000000U), crowd(1, 0x40000000U), crowd(1, 0U - count)};
+    }();
+    return all;
   }
   static Place placeOf(String8 const& key) { return {key.hash(), key}; }
 
@@ -97,13 +108,13 @@ class Run {
     Fuzz::require(map_.count() == model_.size(), "the map counts its entries");
   }
 
-  /// So that buckets are doubled and keys share them.
+  /// Enough for the table to grow, or for the map to give it up.
   void insertMany() {
-    unsigned const first = input_.byte() * 16U;
-    if (first == 0) {
-      for (std::string const& one : crowd()) insert(String8(one));
+    std::size_t const number = input_.byte();
+    if (number < crowds().size()) {
+      for (String8 const& one : crowds()[number]) insert(one);
     }
-    for (unsigned i = 0; i < 16; ++i) insert(String8("po" + std::to_string(first + i)));
+    for (std::size_t i = 0; i < 16; ++i) insert(String8("po" + std::to_string(number * 16 + i)));
   }
 
   void insert(String8 const& key) {
@@ -112,10 +123,10 @@ class Run {
   }
 
   void remove(String8 const& key) {
-    bool const isThere = model_.erase(placeOf(key)) > 0;
-    auto const place = map_.place(key);
-    Fuzz::require((place.entry() != nullptr) == isThere, "a key is found", key.view());
-    if (isThere) map_.remove(place);
+    auto const expected = model_.extract(placeOf(key));
+    Mox::Ptr<Entry> const removed = map_.remove(key);
+    Fuzz::require(static_cast<bool>(removed) != expected.empty(), "a key is found", key.view());
+    if (removed) Fuzz::require(removed->id == expected.mapped(), "the last entry leaves");
   }
 
   void removeAtWalker() {
@@ -123,12 +134,9 @@ class Run {
     Walker const& walker = walkers_[input_.byte() % walkers_.size()];
     auto const found = model_.find(walker.place);
     bool const isThere = found != model_.end() && found->second == walker.id;
-    auto const place = map_.place(walker.it);
-    Fuzz::require((place.entry() != nullptr) == isThere,
-                  "an iterator knows whether its entry has left");
-    if (!isThere) return;
-    map_.remove(place);
-    model_.erase(found);
+    Fuzz::require((map_.find(walker.it.key()) == &*walker.it) == isThere,
+                  "an iterator's entry is in the map until it leaves");
+    if (isThere) remove(walker.it.key());
   }
 
   void clear() {

@@ -125,7 +125,7 @@ TEST_F(HashMapTest, HoldsKeysAtBothEndsOfTheHashes) {
   for (std::string const& key : {empty, last, one, zero}) insert(key.c_str());
   EXPECT_EQ(walk(), expected);
   for (std::string const& key : expected) {
-    map.remove(map.place(String8(key)));
+    map.remove(String8(key));
     EXPECT_EQ(map.find(String8(key)), nullptr);
   }
   EXPECT_EQ(map.count(), 0U);
@@ -148,12 +148,10 @@ TEST_F(CrowdedHashMapTest, IsWalkedInOrderByAnIteratorFromBefore) {
   insert(keys[0].c_str());
   auto it = map.iteratorConst();
   for (std::string const& key : keys) insert(key.c_str());
-  map.remove(map.place(String8(keys[1])));
+  map.remove(String8(keys[1]));
   ++it;
   EXPECT_EQ(it->name(), keys[2]);
-  EXPECT_EQ(map.place(it).entry(), map.find(String8(keys[2])));
-  map.remove(map.place(it));
-  EXPECT_EQ(map.place(it).entry(), nullptr);
+  map.remove(it.key());
   ++it;
   EXPECT_EQ(it->name(), keys[3]);
   keys.erase(keys.begin() + 1, keys.begin() + 3);
@@ -177,7 +175,7 @@ TEST_F(CrowdedHashMapTest, ClearsAlsoWhatGoingEntriesBringIn) {
 }
 
 TEST_F(CrowdedHashMapTest, IsAnOrdinaryOneAgainOnceItIsEmpty) {
-  for (std::string const& key : keys) map.remove(map.place(String8(key)));
+  for (std::string const& key : keys) map.remove(String8(key));
   EXPECT_EQ(map.count(), 0U);
   EXPECT_FALSE(map.iteratorConst());
   insert("et1");
@@ -211,14 +209,11 @@ TEST_F(HashMapTest, IteratorStartsAtAKeyAndWalksToTheEnd) {
 TEST_F(HashMapTest, AnIteratorKeepsItsEntryWhichIsNoLongerTheMaps) {
   insert("et1");
   auto it = map.iteratorConst();
-  EXPECT_EQ(map.place(it).entry(), map.find("et1"));
-  map.remove(map.place("et1"));
+  EXPECT_EQ(&*it, map.remove("et1").ptr());
   EXPECT_THAT(events, IsEmpty());
   EXPECT_EQ(it->name(), "et1");
-  EXPECT_EQ(map.place(it).entry(), nullptr);
   ++it;
   EXPECT_FALSE(it);
-  EXPECT_EQ(map.place(it).entry(), nullptr);
   EXPECT_THAT(events, ElementsAre("et1 gone"));
 }
 
@@ -226,9 +221,8 @@ TEST_F(HashMapTest, AnIteratorPassesAKeyThatCameBackUnderAnotherEntry) {
   for (char const* key : {"et1", "et2", "et3"}) insert(key);
   std::vector<std::string> const all = walk();
   auto it = map.iteratorConst();
-  map.remove(map.place(all[0].c_str()));
+  map.remove(all[0].c_str());
   insert(all[0].c_str(), "again");
-  EXPECT_EQ(map.place(it).entry(), nullptr);
   ++it;
   EXPECT_EQ(it->name(), all[1]);
 }
@@ -246,12 +240,11 @@ TEST_F(HashMapTest, AnIteratorFindsItsPlaceAgainWhenTheMapGrows) {
 
 TEST_F(HashMapTest, AnEntryThatLeftMayJoinAnotherMap) {
   Ptr<NamedEntry> const entry = insert("et1");
-  map.remove(map.place(entry->key()));
+  map.remove(entry->key());
   HashMap<NamedEntry> other;
   other.insert(entry);
   EXPECT_EQ(other.find("et1"), entry.ptr());
   EXPECT_EQ(map.find("et1"), nullptr);
-  EXPECT_EQ(map.place(other.iteratorConst()).entry(), nullptr);
 }
 
 }  // namespace

@@ -1,7 +1,0 @@
-#include "platform/mox/HashMap.h"
-
-namespace Mox {
-
-HashMapEntry::~HashMapEntry() = default;
-
-}  // namespace Mox
