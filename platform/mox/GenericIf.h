@@ -9,7 +9,6 @@
 
 #include "platform/mox/MoxType.h"
 #include "platform/mox/PtrInterface.h"
-#include "platform/mox/SmallMemory.h"
 #include "platform/mox/String8.h"
 
 namespace Mox {
@@ -87,7 +86,7 @@ class MOX_API AttributeIterator {
 
 /// Adapter: generic access to one value, of which it holds a copy, or to one object, to which it
 /// holds a reference. Through an adapter with the const flag nothing can be changed.
-class MOX_API GenericIf : public InSmallMemory {
+class MOX_API GenericIf {
  public:
   class List_;
 

@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <utility>
 
-#include "platform/mox/SmallMemory.h"
 #include "test/support/Allocation.h"
 
 namespace Exhaustion {
@@ -29,12 +28,10 @@ bool isShort() noexcept {
 }  // namespace
 
 std::size_t liveAllocations() noexcept {
-  Mox::SmallMemory::clear();
   return live;
 }
 
 Shortage::Shortage(std::size_t at, Lasting howLong) {
-  Mox::SmallMemory::clear();
   failed = false;
   lasting = howLong;
   untilFailure = at;

@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <vector>
 
-#include "platform/mox/SmallMemory.h"
 #include "test/model/TypedSuites.h"
 #include "test/support/Allocation.h"
 
@@ -29,7 +28,6 @@ namespace {
 
 template <class Work>
 std::size_t allocationsOf(Work const& work) {
-  Mox::SmallMemory::clear();
   std::size_t const before = allocations;
   work();
   return allocations - before;

@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 
-#include "platform/mox/SmallMemory.h"
 #include "test/support/Allocation.h"
 
 namespace Simulation {
@@ -10,7 +9,6 @@ namespace Simulation {
 static std::size_t live = 0;
 
 std::size_t liveAllocations() {
-  Mox::SmallMemory::clear();
   return live;
 }
 
