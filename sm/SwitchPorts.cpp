@@ -35,7 +35,7 @@ int addInterface(KestSliceDmaConfig::SwitchPort const& port) {
   return kestDmaIfadd(port.ifName().charPtr(), static_cast<int>(port.destId()), shadowIntfId,
                       static_cast<int>(port.trafficClass()), untilNul(port.devName()),
                       static_cast<int>(port.fapNum()), port.ctrl(), port.hwLag(),
-                      port.macAddr().text().data());
+                      port.macAddr().stringValue().charPtr());
 }
 
 /// Whole seconds of wall-clock time. No integer holds every jump of that clock; a `double` holds

@@ -13,17 +13,17 @@ bool LineReader::isDone() {
 
 std::string LineReader::keyword() {
   skipBlanks();
-  std::string_view const rest = at_.viewTo(end_);
-  std::size_t length = 0;
-  while (length < rest.size() && std::isalpha(static_cast<unsigned char>(rest[length])) != 0) {
-    ++length;
+  std::string letters;
+  for (auto at = at_; !(at == end_) && std::isalpha(static_cast<unsigned char>(*at)) != 0; ++at) {
+    letters += *at;
   }
-  return std::string(rest.substr(0, length));
+  return letters;
 }
 
 std::string LineReader::word() const {
-  std::string_view const rest = at_.viewTo(end_);
-  return std::string(rest.substr(0, rest.find_first_of(" \t")));
+  std::string chars;
+  for (auto at = at_; !(at == end_) && *at != ' ' && *at != '\t'; ++at) chars += *at;
+  return chars;
 }
 
 std::vector<Mox::String8> LineReader::strings() const {

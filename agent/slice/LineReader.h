@@ -34,7 +34,9 @@ class LineReader {
   /// The strings in apostrophes that come next, whatever is between them; they are not taken.
   std::vector<Mox::String8> strings() const;
 
-  void skip(std::size_t characters) { at_ += characters; }
+  void skip(std::size_t characters) {
+    for (; characters > 0; --characters) ++at_;
+  }
 
   [[noreturn]] void refuse(std::string_view expected) const;
 

@@ -40,7 +40,7 @@ class LineReader {
 
   bool took(std::string_view keyword) {
     if (word() != keyword) return false;
-    it_ += keyword.size();
+    it_ = wordEnd();
     return true;
   }
 
@@ -65,7 +65,7 @@ class LineReader {
   Operation operation() {
     std::optional<Operation> const operation = operationNamed(word());
     if (!operation) refuse("the name of a driver operation");
-    it_ += word().size();
+    it_ = wordEnd();
     return *operation;
   }
 
@@ -80,11 +80,18 @@ class LineReader {
   }
 
  private:
-  /// The characters up to the next blank.
-  std::string_view word() {
+  /// The next blank, or the end.
+  String8::IteratorConst wordEnd() {
     skipBlanks();
-    std::string_view const rest = it_.viewTo(end_);
-    return rest.substr(0, rest.find_first_of(" \t\r"));
+    String8::IteratorConst at = it_;
+    while (!(at == end_) && *at != ' ' && *at != '\t' && *at != '\r') ++at;
+    return at;
+  }
+  std::string word() {
+    std::string chars;
+    String8::IteratorConst const end = wordEnd();
+    for (String8::IteratorConst at = it_; !(at == end); ++at) chars += *at;
+    return chars;
   }
 
   String8::IteratorConst it_;

@@ -126,7 +126,7 @@ void readJson(Json const* value, FapType& fapType) {
   }
   String8 name;
   readJson(value, name);
-  fapType = FapTypeInstance(name);
+  fapType = Mox::strepToValue<FapType>(Mox::valueToStrep(name));
 }
 
 template <class Value>

@@ -38,12 +38,10 @@ Json toJson(Format const&) {
 }
 
 Json toJson(FapType value) {
+  auto const names = Mox::TypeOf<FapType>::type()->enumerators();
   auto const number = static_cast<std::int32_t>(value);
-  try {
-    return stringValue(FapTypeInstance(static_cast<unsigned>(number))).charPtr();
-  } catch (Mox::RangeException const&) {
-    return number;
-  }
+  if (static_cast<std::uint32_t>(number) >= names.size()) return number;
+  return names[static_cast<std::uint32_t>(number)].charPtr();
 }
 
 template <class Record>

@@ -7,22 +7,13 @@ namespace Bridging {
 
 namespace {
 
-constexpr char const* names[] = {"switchportModeAccess", "switchportModeTrunk",
-                                 "switchportModeDot1qTunnel"};
-constexpr Mox::detail::EnumText<SwitchportMode> text{"SwitchportMode", names, std::size(names)};
+constexpr Mox::detail::EnumText<SwitchportMode, 3> switchportModeText{
+    "SwitchportMode", {"switchportModeAccess", "switchportModeTrunk", "switchportModeDot1qTunnel"}};
 
 }  // namespace
 
 Mox::String8 stringValue(SwitchportMode value) {
-  return text.stringValue(value);
-}
-
-SwitchportMode SwitchportModeInstance(unsigned int number) {
-  return text.instance(number);
-}
-
-SwitchportMode SwitchportModeInstance(Mox::String8 const& name) {
-  return text.instance(name);
+  return switchportModeText.stringValue(value);
 }
 
 Mox::String8 valueToStrep(SwitchportMode const& value) {
@@ -31,7 +22,7 @@ Mox::String8 valueToStrep(SwitchportMode const& value) {
 
 SwitchportMode sequenceToValue(Mox::String8::IteratorConst& it,
                                Mox::String8::IteratorConst const& end, SwitchportMode*) {
-  return text.read(it, end);
+  return switchportModeText.read(it, end);
 }
 
 std::ostream& operator<<(std::ostream& out, SwitchportMode const& value) {
@@ -41,7 +32,7 @@ std::ostream& operator<<(std::ostream& out, SwitchportMode const& value) {
 }  // namespace Bridging
 
 Mox::MoxType const* Mox::TypeOf<Bridging::SwitchportMode>::type() {
-  static EnumType<Bridging::SwitchportMode> const enumeration("Bridging::SwitchportMode",
-                                                              Bridging::text.enumerators());
+  static EnumType<Bridging::SwitchportMode> const enumeration(
+      "Bridging::SwitchportMode", Bridging::switchportModeText.enumerators());
   return &enumeration;
 }

@@ -17,10 +17,6 @@ enum class SwitchportMode : std::int32_t {
 
 /// The enumerator's name; any other number as `SwitchportMode(%d)`.
 MOX_API Mox::String8 stringValue(SwitchportMode value);
-/// `RangeException` "SwitchportMode" for a number that no enumerator has.
-MOX_API SwitchportMode SwitchportModeInstance(unsigned int number);
-/// `RangeException` "expected ..., found ..." for a name that no enumerator has.
-MOX_API SwitchportMode SwitchportModeInstance(Mox::String8 const& name);
 /// The name in apostrophes.
 MOX_API Mox::String8 valueToStrep(SwitchportMode const& value);
 MOX_API SwitchportMode sequenceToValue(Mox::String8::IteratorConst& it,

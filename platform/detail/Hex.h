@@ -1,35 +1,25 @@
 #pragma once
 
-#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <string>
+#include <string_view>
 
-/// Hexadecimal digits, by table: digits of a text follow no order that a branch could be predicted
-/// from.
+/// Hexadecimal digits.
 namespace Mox::detail {
 
-inline constexpr char hexDigits[] = "0123456789abcdef";
-
-inline constexpr auto hexValues = [] {
-  std::array<std::int8_t, 256> values{};
-  values.fill(-1);
-  for (std::int8_t value = 0; value < 16; ++value) {
-    char const digit = hexDigits[value];
-    values[static_cast<unsigned char>(digit)] = value;
-    if (value > 9) values[static_cast<unsigned char>(digit - 'a' + 'A')] = value;
-  }
-  return values;
-}();
-
-/// The value of a digit of either case; negative for another character.
-constexpr int hexValue(char digit) noexcept {
-  return hexValues[static_cast<unsigned char>(digit)];
+/// The value of a digit of either case; -1 for another character.
+inline int hexValue(char digit) noexcept {
+  if (digit >= '0' && digit <= '9') return digit - '0';
+  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
+  if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
+  return -1;
 }
 
-/// Writes two digits and returns the end behind them.
-constexpr char* writeHex(char* out, std::uint8_t byte) noexcept {
-  *out++ = hexDigits[byte >> 4];
-  *out++ = hexDigits[byte & 15];
-  return out;
+/// Two digits, in lower case.
+inline std::string hexText(std::uint8_t byte) {
+  constexpr char digits[] = "0123456789abcdef";
+  return {digits[byte >> 4], digits[byte & 15]};
 }
 
 }  // namespace Mox::detail

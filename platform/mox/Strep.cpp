@@ -1,18 +1,18 @@
 #include "platform/mox/Strep.h"
 
-#include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <cstdint>
 #include <limits>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <type_traits>
 
 #include "platform/detail/Hex.h"
 #include "platform/mox/Dir.h"
 #include "platform/mox/Entity.h"
-#include "platform/mox/StrepBuffer.h"
 
 namespace Mox {
 
@@ -24,7 +24,7 @@ bool isBlank(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
-constexpr bool isControl(char c) {
+bool isControl(char c) {
   return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
 }
 
@@ -59,53 +59,33 @@ struct Escape {
 };
 constexpr Escape escapes[] = {{'\\', '\\'}, {'\'', '\''}, {'\n', 'n'}, {'\t', 't'}, {'\r', 'r'}};
 
-/// What stands behind the backslash for each character: 'x' for two digits, NUL for no escape.
-constexpr auto escapeLetters = [] {
-  std::array<char, 256> letters{};
-  for (std::size_t c = 0; c < letters.size(); ++c) {
-    if (isControl(static_cast<char>(c))) letters[c] = 'x';
-  }
+void appendEscaped(std::string& text, char c) {
   for (Escape const& escape : escapes) {
-    letters[static_cast<unsigned char>(escape.character)] = escape.letter;
+    if (c == escape.character) {
+      text.append({'\\', escape.letter});
+      return;
+    }
   }
-  return letters;
-}();
-
-char escapeLetter(char c) {
-  return escapeLetters[static_cast<unsigned char>(c)];
-}
-
-void appendEscaped(StrepBuffer& text, char c) {
-  constexpr std::size_t longest = 4;  // \xHH
-  char* out = text.room(longest);
-  *out++ = '\\';
-  *out++ = escapeLetter(c);
-  if (escapeLetter(c) == 'x') out = detail::writeHex(out, static_cast<std::uint8_t>(c));
-  text.endIs(out);
-}
-
-/// Whether a string cannot go on with `c` as it stands.
-bool endsRun(char c) {
-  return c == '\'' || c == '\\';
+  if (isControl(c)) {
+    text.append("\\x").append(detail::hexText(static_cast<std::uint8_t>(c)));
+  } else {
+    text += c;
+  }
 }
 
 char readHexByte(Iterator& it, Iterator const& end) {
   int value = 0;
-  for (int digits = 0; digits < 2; ++digits) {
+  for (int digits = 0; digits < 2; ++digits, ++it) {
     int const digit = it == end ? -1 : detail::hexValue(*it);
     if (digit < 0) throwExpected("two hexadecimal digits behind \\x", it, end);
     value = value * 16 + digit;
-    ++it;
   }
   return static_cast<char>(value);
 }
 
 /// Reads what follows a backslash.
 char readEscaped(Iterator& it, Iterator const& end) {
-  if (!(it == end) && *it == 'x') {
-    ++it;
-    return readHexByte(it, end);
-  }
+  if (!(it == end) && *it == 'x') return readHexByte(++it, end);
   for (Escape const& escape : escapes) {
     if (!(it == end) && *it == escape.letter) {
       ++it;
@@ -115,66 +95,61 @@ char readEscaped(Iterator& it, Iterator const& end) {
   throwExpected("one of \\ ' n t r x behind a backslash", it, end);
 }
 
-template <class Unsigned>
-Unsigned readUnsigned(Iterator& it, Iterator const& end) {
-  skipBlanks(it, end);
-  std::string_view const rest = it.viewTo(end);
-  Unsigned value = 0;
-  auto const [behind, error] = std::from_chars(rest.data(), rest.data() + rest.size(), value);
-  if (error == std::errc::result_out_of_range) {
-    constexpr unsigned long long most = std::numeric_limits<Unsigned>::max();
+/// The characters from `it` on that may belong to a number, and perhaps more.
+std::string numberAt(Iterator it, Iterator const& end) {
+  constexpr std::string_view others = "+-.";
+  std::string chars;
+  for (; !(it == end); ++it) {
+    bool const isAlphanumeric = std::isalnum(static_cast<unsigned char>(*it)) != 0;
+    if (!isAlphanumeric && others.find(*it) == std::string_view::npos) break;
+    chars += *it;
+  }
+  return chars;
+}
+
+template <class Number>
+[[noreturn]] void throwOutOfRange() {
+  if constexpr (std::is_floating_point_v<Number>) {
+    throwRangeException("expected a number that a double can hold, found another");
+  } else {
+    constexpr unsigned long long most = std::numeric_limits<Number>::max();
     throwRangeException(format("expected a number from 0 to %llu, found a larger one", most));
   }
+}
+
+template <class Number>
+Number readNumber(Iterator& it, Iterator const& end, Number*) {
+  skipBlanks(it, end);
+  std::string const chars = numberAt(it, end);
+  Number value = 0;
+  auto const [after, error] = std::from_chars(chars.data(), chars.data() + chars.size(), value);
+  if (error == std::errc::result_out_of_range) throwOutOfRange<Number>();
   if (error != std::errc()) throwExpected("a decimal number", it, end);
-  it += static_cast<std::size_t>(behind - rest.data());
+  for (char const* at = chars.data(); at != after; ++at) ++it;
   return value;
 }
 
 /// Takes `word` if it stands at `it`.
 bool tookWord(Iterator& it, Iterator const& end, std::string_view word) {
-  if (!it.viewTo(end).starts_with(word)) return false;
-  it += word.size();
+  Iterator at = it;
+  for (char const c : word) {
+    if (at == end || *at != c) return false;
+    ++at;
+  }
+  it = at;
   return true;
-}
-
-template <class T>
-String8 strepOf(T const& value) {
-  StrepBuffer text;
-  appendStrep(text, value);
-  return text.string();
 }
 
 }  // namespace
 
-void appendStrep(StrepBuffer& text, String8 const& value) {
-  std::string_view rest = value.view();
-  text.append("'");
-  while (true) {
-    auto const special = std::find_if(rest.begin(), rest.end(), escapeLetter);
-    text.append({rest.begin(), special});
-    if (special == rest.end()) break;
-    appendEscaped(text, *special);
-    rest = {special + 1, rest.end()};
-  }
-  text.append("'");
-}
-
-void appendStrep(StrepBuffer& text, unsigned long long value) {
-  constexpr std::size_t mostDigits = std::numeric_limits<unsigned long long>::digits10 + 1;
-  char* const out = text.room(mostDigits);
-  text.endIs(std::to_chars(out, out + mostDigits, value).ptr);
-}
-
-void appendStrep(StrepBuffer& text, bool value) {
-  text.append(value ? "True" : "False");
-}
-
 String8 valueToStrep(String8 const& value) {
-  return strepOf(value);
+  std::string text = "'";
+  for (char const c : value.view()) appendEscaped(text, c);
+  return String8(text += '\'');
 }
 
 String8 valueToStrep(unsigned long long value) {
-  return strepOf(value);
+  return String8(std::to_string(value));
 }
 
 String8 valueToStrep(double value) {
@@ -186,7 +161,7 @@ String8 valueToStrep(double value) {
 }
 
 String8 valueToStrep(bool value) {
-  return strepOf(value);
+  return value ? "True" : "False";
 }
 
 String8 valueToStrepOfRawPtr(Entity const* entity, MoxType const* type) {
@@ -213,43 +188,28 @@ String8 sequenceToValue(Iterator& it, Iterator const& end, String8*) {
   ++it;
   std::string value;
   while (true) {
-    std::string_view const rest = it.viewTo(end);
-    auto const special = std::find_if(rest.begin(), rest.end(), endsRun);
-    std::string_view const run(rest.begin(), special);
-    it += run.size();
     if (it == end) throwExpected("the string's closing apostrophe", it, end);
     char const c = *it;
     ++it;
-    if (c == '\'' && value.empty()) return String8(run);
-    value += run;
     if (c == '\'') return String8(value);
-    value += readEscaped(it, end);
+    value += c == '\\' ? readEscaped(it, end) : c;
   }
 }
 
-unsigned int sequenceToValue(Iterator& it, Iterator const& end, unsigned int*) {
-  return readUnsigned<unsigned int>(it, end);
+unsigned int sequenceToValue(Iterator& it, Iterator const& end, unsigned int* type) {
+  return readNumber(it, end, type);
 }
 
-unsigned short sequenceToValue(Iterator& it, Iterator const& end, unsigned short*) {
-  return readUnsigned<unsigned short>(it, end);
+unsigned short sequenceToValue(Iterator& it, Iterator const& end, unsigned short* type) {
+  return readNumber(it, end, type);
 }
 
-unsigned long long sequenceToValue(Iterator& it, Iterator const& end, unsigned long long*) {
-  return readUnsigned<unsigned long long>(it, end);
+unsigned long long sequenceToValue(Iterator& it, Iterator const& end, unsigned long long* type) {
+  return readNumber(it, end, type);
 }
 
-double sequenceToValue(Iterator& it, Iterator const& end, double*) {
-  skipBlanks(it, end);
-  std::string_view const rest = it.viewTo(end);
-  double value = 0;
-  auto const [behind, error] = std::from_chars(rest.data(), rest.data() + rest.size(), value);
-  if (error == std::errc::result_out_of_range) {
-    throwRangeException("expected a number that a double can hold, found another");
-  }
-  if (error != std::errc()) throwExpected("a decimal number", it, end);
-  it += static_cast<std::size_t>(behind - rest.data());
-  return value;
+double sequenceToValue(Iterator& it, Iterator const& end, double* type) {
+  return readNumber(it, end, type);
 }
 
 bool sequenceToValue(Iterator& it, Iterator const& end, bool*) {

@@ -9,31 +9,26 @@
 
 /// Text forms ("strep": string representation) of the basic values, and their readers.
 ///
-/// A reader reads one value from `it` and leaves `it` just behind it. It skips blanks (blank, tab,
+/// A reader reads one value from `it` and leaves `it` just after it. It skips blanks (blank, tab,
 /// newline, carriage return) before the value. When it throws a `RangeException`, `it` stands where
 /// the text was refused.
 namespace Mox {
 
 class Entity;
-class StrepBuffer;
 
-// Writers. What is printed often can also be appended to a text.
+// Writers.
 
 /// In apostrophes; `\\`, `\'`, `\n`, `\t`, `\r` escaped so, other control bytes as `\xHH`, bytes
 /// from 0x80 as they are.
 MOX_API String8 valueToStrep(String8 const& value);
-MOX_API void appendStrep(StrepBuffer& text, String8 const& value);
 /// Decimal.
 MOX_API String8 valueToStrep(unsigned long long value);
-MOX_API void appendStrep(StrepBuffer& text, unsigned long long value);
 /// The shortest decimal form that reads back to the same number, as in `2.0` or `1e+300`; `inf`,
 /// `-inf` and `nan`.
 MOX_API String8 valueToStrep(double value);
 /// `True` or `False`.
 MOX_API String8 valueToStrep(bool value);
-MOX_API void appendStrep(StrepBuffer& text, bool value);
 String8 valueToStrep(char const*) = delete;  // would convert to bool
-void appendStrep(StrepBuffer& text, char const*) = delete;
 
 /// Reference to an entity of the given type: `EntityPtr('/full/name', 'Type')`; null: `None`.
 MOX_API String8 valueToStrepOfRawPtr(Entity const* entity, MoxType const* type);
@@ -58,22 +53,6 @@ MOX_API unsigned long long sequenceToValue(String8::IteratorConst& it,
 MOX_API double sequenceToValue(String8::IteratorConst& it, String8::IteratorConst const& end,
                                double*);
 MOX_API bool sequenceToValue(String8::IteratorConst& it, String8::IteratorConst const& end, bool*);
-
-/// Reads a string and returns `convert(string)`. One that `convert` refuses is refused as a whole:
-/// `it` then stands in front of it, behind the blanks.
-template <class Convert>
-auto readConverted(String8::IteratorConst& it, String8::IteratorConst const& end,
-                   Convert const& convert) {
-  needString(it, end, " ");
-  String8::IteratorConst const start = it;
-  String8 const text = sequenceToValue(it, end, static_cast<String8*>(nullptr));
-  try {
-    return convert(text);
-  } catch (RangeException const&) {
-    it = start;
-    throw;
-  }
-}
 
 namespace detail {
 

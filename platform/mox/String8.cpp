@@ -12,21 +12,36 @@ namespace Mox {
 
 namespace {
 
-/// The first characters, up to eight, as a number.
-std::uint64_t littleEndian(std::string_view chars) noexcept {
+/// The characters from `chars` on as a number, in the order of a little-endian machine.
+template <class Word>
+Word littleEndian(char const* chars) noexcept {
+  Word word = 0;
+  std::memcpy(&word, chars, sizeof word);
+  if constexpr (std::endian::native != std::endian::little) {
+    auto* const bytes = reinterpret_cast<unsigned char*>(&word);
+    std::reverse(bytes, bytes + sizeof word);
+  }
+  return word;
+}
+
+/// One to seven characters as a number. Where two loads overlap they agree. Copying the characters
+/// into a word instead would go through memory, for which a processor waits.
+std::uint64_t partialWord(std::string_view chars) noexcept {
+  std::size_t const count = chars.size();
+  if (count >= sizeof(std::uint32_t)) {
+    std::size_t const last = count - sizeof(std::uint32_t);
+    return littleEndian<std::uint32_t>(chars.data()) |
+           std::uint64_t{littleEndian<std::uint32_t>(chars.data() + last)} << 8 * last;
+  }
   std::uint64_t word = 0;
-  if constexpr (std::endian::native == std::endian::little) {
-    std::memcpy(&word, chars.data(), std::min(chars.size(), sizeof word));
-  } else {
-    for (std::size_t i = 0; i < std::min(chars.size(), sizeof word); ++i) {
-      word |= std::uint64_t{static_cast<unsigned char>(chars[i])} << 8 * i;
-    }
+  for (std::size_t const at : {std::size_t{0}, count / 2, count - 1}) {
+    word |= std::uint64_t{static_cast<unsigned char>(chars[at])} << 8 * at;
   }
   return word;
 }
 
 /// Eight characters at a time, each eight spread over the whole word by a multiplication whose high
-/// half is folded back. In the order of a little-endian machine, on every machine.
+/// half is folded back. The same on every machine.
 std::uint32_t hashOf(std::string_view chars) noexcept {
   constexpr std::size_t wordBytes = sizeof(std::uint64_t);
   std::uint64_t h = chars.size();
@@ -34,8 +49,10 @@ std::uint32_t hashOf(std::string_view chars) noexcept {
     h = (h ^ word) * 0x9e3779b97f4a7c15U;
     h ^= h >> 32;
   };
-  for (; chars.size() >= wordBytes; chars.remove_prefix(wordBytes)) mix(littleEndian(chars));
-  if (!chars.empty()) mix(littleEndian(chars));
+  for (; chars.size() >= wordBytes; chars.remove_prefix(wordBytes)) {
+    mix(littleEndian<std::uint64_t>(chars.data()));
+  }
+  if (!chars.empty()) mix(partialWord(chars));
   h *= 0xd6e8feb86659fd93U;
   return static_cast<std::uint32_t>(h >> 32);
 }

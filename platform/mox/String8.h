@@ -31,18 +31,10 @@ class MOX_API String8 {
       ++at_;
       return *this;
     }
-    IteratorConst& operator+=(std::size_t characters) noexcept {
-      at_ += characters;
-      return *this;
-    }
     bool operator==(IteratorConst const& other) const noexcept { return at_ == other.at_; }
 
     /// 0-based offset from the start of the string.
     std::size_t pos() const noexcept { return static_cast<std::size_t>(at_ - start_); }
-    /// The characters from here to `end`, an iterator of the same string.
-    std::string_view viewTo(IteratorConst const& end) const noexcept {
-      return {at_, static_cast<std::size_t>(end.at_ - at_)};
-    }
 
    private:
     friend class String8;
@@ -51,8 +43,6 @@ class MOX_API String8 {
     char const* start_;
     char const* at_;
   };
-
-  class Copies;
 
   String8() noexcept = default;
   String8(char const* chars) : String8(std::string_view(chars)) {}
@@ -67,7 +57,7 @@ class MOX_API String8 {
     return *this;
   }
   MOX_INLINE ~String8() {
-    if (rep_ != nullptr) letGo(rep_, 1);
+    if (rep_ != nullptr && rep_->references.sub(1) == 0) freeRep(rep_);
   }
 
   /// NUL-terminated characters; valid as long as a string shares them.
@@ -89,8 +79,7 @@ class MOX_API String8 {
   IteratorConst end() const noexcept { return {charPtr(), charPtr() + bytes()}; }
 
   friend bool operator==(String8 const& a, String8 const& b) noexcept {
-    return a.rep_ == b.rep_ ||
-           (a.bytes() == b.bytes() && sameBytes(a.charPtr(), b.charPtr(), a.bytes()));
+    return a.rep_ == b.rep_ || a.view() == b.view();
   }
   friend bool operator==(String8 const& a, char const* b) noexcept { return a.view() == b; }
   friend bool operator==(String8 const& a, std::string_view b) noexcept { return a.view() == b; }
@@ -115,64 +104,12 @@ class MOX_API String8 {
     std::uint32_t bytes;
   };
 
-  /// At least one byte. Word by word, the last one overlapping: for names it takes half the time of
-  /// a call of memcmp.
-  static bool sameBytes(char const* a, char const* b, std::size_t bytes) noexcept {
-    if (bytes >= sizeof(std::uint64_t)) return sameWords<std::uint64_t>(a, b, bytes);
-    if (bytes >= sizeof(std::uint32_t)) return sameWords<std::uint32_t>(a, b, bytes);
-    return sameWords<char>(a, b, bytes);
-  }
-  template <class Word>
-  static bool sameWords(char const* a, char const* b, std::size_t bytes) noexcept {
-    std::size_t const last = bytes - sizeof(Word);
-    for (std::size_t at = 0; at < last; at += sizeof(Word)) {
-      if (word<Word>(a + at) != word<Word>(b + at)) return false;
-    }
-    return word<Word>(a + last) == word<Word>(b + last);
-  }
-  template <class Word>
-  static Word word(char const* chars) noexcept {
-    Word value = 0;
-    std::memcpy(&value, chars, sizeof value);
-    return value;
-  }
-
-  explicit String8(Rep* rep) noexcept : rep_(rep) {}
-
   static void freeRep(Rep* rep) noexcept;
   MOX_INLINE void take() const noexcept {
     if (rep_ != nullptr) rep_->references.add(1);
   }
-  MOX_INLINE static void letGo(Rep* rep, std::uint32_t references) noexcept {
-    if (rep->references.sub(references) == 0) freeRep(rep);
-  }
 
   Rep* rep_ = nullptr;
-};
-
-/// Copies of one string, counted all at once: for a loop that passes a copy to each of many, which
-/// would else wait for one count after the other.
-class String8::Copies {
- public:
-  Copies(String8 const& original, std::size_t count) noexcept
-      : rep_(original.rep_), left_(rep_ == nullptr ? 0 : static_cast<std::uint32_t>(count)) {
-    if (left_ > 0) rep_->references.add(left_);
-  }
-  Copies(Copies const&) = delete;
-  Copies& operator=(Copies const&) = delete;
-  ~Copies() {
-    if (left_ > 0) letGo(rep_, left_);
-  }
-
-  /// One more copy; at most as many as were counted.
-  MOX_INLINE String8 next() noexcept {
-    if (rep_ != nullptr) --left_;
-    return String8(rep_);
-  }
-
- private:
-  Rep* rep_;
-  std::uint32_t left_;
 };
 
 using String = String8;

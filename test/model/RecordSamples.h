@@ -87,7 +87,7 @@ inline void fillAtRandom(ConfigSwitchPort& record, Random& random) {
 inline void fillAtRandom(ConfigDevice& record, Random& random) {
   record.devNameIs(randomString(random));
   record.pciHamIs(handles()[below(static_cast<unsigned>(handles().size()), random)]);
-  record.fapTypeIs(FapTypeInstance(below(3, random)));
+  record.fapTypeIs(static_cast<Hardware::Kest::FapType>(below(3, random)));
   record.numFapsIs(1 + below(3, random));
   record.cpuTmSysPortIs(randomNumber(random));
   record.cpuEthSysPortIs(randomNumber(random));

@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-#include <sstream>
-
 #include "platform/mox/Strep.h"
-#include "platform/mox/StrepBuffer.h"
 #include "test/support/Refusal.h"
 
 namespace Pelk {
@@ -26,10 +22,6 @@ TEST(EthAddrTest, ReadsDigitsOfEitherCaseAndPrintsThemInLowerCase) {
   EXPECT_EQ(EthAddr("00:1c:73:0a:0b:fc"), sample);
   EXPECT_EQ(EthAddr("00:1C:73:0A:0b:Fc"), sample);
   EXPECT_EQ(sample.stringValue(), "00:1c:73:0a:0b:fc");
-  EXPECT_STREQ(sample.text().data(), "00:1c:73:0a:0b:fc");
-  std::ostringstream out;
-  out << sample;
-  EXPECT_EQ(out.str(), "00:1c:73:0a:0b:fc");
 }
 
 TEST(EthAddrTest, DiffersInAnyOctet) {
@@ -54,12 +46,6 @@ TEST(EthAddrTest, RefusesAnyOtherText) {
 TEST(EthAddrTest, TextFormIsInApostrophesAndReadsBack) {
   EXPECT_EQ(valueToStrep(sample), "'00:1c:73:0a:0b:fc'");
   EXPECT_EQ(Mox::strepToValue<EthAddr>("  '00:1c:73:0a:0b:fc'"), sample);
-  std::mt19937_64 random(1);
-  for (int i = 0; i < 1000; ++i) {
-    EthAddr::Octets octets;
-    for (std::uint8_t& octet : octets) octet = static_cast<std::uint8_t>(random());
-    EXPECT_EQ(Mox::strepToValue<EthAddr>(valueToStrep(EthAddr(octets))), EthAddr(octets));
-  }
 }
 
 TEST(EthAddrTest, IsReadFromAStringHoweverThatIsWritten) {
@@ -71,34 +57,7 @@ TEST(EthAddrTest, IsReadFromAStringHoweverThatIsWritten) {
   EXPECT_EQ(Mox::strepToValue<EthAddr>(R"('\x300:1c:73:0a:0b:fc')"), sample);
 }
 
-TEST(EthAddrTest, AppendsItsTextForm) {
-  Mox::StrepBuffer text;
-  text.append("at ");
-  appendStrep(text, sample);
-  EXPECT_EQ(text.view(), "at '00:1c:73:0a:0b:fc'");
-}
-
-TEST(EthAddrTest, RefusesAnyOtherString) {
-  struct {
-    char const* text;
-    char const* found;
-  } const all[] = {
-      {"'00:1c:73:0a:0b:fc", nullptr},
-      {"'00:1c:73:0a:0b:fg'", "'00:1c:73:0a:0b:fg'"},
-      {"'00:1c:73:0a:0b'fc'", "'00:1c:73:0a:0b'"},
-      {"'00:1c:73:0a:0b:fc0'", "'00:1c:73:0a:0b:fc0'"},
-      {"'00:1c:73:0a-0b:fc'", "'00:1c:73:0a-0b:fc'"},
-  };
-  for (auto const& one : all) {
-    std::string const expected =
-        one.found == nullptr
-            ? "expected the string's closing apostrophe, found the end of the text"
-            : std::string("expected a MAC address such as '00:1c:73:0a:0b:0c', found ") + one.found;
-    EXPECT_EQ(refusal([&] { Mox::strepToValue<EthAddr>(one.text); }), expected);
-  }
-}
-
-TEST(EthAddrTest, ARefusedTextIsLeftAtItsStartBehindBlanks) {
+TEST(EthAddrTest, ARefusedTextIsLeftAtItsStartAfterBlanks) {
   String8 const text("x \t'00:1c'");
   String8::IteratorConst it = text.begin();
   ++it;

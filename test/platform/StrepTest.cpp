@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "platform/mox/StrepBuffer.h"
 #include "test/support/Refusal.h"
 
 namespace Mox {
@@ -93,17 +92,6 @@ TEST(StrepTest, WritesStringsOfAnyLength) {
     value += special ? '\x01' : 'a';
     text += special ? "\\x01" : "a";
   }
-}
-
-TEST(StrepTest, AppendsEachFormToATextThatIsThere) {
-  StrepBuffer text;
-  text.append("values: ");
-  appendStrep(text, String8("it's"));
-  appendStrep(text, 0ULL);
-  appendStrep(text, std::numeric_limits<unsigned long long>::max());
-  appendStrep(text, true);
-  appendStrep(text, false);
-  EXPECT_EQ(text.view(), R"(values: 'it\'s'018446744073709551615TrueFalse)");
 }
 
 TEST(StrepTest, ReadsStrings) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -23,26 +24,10 @@ TEST(String8Test, CopiesShareTheCharacters) {
   EXPECT_EQ(original, "other");
 }
 
-TEST(String8Test, CopiesCountedAtOnceLiveOnByThemselves) {
-  String8 original("Ethernet3/1");
-  String8 first;
-  String8 second;
-  {
-    String8::Copies copies(original, 3);
-    original = String8("other");
-    first = copies.next();
-    EXPECT_EQ(first, "Ethernet3/1");
-    second = copies.next();
-    first = String8();
-  }
-  EXPECT_EQ(second, "Ethernet3/1");
-  EXPECT_EQ(String8::Copies(String8(), 2).next(), String8());
-}
-
 TEST(String8Test, KeepsItsOwnCharacters) {
   std::string source = "before";
   String8 const text(source);
-  source = "behind";
+  source = "after";
   EXPECT_EQ(text, "before");
 }
 
@@ -81,10 +66,25 @@ TEST(String8Test, HoldsAnyBytesAndEndsThemWithNul) {
 }
 
 TEST(String8Test, HashIsOfTheBytesAloneAndTheSameOnEveryMachine) {
-  EXPECT_EQ(String8("et3").hash(), 0x95c81457U);
-  EXPECT_EQ(String8(std::string("et") + "3").hash(), 0x95c81457U);
-  EXPECT_EQ(String8("Ethernet3/1/1").hash(), 0x28212356U);  // more than a word
-  EXPECT_EQ(String8().hash(), 1U);
+  struct Case {
+    char const* text;
+    std::uint32_t hash;
+  };
+  Case const cases[] = {
+      {"", 1},
+      {"E", 0x68bd6502U},
+      {"Et", 0x5d0ccd53U},
+      {"Eth", 0xd2fec3b9U},
+      {"Ethe", 0xed62adbfU},
+      {"Ether", 0x1b0c47f4U},
+      {"Ethern", 0x668392c4U},
+      {"Etherne", 0x8083135dU},
+      {"Ethernet", 0xebfac51dU},
+      {"Ethernet3", 0x5fd4b48dU},
+      {"\xe9t1", 0x68f7e03bU},
+      {"Ethernet3/1/1", 0x28212356U},
+  };
+  for (Case const& one : cases) EXPECT_EQ(String8(one.text).hash(), one.hash) << one.text;
 }
 
 TEST(String8Test, HashesThatSayThatThereIsNoneGiveWay) {
@@ -139,12 +139,6 @@ TEST(String8Test, IteratorWalksTheCharactersAndKnowsItsOffset) {
     walked += *it;
   }
   EXPECT_EQ(walked, "ab\0d"sv);
-
-  String8::IteratorConst it = text.begin();
-  it += 3;
-  EXPECT_EQ(it.pos(), 3U);
-  EXPECT_EQ(text.begin().viewTo(it), "ab\0"sv);
-  EXPECT_EQ(it.viewTo(text.end()), "d");
 }
 
 TEST(String8Test, StreamsItsBytes) {

@@ -7,21 +7,13 @@ namespace Hardware::Kest {
 
 namespace {
 
-constexpr char const* typeNames[] = {"fapTypeUnknown", "fapTypeArad", "fapTypeAradDual"};
-constexpr Mox::detail::EnumText<FapType> typeText{"FapType", typeNames, std::size(typeNames)};
+constexpr Mox::detail::EnumText<FapType, 3> fapTypeText{
+    "FapType", {"fapTypeUnknown", "fapTypeArad", "fapTypeAradDual"}};
 
 }  // namespace
 
 Mox::String8 stringValue(FapType value) {
-  return typeText.stringValue(value);
-}
-
-FapType FapTypeInstance(unsigned int number) {
-  return typeText.instance(number);
-}
-
-FapType FapTypeInstance(Mox::String8 const& name) {
-  return typeText.instance(name);
+  return fapTypeText.stringValue(value);
 }
 
 Mox::String8 valueToStrep(FapType const& value) {
@@ -30,7 +22,7 @@ Mox::String8 valueToStrep(FapType const& value) {
 
 FapType sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,
                         FapType*) {
-  return typeText.read(it, end);
+  return fapTypeText.read(it, end);
 }
 
 std::ostream& operator<<(std::ostream& out, FapType const& value) {
@@ -41,6 +33,6 @@ std::ostream& operator<<(std::ostream& out, FapType const& value) {
 
 Mox::MoxType const* Mox::TypeOf<Hardware::Kest::FapType>::type() {
   static EnumType<Hardware::Kest::FapType> const enumeration(
-      "Hardware::Kest::FapType", Hardware::Kest::typeText.enumerators());
+      "Hardware::Kest::FapType", Hardware::Kest::fapTypeText.enumerators());
   return &enumeration;
 }

@@ -17,10 +17,6 @@ enum class FapType : std::int32_t {
 
 /// The enumerator's name; any other number as `FapType(%d)`.
 MOX_API Mox::String8 stringValue(FapType value);
-/// `RangeException` "FapType" for a number that no enumerator has.
-MOX_API FapType FapTypeInstance(unsigned int number);
-/// `RangeException` "expected ..., found ..." for a name that no enumerator has.
-MOX_API FapType FapTypeInstance(Mox::String8 const& name);
 /// The name in apostrophes.
 MOX_API Mox::String8 valueToStrep(FapType const& value);
 MOX_API FapType sequenceToValue(Mox::String8::IteratorConst& it,

@@ -7,21 +7,13 @@ namespace Hardware::Kest {
 
 namespace {
 
-constexpr char const* modeNames[] = {"smModeInitial", "smModeStandby", "smModePolling"};
-constexpr Mox::detail::EnumText<SmMode> modeText{"SmMode", modeNames, std::size(modeNames)};
+constexpr Mox::detail::EnumText<SmMode, 3> smModeText{
+    "SmMode", {"smModeInitial", "smModeStandby", "smModePolling"}};
 
 }  // namespace
 
 Mox::String8 stringValue(SmMode value) {
-  return modeText.stringValue(value);
-}
-
-SmMode SmModeInstance(unsigned int number) {
-  return modeText.instance(number);
-}
-
-SmMode SmModeInstance(Mox::String8 const& name) {
-  return modeText.instance(name);
+  return smModeText.stringValue(value);
 }
 
 Mox::String8 valueToStrep(SmMode const& value) {
@@ -30,7 +22,7 @@ Mox::String8 valueToStrep(SmMode const& value) {
 
 SmMode sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,
                        SmMode*) {
-  return modeText.read(it, end);
+  return smModeText.read(it, end);
 }
 
 std::ostream& operator<<(std::ostream& out, SmMode const& value) {
@@ -40,7 +32,7 @@ std::ostream& operator<<(std::ostream& out, SmMode const& value) {
 }  // namespace Hardware::Kest
 
 Mox::MoxType const* Mox::TypeOf<Hardware::Kest::SmMode>::type() {
-  static EnumType<Hardware::Kest::SmMode> const enumeration("Hardware::Kest::SmMode",
-                                                            Hardware::Kest::modeText.enumerators());
+  static EnumType<Hardware::Kest::SmMode> const enumeration(
+      "Hardware::Kest::SmMode", Hardware::Kest::smModeText.enumerators());
   return &enumeration;
 }

@@ -17,10 +17,6 @@ enum class SmMode : std::int32_t {
 
 /// The enumerator's name; any other number as `SmMode(%d)`.
 MOX_API Mox::String8 stringValue(SmMode value);
-/// `RangeException` "SmMode" for a number that no enumerator has.
-MOX_API SmMode SmModeInstance(unsigned int number);
-/// `RangeException` "expected ..., found ..." for a name that no enumerator has.
-MOX_API SmMode SmModeInstance(Mox::String8 const& name);
 /// The name in apostrophes.
 MOX_API Mox::String8 valueToStrep(SmMode const& value);
 MOX_API SmMode sequenceToValue(Mox::String8::IteratorConst& it,
