@@ -42,10 +42,8 @@ class MOX_API NotifieeConst : public PtrInterface {
 /// Marks one call of an observer's handler: open while the handler runs, however it ends.
 class MOX_API ExpectationScope {
  public:
-  ExpectationScope() noexcept : ExpectationScope(depth()) {}
-  /// Where the depth outside is known: scopes that follow each other need not wait for each other.
-  explicit ExpectationScope(unsigned outside) noexcept : outside_(outside) { depth_ = outside + 1; }
-  ~ExpectationScope() { depth_ = outside_; }
+  ExpectationScope() noexcept { ++depth_; }
+  ~ExpectationScope() { --depth_; }
   ExpectationScope(ExpectationScope const&) = delete;
   ExpectationScope& operator=(ExpectationScope const&) = delete;
 
@@ -53,7 +51,6 @@ class MOX_API ExpectationScope {
   static unsigned depth() noexcept { return depth_; }
 
  private:
-  unsigned outside_;
   static unsigned depth_;
 };
 
