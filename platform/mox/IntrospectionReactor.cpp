@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view scopeMark = "::";
 
-/// What stands behind the last scope mark.
+/// What stands after the last scope mark.
 std::string_view lastName(std::string_view fullName) {
   std::size_t const mark = fullName.rfind(scopeMark);
   return mark == std::string_view::npos ? fullName : fullName.substr(mark + scopeMark.size());
@@ -114,7 +114,7 @@ void IntrospectionReactor::onAttribute(MoxType const& type, Attribute attribute)
     throwRangeException(format("'%s' has an attribute '%s' or %u already",
                                type.fullName().charPtr(), attribute.name.charPtr(), attribute.id));
   }
-  node.attributes_.add(std::move(attribute));
+  node.attributes_.push_back(std::move(attribute));
 }
 
 void IntrospectionReactor::onInheritedAttributes(MoxType const& type, MoxType const& base) {
@@ -139,7 +139,9 @@ void IntrospectionReactor::onRecordCollection(MoxType const& type, Attribute att
     throwRangeException(format("'%s' has no attribute '%s' to be a key",
                                attribute.type->fullName().charPtr(), keyName.charPtr()));
   }
-  nodeOf(type).attributes_.inheritedDel(attribute.name);
+  std::erase_if(nodeOf(type).attributes_, [&](Attribute const& one) {
+    return one.inheritedFrom != nullptr && one.name == attribute.name;
+  });
   attribute.introspectionClass = IntrospectionClass::collection;
   attribute.keyName = key->name;
   attribute.keyType = key->type;

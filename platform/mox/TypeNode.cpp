@@ -6,6 +6,16 @@
 
 namespace Mox {
 
+namespace {
+
+template <class Matches>
+Attribute const* firstOf(std::vector<Attribute> const& attributes, Matches const& matches) {
+  auto const found = std::find_if(attributes.begin(), attributes.end(), matches);
+  return found == attributes.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
 TypeNode::TypeNode(TypeNode* parent, String8 name) noexcept
     : parent_(parent), name_(std::move(name)) {}
 
@@ -18,6 +28,14 @@ TypeNode* TypeNode::member(String8 const& name) const noexcept {
   auto const found = std::find_if(members_.begin(), members_.end(),
                                   [&](auto const& member) { return member->name() == name; });
   return found == members_.end() ? nullptr : found->get();
+}
+
+Attribute const* TypeNode::attribute(String8 const& name) const noexcept {
+  return firstOf(attributes_, [&](Attribute const& one) { return one.name == name; });
+}
+
+Attribute const* TypeNode::attribute(AttributeId id) const noexcept {
+  return firstOf(attributes_, [&](Attribute const& one) { return one.id == id; });
 }
 
 }  // namespace Mox

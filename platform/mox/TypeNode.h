@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/mox/AttributeList.h"
+#include "platform/mox/Attribute.h"
 #include "platform/mox/String8.h"
 
 namespace Mox {
@@ -32,10 +32,10 @@ class MOX_API TypeNode {
   MoxType const* type() const noexcept { return type_; }
   std::vector<Argument> const& constructorArguments() const noexcept { return constructor_; }
   /// In order of announcement, inherited ones first.
-  std::vector<Attribute> const& attributes() const noexcept { return attributes_.all(); }
+  std::vector<Attribute> const& attributes() const noexcept { return attributes_; }
   /// Null when there is none.
-  Attribute const* attribute(String8 const& name) const noexcept { return attributes_.find(name); }
-  Attribute const* attribute(AttributeId id) const noexcept { return attributes_.find(id); }
+  Attribute const* attribute(String8 const& name) const noexcept;
+  Attribute const* attribute(AttributeId id) const noexcept;
 
  private:
   friend class IntrospectionReactor;
@@ -46,7 +46,7 @@ class MOX_API TypeNode {
   std::vector<std::unique_ptr<TypeNode>> members_;
   MoxType const* type_ = nullptr;
   std::vector<Argument> constructor_;
-  AttributeList attributes_;
+  std::vector<Attribute> attributes_;
 };
 
 }  // namespace Mox
