@@ -34,8 +34,11 @@ foreach(header
     model/detail/ObserverList.h
     model/detail/RecordText.h
     model/detail/SliceCollections.h
+    registry/detail/Arguments.h
     registry/detail/EntityAdapter.h
+    registry/detail/Held.h
     registry/detail/RecordAdapter.h
+    registry/detail/ValueAdapter.h
     sm/detail/Reactor.h)
   get_filename_component(directory ${header} DIRECTORY)
   install(FILES ${header} DESTINATION ${KEST_INCLUDE_DIR}/${directory})

@@ -1,16 +1,16 @@
 #include "registry/DeviceStateType.h"
 
+#include "registry/detail/Held.h"
+
 namespace Hardware::Kest::Slice {
 
 std::unique_ptr<Mox::GenericIf> DeviceStateGenericIf_::genericIfListConstructor(
     Mox::GenericIf const& list) const {
-  auto const& items = List_::of(list).items();
+  auto const& items = detail::listOf(list).items();
   if (items.size() > 1) throwUnknownArgException("DeviceState");
   DeviceState state{};
   if (!items.empty()) {
-    auto const* const number = Mox::genericVal<std::uint32_t>(items.front().get());
-    if (number == nullptr) throwTypeException("value");
-    state = DeviceStateInstance(*number);
+    state = DeviceStateInstance(detail::held<std::uint32_t>(items.front().get(), "value"));
   }
   return Mox::genericOf(state, false);
 }
@@ -22,11 +22,6 @@ std::vector<Mox::String8> DeviceState_Type::enumerators() const {
   std::vector<Mox::String8> all;
   for (DeviceState const state : deviceStates) all.push_back(stringValue(state));
   return all;
-}
-
-Mox::MoxType const* DeviceState_fwkType() {
-  static DeviceState_Type const type;
-  return &type;
 }
 
 }  // namespace Hardware::Kest::Slice

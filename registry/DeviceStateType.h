@@ -3,14 +3,16 @@
 #include "model/DeviceState.h"
 #include "model/Export.h"
 #include "platform/mox/GenericEnum.h"
+#include "registry/detail/ValueAdapter.h"
 
 /// Type object and adapter of `DeviceState`. As an enumeration cannot nest them as the records do,
 /// they stand beside it, under its name.
 namespace Hardware::Kest::Slice {
 
-class KEST_SLICE_DMA_API DeviceStateGenericIf_ final : public Mox::GenericEnum<DeviceState> {
+class KEST_SLICE_DMA_API DeviceStateGenericIf_ final
+    : public detail::ValueAdapter<DeviceState, Mox::GenericEnum<DeviceState>> {
  public:
-  using GenericEnum::GenericEnum;
+  using ValueAdapter::ValueAdapter;
   /// From a list of the state's number, or of nothing.
   std::unique_ptr<Mox::GenericIf> genericIfListConstructor(
       Mox::GenericIf const& list) const override;

@@ -2,15 +2,11 @@
 
 #include <algorithm>
 
+#include "registry/Refusals.h"
 #include "registry/detail/Arguments.h"
 #include "registry/detail/SmAttributes.h"
 
 namespace Hardware::Kest::Slice {
-
-Mox::MoxType const* KestSliceDmaSm::_fwkType() {
-  static _Type const type;
-  return &type;
-}
 
 KestSliceDmaSm::_Type::_Type() noexcept : MoxType(typeName, Kind::object) {}
 
@@ -22,8 +18,8 @@ std::unique_ptr<Mox::GenericIf> KestSliceDmaSm::_Type::genericIf_(Mox::PtrInterf
 std::unique_ptr<Mox::GenericIf> KestSliceDmaSm::_Type::genericIfNew(
     Mox::GenericIf const& arguments) const {
   detail::Arguments const given(arguments, *this);
-  auto const config = given.reference<KestSliceDmaConfig const>(0);
-  auto const status = given.reference<KestSliceDmaStatus>(1);
+  auto const config = given.value<Mox::Ptr<KestSliceDmaConfig const>>(0);
+  auto const status = given.value<Mox::Ptr<KestSliceDmaStatus>>(1);
   if (!status) given.refuse(1);
   return genericIf_(kestSliceDmaSmFactory(config, status).ptr(), false);
 }
@@ -34,7 +30,7 @@ KestSliceDmaSm::GenericIf_::GenericIf_(Mox::PtrInterface* object, bool isConst)
 void KestSliceDmaSm::GenericIf_::attributeOp(Mox::AttributeOp const& op, Mox::GenericIf const* arg,
                                              std::unique_ptr<Mox::GenericIf>& result) {
   using Code = Mox::AttributeOpCode;
-  checkModifiable(op);
+  detail::checkOperation(*this, op, arg);
   auto const& all = detail::smAttributes();
   auto const found = std::find_if(
       all.begin(), all.end(), [&](auto const& one) { return one.attribute.id == op.attribute; });

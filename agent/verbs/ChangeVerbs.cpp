@@ -13,6 +13,7 @@
 #include "platform/mox/GenericValue.h"
 #include "platform/mox/IntrospectionReactor.h"
 #include "registry/RecordTypes.h"
+#include "registry/Refusals.h"
 
 /// Changing and calling by name.
 namespace Kest::Agent {
@@ -57,7 +58,7 @@ void checkChangeable(Target const& target) {
                            (target.attribute == nullptr ? "attributes" : "entries"));
   }
   checkIsData(target);
-  if (target.object->isConst()) target.operate(AttributeOpCode::store);  // which refuses
+  if (target.object->isConst()) Hardware::Kest::Slice::refuseConst();
 }
 
 /// Adds the entry's key to a record that does not name it.

@@ -26,10 +26,10 @@ namespace Mox {
 /// or put off is lost: the next round runs it. What is added is added whole or not at all.
 ///
 /// Time. The clock is never dispatched before its time, and no more than a millisecond later than
-/// it must be: it is looked at behind every piece of work, however much more is ready. Under a time
+/// it must be: it is looked at after every piece of work, however much more is ready. Under a time
 /// source that real time does not move, waiting brings no wake-up nearer: a round then waits for
 /// descriptors, signals and its timeout alone, and work that moves the time finds the clock
-/// dispatched behind it in the same round.
+/// dispatched after it in the same round.
 class MOX_API ActivityLoop {
  public:
   using Work = std::function<void()>;
@@ -58,17 +58,17 @@ class MOX_API ActivityLoop {
   /// Long work splits itself this way to let others in between.
   void later(Work work);
 
-  /// Runs rounds until `stop()`; at once back when that was called before.
+  /// Runs rounds until `stop()`; returns at once if that was called before.
   void run();
   /// One round; waits at most `timeout` seconds. A timeout alone is no error.
   void runOnce(Seconds timeout);
-  /// Ends `run()` behind the current round.
+  /// Ends `run()` after the current round.
   void stop() noexcept { stopped_ = true; }
 
  private:
   /// A descriptor and what it is watched for.
   using Watched = std::pair<int, short>;
-  /// To run it takes no memory: it may remove itself, and what is ready must not be lost.
+  /// Shared, so that work which removes itself lives until it returns.
   using SharedWork = std::shared_ptr<Work const>;
   struct Watch {
     SharedWork work;

@@ -22,7 +22,6 @@ class GenericEnum : public GenericValue<Enum> {
 
   void attributeOp(AttributeOp const& op, GenericIf const* arg,
                    std::unique_ptr<GenericIf>& result) override {
-    this->checkModifiable(op);
     bool const read = op.code == AttributeOpCode::read;
     TypeNode const* const node = this->type()->typeNode();
     Attribute const* const attribute = node == nullptr ? nullptr : node->attribute(op.attribute);

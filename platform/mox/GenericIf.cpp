@@ -34,12 +34,6 @@ void const* GenericIf::voidPtr() const {
   return nullptr;
 }
 
-void* GenericIf::voidPtrIs(MoxType const* wanted) {
-  if (isConst_) refuseModification();
-  if (type_ != wanted || voidPtr() == nullptr) throwTypeException(wanted->fullName());
-  return const_cast<void*>(voidPtr());
-}
-
 AttributeId GenericIf::attributeId(String8 const& name) const {
   TypeNode const* const node = type_->typeNode();
   Attribute const* const attribute = node == nullptr ? nullptr : node->attribute(name);
@@ -49,7 +43,6 @@ AttributeId GenericIf::attributeId(String8 const& name) const {
 
 void GenericIf::attributeOp(AttributeOp const& op, GenericIf const*,
                             std::unique_ptr<GenericIf>& result) {
-  checkModifiable(op);
   if (op.attribute != wholeAttributeId || op.code != AttributeOpCode::read) {
     refuse(type_, op.attribute, op.code);
   }
@@ -109,10 +102,6 @@ void GenericIf::throwNotBoundException(String8 const& name) {
   throw GenericAccessException(Kind::notBound, format("no '%s' is bound", name.charPtr()));
 }
 
-void GenericIf::refuseModification() {
-  throwConstException("attempting to modify a const instance");
-}
-
 GenericIf::List_::List_() noexcept : GenericIf(_fwkType(), true) {}
 
 GenericIf::List_::List_(List_ const& other) : GenericIf(other) {
@@ -144,11 +133,6 @@ String8 GenericIf::List_::strRep() const {
     separator = ", ";
   }
   return String8(text.append("]"));
-}
-
-GenericIf::List_ const& GenericIf::List_::of(GenericIf const& list) {
-  if (list.type() != _fwkType()) throwTypeException(_fwkType()->fullName());
-  return static_cast<List_ const&>(list);
 }
 
 }  // namespace Mox

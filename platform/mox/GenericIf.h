@@ -85,7 +85,8 @@ class MOX_API AttributeIterator {
 };
 
 /// Adapter: generic access to one value, of which it holds a copy, or to one object, to which it
-/// holds a reference. Through an adapter with the const flag nothing can be changed.
+/// holds a reference. Through an adapter with the const flag nothing can be changed: the adapters
+/// that support a modifying operation refuse it first (`throwConstException`).
 class MOX_API GenericIf {
  public:
   class List_;
@@ -93,7 +94,7 @@ class MOX_API GenericIf {
   GenericIf& operator=(GenericIf const&) = delete;
   virtual ~GenericIf() = default;
 
-  /// Of the value, or of the object or reference.
+  /// The type of the value, or of the object or reference.
   MoxType const* type() const noexcept { return type_; }
   bool isConst() const noexcept { return isConst_; }
   virtual std::unique_ptr<GenericIf> clone() const = 0;
@@ -102,8 +103,6 @@ class MOX_API GenericIf {
 
   /// The held value, for whoever knows its C++ type by `type()`; null when an object is held.
   virtual void const* voidPtr() const;
-  /// The same to write to. A type error when it is not of `wanted`; refused on a const adapter.
-  void* voidPtrIs(MoxType const* wanted);
 
   /// Number of the attribute of that name, as registered; refused when there is none.
   virtual AttributeId attributeId(String8 const& name) const;
@@ -143,12 +142,6 @@ class MOX_API GenericIf {
   GenericIf(MoxType const* type, bool isConst) noexcept : type_(type), isConst_(isConst) {}
   GenericIf(GenericIf const&) = default;
 
-  /// Refuses an operation that modifies through a const adapter.
-  void checkModifiable(AttributeOp const& op) const {
-    if (isConst_ && isModifying(op.code)) refuseModification();
-  }
-  [[noreturn]] static void refuseModification();
-
  private:
   MoxType const* type_;
   bool isConst_;
@@ -168,9 +161,6 @@ class MOX_API GenericIf::List_ : public GenericIf {
   static MoxType const* _fwkType();
   std::unique_ptr<GenericIf> clone() const override;
   String8 strRep() const override;
-
-  /// `list` as a list; a type error when it is none.
-  static List_ const& of(GenericIf const& list);
 
  private:
   std::vector<std::unique_ptr<GenericIf>> items_;

@@ -35,7 +35,6 @@ GenericIfEntity::~GenericIfEntity() = default;
 
 void GenericIfEntity::attributeOp(AttributeOp const& op, GenericIf const* arg,
                                   std::unique_ptr<GenericIf>& result) {
-  checkModifiable(op);
   for (EntityAttribute const& attribute : attributes) {
     if (attribute.id != op.attribute || op.code != AttributeOpCode::read) continue;
     if (op.index != nullptr) throwBadIndexAttrException(attribute.name);

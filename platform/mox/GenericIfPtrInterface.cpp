@@ -15,11 +15,6 @@ GenericIfPtrInterface::GenericIfPtrInterface(MoxType const* type, PtrInterface* 
 
 GenericIfPtrInterface::~GenericIfPtrInterface() = default;
 
-Ptr<PtrInterface> const& GenericIfPtrInterface::mutableObject() const {
-  if (isConst()) refuseModification();
-  return object_;
-}
-
 std::unique_ptr<GenericIf> GenericIfPtrInterface::clone() const {
   return type()->genericIf_(object_.ptr(), isConst());
 }
@@ -34,13 +29,12 @@ String8 GenericIfPtrInterface::strRep() const {
 
 void GenericIfPtrInterface::attributeOp(AttributeOp const& op, GenericIf const* arg,
                                         std::unique_ptr<GenericIf>& result) {
-  checkModifiable(op);
   if (op.attribute != wholeAttributeId || op.code != AttributeOpCode::equality) {
     GenericIf::attributeOp(op, arg, result);
     return;
   }
   auto const* const other = dynamic_cast<GenericIfPtrInterface const*>(arg);
-  if (other == nullptr || other->type() != type()) throwTypeException("moxOpArg");
+  if (other == nullptr || other->type() != type()) throwTypeException(type()->fullName());
   result = genericOf(object_ == other->object_);
 }
 

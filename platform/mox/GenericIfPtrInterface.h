@@ -17,9 +17,8 @@ class MOX_API GenericIfPtrInterface : public GenericIf {
   GenericIfPtrInterface(MoxType const* type, PtrInterface* object, bool isConst);
   ~GenericIfPtrInterface() override;
 
-  Ptr<PtrInterface const> object() const noexcept { return object_; }
-  /// The same to change; refused on a const adapter.
-  Ptr<PtrInterface> const& mutableObject() const;
+  /// Not to be changed through a const adapter.
+  Ptr<PtrInterface> const& object() const noexcept { return object_; }
 
   std::unique_ptr<GenericIf> clone() const override;
   /// A reference's text form; `ObjectPtr('Type')` for an object that is no entity.
@@ -54,12 +53,7 @@ Ptr<T> genericRef(GenericIf const* generic, bool& isReference) {
   isReference = generic != nullptr && generic->type() == TypeOf<std::remove_const_t<T>>::type() &&
                 (std::is_const_v<T> || !generic->isConst());
   if (!isReference) return nullptr;
-  auto const* const reference = static_cast<GenericIfPtrInterface const*>(generic);
-  if constexpr (std::is_const_v<T>) {
-    return ptrCast<T>(reference->object());
-  } else {
-    return ptrCast<T>(reference->mutableObject());
-  }
+  return ptrCast<T>(static_cast<GenericIfPtrInterface const*>(generic)->object());
 }
 
 }  // namespace Mox

@@ -29,7 +29,6 @@ class GenericValue : public GenericIf {
       : GenericIf(TypeOf<T>::type(), isConst), value_(std::move(value)) {}
 
   T const& val() const noexcept { return value_; }
-  void valIs(T value) { *static_cast<T*>(this->voidPtrIs(this->type())) = std::move(value); }
 
   void const* voidPtr() const override { return &value_; }
   std::unique_ptr<GenericIf> clone() const override {
@@ -40,47 +39,35 @@ class GenericValue : public GenericIf {
   void attributeOp(AttributeOp const& op, GenericIf const* arg,
                    std::unique_ptr<GenericIf>& result) override;
 
+ protected:
+  T& value() noexcept { return value_; }
+
  private:
   T value_;
-};
-
-/// A type of the platform all of whose adapters are `GenericValue`s out of the platform's library.
-template <class T>
-concept IsBasic = requires {
-  TypeOf<T>::isBasic;
 };
 
 /// The adapter of a value, as its type object makes it.
 template <class T>
 std::unique_ptr<GenericIf> genericOf(T const& value, bool isConst = true) {
-  if constexpr (IsBasic<T>) {
-    return std::make_unique<GenericValue<T>>(value, isConst);  // straight, for 0.1 of a read
-  } else {
-    return TypeOf<T>::type()->genericIf(&value, isConst);
-  }
+  return TypeOf<T>::type()->genericIf(&value, isConst);
 }
 
 /// The value that an adapter holds if it is a `T`; otherwise null, as for no adapter.
 template <class T>
 T const* genericVal(GenericIf const* generic) {
   if (generic == nullptr || generic->type() != TypeOf<T>::type()) return nullptr;
-  if constexpr (IsBasic<T>) {
-    return &static_cast<GenericValue<T> const*>(generic)->val();
-  } else {
-    return static_cast<T const*>(generic->voidPtr());
-  }
+  return static_cast<T const*>(generic->voidPtr());
 }
 
 template <class T>
 void GenericValue<T>::attributeOp(AttributeOp const& op, GenericIf const* arg,
                                   std::unique_ptr<GenericIf>& result) {
-  checkModifiable(op);
   if (op.attribute != wholeAttributeId || op.code != AttributeOpCode::equality) {
     GenericIf::attributeOp(op, arg, result);
     return;
   }
   auto const* const other = genericVal<T>(arg);
-  if (other == nullptr) throwTypeException("moxOpArg");
+  if (other == nullptr) throwTypeException(type()->fullName());
   result = genericOf<bool>(value_ == *other);
 }
 
@@ -107,44 +94,32 @@ class ValueType : public MoxType {
   }
 };
 
-namespace detail {
+// The platform's basic types.
 
-// The type objects of the basic types. They are objects rather than functions' own, so that whoever
-// compares types compares addresses and calls nobody.
-MOX_API extern ValueType<bool> const boolType;
-MOX_API extern ValueType<std::uint16_t> const u16Type;
-MOX_API extern ValueType<std::uint32_t> const u32Type;
-MOX_API extern ValueType<unsigned long long> const u64Type;
-MOX_API extern ValueType<double> const doubleType;
-MOX_API extern ValueType<String8> const stringType;
-
-template <auto const& object>
-struct BasicType {
-  static constexpr bool isBasic = true;
-  static MoxType const* type() noexcept { return &object; }
+template <>
+struct MOX_API TypeOf<bool> {
+  static MoxType const* type();
 };
-
-}  // namespace detail
-
 template <>
-struct TypeOf<bool> : detail::BasicType<detail::boolType> {};
+struct MOX_API TypeOf<std::uint16_t> {
+  static MoxType const* type();
+};
 template <>
-struct TypeOf<std::uint16_t> : detail::BasicType<detail::u16Type> {};
+struct MOX_API TypeOf<std::uint32_t> {
+  static MoxType const* type();
+};
 template <>
-struct TypeOf<std::uint32_t> : detail::BasicType<detail::u32Type> {};
+struct MOX_API TypeOf<unsigned long long> {
+  static MoxType const* type();
+};
 template <>
-struct TypeOf<unsigned long long> : detail::BasicType<detail::u64Type> {};
+struct MOX_API TypeOf<double> {
+  static MoxType const* type();
+};
 template <>
-struct TypeOf<double> : detail::BasicType<detail::doubleType> {};
-template <>
-struct TypeOf<String8> : detail::BasicType<detail::stringType> {};
-
-extern template class MOX_API GenericValue<bool>;
-extern template class MOX_API GenericValue<std::uint16_t>;
-extern template class MOX_API GenericValue<std::uint32_t>;
-extern template class MOX_API GenericValue<unsigned long long>;
-extern template class MOX_API GenericValue<double>;
-extern template class MOX_API GenericValue<String8>;
+struct MOX_API TypeOf<String8> {
+  static MoxType const* type();
+};
 
 /// The type of whatever has no value to hand out, such as a handler.
 MOX_API MoxType const* untypedPointer();

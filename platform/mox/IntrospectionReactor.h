@@ -36,8 +36,8 @@ class MOX_API IntrospectionReactor {
   void onAttribute(MoxType const& type, Attribute attribute);
   /// Every attribute of `base`, in its order, as inherited.
   void onInheritedAttributes(MoxType const& type, MoxType const& base);
-  /// An enumeration's enumerators as attributes whose numbers are their values, and behind them the
-  /// attribute `value` of every enumeration.
+  /// An enumeration's enumerators as attributes whose numbers are their values, then the attribute
+  /// `value` that every enumeration has.
   void onEnumerators(MoxType const& type);
   /// A collection of records under one of their own fields: `keyName` is an attribute of
   /// `attribute.type`, which gives the key's type. An inherited attribute of the same name is

@@ -14,23 +14,35 @@
 /// The platform's own types, registered when it is loaded.
 namespace Mox {
 
-namespace detail {
+MoxType const* TypeOf<bool>::type() {
+  static ValueType<bool> const type("bool");
+  return &type;
+}
 
-ValueType<bool> const boolType("bool");
-ValueType<std::uint16_t> const u16Type("U16");
-ValueType<std::uint32_t> const u32Type("U32");
-ValueType<unsigned long long> const u64Type("U64");
-ValueType<double> const doubleType("double");
-ValueType<String8> const stringType("Mox::String");
+MoxType const* TypeOf<std::uint16_t>::type() {
+  static ValueType<std::uint16_t> const type("U16");
+  return &type;
+}
 
-}  // namespace detail
+MoxType const* TypeOf<std::uint32_t>::type() {
+  static ValueType<std::uint32_t> const type("U32");
+  return &type;
+}
 
-template class GenericValue<bool>;
-template class GenericValue<std::uint16_t>;
-template class GenericValue<std::uint32_t>;
-template class GenericValue<unsigned long long>;
-template class GenericValue<double>;
-template class GenericValue<String8>;
+MoxType const* TypeOf<unsigned long long>::type() {
+  static ValueType<unsigned long long> const type("U64");
+  return &type;
+}
+
+MoxType const* TypeOf<double>::type() {
+  static ValueType<double> const type("double");
+  return &type;
+}
+
+MoxType const* TypeOf<String8>::type() {
+  static ValueType<String8> const type("Mox::String");
+  return &type;
+}
 
 MoxType const* untypedPointer() {
   static MoxType const type("Mox::VoidPtr", MoxType::Kind::untyped);

@@ -19,8 +19,8 @@ struct MOX_API ThreadSafePtr {
   static std::atomic<bool> on;
 };
 
-/// A count that is atomic only while the thread-safe pointer switch is on; otherwise plain. An
-/// atomic `become` or `sub` comes behind all that other threads did before theirs.
+/// A count that is atomic only while the thread-safe pointer switch is on; otherwise plain. After
+/// an atomic `become` or `sub` a thread sees all that other threads did before theirs.
 template <class Count>
 class ReferenceCount {
  public:
@@ -108,9 +108,9 @@ class MOX_API PtrInterface {
   }
   void notifierReferenceNew() const noexcept;
   void notifierReferenceDel() const noexcept;
-  /// Comes before an ordinary reference that an observer lends of its notifier. If only observers
-  /// hold the object then, nobody is told when that reference and its copies have gone: to look at
-  /// a notifier is not to use it from outside.
+  /// Called before an observer hands out an ordinary reference to its notifier. If only observers
+  /// hold the object, nobody is told when that reference and its copies have gone: looking at a
+  /// notifier is not using it from outside.
   void notifierReferenceLent() const noexcept {
     if (!isHeldOutside(counts_.value())) flagIs(lent, true);
   }

@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <vector>
 
-#include "platform/mox/GenericIfPtrInterface.h"
-#include "platform/mox/GenericValue.h"
 #include "platform/mox/String8.h"
 #include "platform/mox/TypeNode.h"
+#include "registry/Refusals.h"
+#include "registry/detail/Held.h"
 
 namespace Hardware::Kest::Slice::detail {
 
@@ -18,7 +18,7 @@ class Arguments {
   /// @param list a list, or null for no arguments; like the rest it must outlive this
   Arguments(Mox::GenericIf const* list, Mox::String8 const& takes,
             std::vector<Mox::Argument> const& declared)
-      : list_(list == nullptr ? nullptr : &Mox::GenericIf::List_::of(*list)), declared_(declared) {
+      : list_(list == nullptr ? nullptr : &listOf(*list)), declared_(declared) {
     if (list_ != nullptr && list_->items().size() > declared_.size()) {
       Mox::GenericIf::throwUnknownArgException(takes);
     }
@@ -30,20 +30,10 @@ class Arguments {
   Arguments(Mox::GenericIf const& list, Mox::MoxType const& type)
       : Arguments(&list, type.fullName(), type.typeNode()->constructorArguments()) {}
 
+  /// A value, or a reference if `T` is a `Ptr`.
   template <class T>
-  T const& value(std::size_t index) const {
-    auto const* const value = Mox::genericVal<T>(item(index));
-    if (value == nullptr) refuse(index);
-    return *value;
-  }
-
-  /// A reference, which may be null; one to a constant object does for a `T const` alone.
-  template <class T>
-  Mox::Ptr<T> reference(std::size_t index) const {
-    bool isReference = false;
-    auto reference = Mox::genericRef<T>(item(index), isReference);
-    if (!isReference) refuse(index);
-    return reference;
+  decltype(auto) value(std::size_t index) const {
+    return held<T>(item(index), declared_[index].name);
   }
 
   [[noreturn]] void refuse(std::size_t index) const {

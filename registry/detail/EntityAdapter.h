@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "model/detail/Collection.h"
+#include "platform/mox/Dir.h"
 #include "platform/mox/GenericIfEntity.h"
-#include "platform/mox/GenericValue.h"
+#include "registry/Refusals.h"
+#include "registry/detail/Arguments.h"
 
 /// Generic access to the collections of an entity, by its collection table.
 namespace Hardware::Kest::Slice::detail {
@@ -41,73 +43,40 @@ constexpr char const* wrongKeyName() {
   return isDevice ? Collection::keyName : Collection::name;
 }
 
-/// One operation on one collection. What it changes goes through the collection's mutators, so
-/// observers are told as of any other change.
+/// One operation on one collection. Changes go through the collection's mutators, so observers are
+/// told as of any other change.
 template <class Collection>
-class CollectionOperation {
- public:
+void collectionOp(Collection& collection, Mox::AttributeOp const& op, Mox::GenericIf const* arg,
+                  std::unique_ptr<Mox::GenericIf>& result) {
   using Code = Mox::AttributeOpCode;
   using Value = typename Collection::Value;
-
-  CollectionOperation(Collection& collection, Mox::AttributeOp const& op, Mox::GenericIf const* arg)
-      : collection_(collection), op_(op), arg_(arg) {}
-
-  void carryOut(std::unique_ptr<Mox::GenericIf>& result) const {
-    switch (op_.code) {
-      case Code::read:
-        result = Mox::genericOf(collection_.value(key()));
-        return;
-      case Code::store:
-        store();
-        return;
-      case Code::remove:
-        result = removed();
-        return;
-      case Code::notify:
-        collection_.notify(key());
-        return;
-      default:
-        Mox::GenericIf::throwOpNotSupportedException(Collection::name, op_.code);
-    }
-  }
-
-  static Mox::String8 const& key(Mox::GenericIf const* index, char const* wrongName) {
-    auto const* const key = Mox::genericVal<Mox::String8>(index);
-    if (key == nullptr) Mox::GenericIf::throwTypeException(wrongName);
-    return *key;
-  }
-
- private:
-  Mox::String8 const& key() const { return key(op_.index, wrongKeyName<Collection>()); }
-
-  /// What is to be returned is made first: behind the removal there may be no memory for it.
-  std::unique_ptr<Mox::GenericIf> removed() const {
-    auto const it = collection_.iteratorConst(key());
-    auto value = Mox::genericOf(it ? it.value() : Value());
-    collection_.del(it);
-    return value;
-  }
-
-  /// A record brings its key; an index beside it must be the same.
-  void store() const {
-    auto const* const value = Mox::genericVal<Value>(arg_);
-    if constexpr (IsRecord<Value>) {
-      if (value == nullptr) Mox::GenericIf::throwTypeException(Collection::name);
-      if (op_.index != nullptr && !(key() == Collection::keyOf(*value))) {
+  auto const key = [&]() -> Mox::String8 const& {
+    return held<Mox::String8>(op.index, wrongKeyName<Collection>());
+  };
+  if (op.code == Code::read) {
+    result = Mox::genericOf(collection.value(key()));
+  } else if (op.code == Code::store) {
+    if constexpr (IsRecord<Value>) {  // brings its key; an index beside it must be the same
+      Value const& record = held<Value>(arg, Collection::name);
+      if (op.index != nullptr && !(key() == Collection::keyOf(record))) {
         Mox::GenericIf::throwBadIndexAttrException(Collection::name);
       }
-      collection_.valueIs(Collection::keyOf(*value), *value);
+      collection.valueIs(Collection::keyOf(record), record);
     } else {
       Mox::String8 const& at = key();
-      if (value == nullptr) Mox::GenericIf::throwTypeException(Collection::name);
-      collection_.valueIs(at, *value);
+      collection.valueIs(at, held<Value>(arg, Collection::name));
     }
+  } else if (op.code == Code::remove) {
+    auto const it = collection.iteratorConst(key());
+    // Made first: after the removal there may be no memory for it.
+    result = Mox::genericOf(it ? it.value() : Value());
+    collection.del(it);
+  } else if (op.code == Code::notify) {
+    collection.notify(key());
+  } else {
+    Mox::GenericIf::throwOpNotSupportedException(Collection::name, op.code);
   }
-
-  Collection& collection_;
-  Mox::AttributeOp const& op_;
-  Mox::GenericIf const* arg_;
-};
+}
 
 /// Adapter of an entity with collections (`forEachCollection`).
 template <class Entity>
@@ -118,12 +87,15 @@ class EntityAdapter : public Mox::GenericIfEntity {
 
   void attributeOp(Mox::AttributeOp const& op, Mox::GenericIf const* arg,
                    std::unique_ptr<Mox::GenericIf>& result) override {
-    checkModifiable(op);
-    // What is no attribute of its own can be asked of a null reference too.
+    checkOperation(*this, op, arg);
+    if (op.attribute < Entity::firstOwnAttributeId) {  // can be asked of a null reference too
+      return GenericIfEntity::attributeOp(op, arg, result);
+    }
+    if constexpr (requires { Entity::sliceIdAttributeId; }) {
+      if (op.attribute == Entity::sliceIdAttributeId) return sliceIdOp(op, arg, result);
+    }
     bool const known =
-        op.attribute >= Entity::firstOwnAttributeId && visit(op.attribute, [&](auto& collection) {
-          CollectionOperation(collection, op, arg).carryOut(result);
-        });
+        visit(op.attribute, [&](auto& collection) { collectionOp(collection, op, arg, result); });
     if (!known) GenericIfEntity::attributeOp(op, arg, result);
   }
 
@@ -138,17 +110,28 @@ class EntityAdapter : public Mox::GenericIfEntity {
       Mox::AttributeId attribute, Mox::GenericIf const* key) const override {
     std::unique_ptr<Mox::AttributeIterator> iterator;
     visit(attribute, [&](auto& collection) {
-      using Operation = CollectionOperation<std::remove_reference_t<decltype(collection)>>;
-      iterator = start(collection, Operation::key(key, "mox_index"));
+      iterator = start(collection, held<Mox::String8>(key, "mox_index"));
     });
     return iterator ? std::move(iterator)
                     : GenericIfEntity::attributeIteratorKeyConst(attribute, key);
   }
 
- protected:
-  Entity& entity() const { return objectAs<Entity>(); }
-
  private:
+  Entity& entity() const { return this->template objectAs<Entity>(); }
+
+  void sliceIdOp(Mox::AttributeOp const& op, Mox::GenericIf const* arg,
+                 std::unique_ptr<Mox::GenericIf>& result) {
+    char const* const name = Entity::sliceIdName;
+    if (op.index != nullptr) throwBadIndexAttrException(name);
+    if (op.code == Mox::AttributeOpCode::read) {
+      result = Mox::genericOf(entity().sliceId());
+    } else if (op.code == Mox::AttributeOpCode::store) {
+      entity().sliceIdIs(held<Mox::String8>(arg, name));
+    } else {
+      throwOpNotSupportedException(name, op.code);
+    }
+  }
+
   /// Visits the collection of that number; false when there is none.
   template <class Visit>
   bool visit(Mox::AttributeId attribute, Visit visitOne) const {
@@ -175,9 +158,19 @@ class EntityTypeObject : public Mox::EntityType {
  public:
   EntityTypeObject() noexcept : EntityType(Entity::typeName) {}
 
+  /// A new entity of that name. It is not put into a directory, which is not used.
+  static Mox::Ptr<Entity> newEntity(Mox::Name const& name, Mox::Dir* /*unused*/) {
+    return new Entity(name);
+  }
+
   std::unique_ptr<Mox::GenericIf> genericIf_(Mox::PtrInterface* object,
                                              bool isConst) const override {
     return std::make_unique<typename Entity::GenericIf_>(object, isConst);
+  }
+  /// From the constructor's one argument, the name.
+  std::unique_ptr<Mox::GenericIf> genericIfNew(Mox::GenericIf const& list) const override {
+    Arguments const arguments(list, *this);
+    return genericIf_(newEntity(arguments.value<Mox::Name>(0), nullptr).ptr(), false);
   }
 };
 

@@ -80,8 +80,8 @@ SmAttribute callWithFlag(char const* name, Mox::AttributeId id, char const* argu
       }};
 }
 
-/// The adapter of what is bound, made before `unbind` lets go of it: behind that there may be no
-/// memory for it.
+/// The adapter of what is bound. It is made before `unbind` lets go, since afterwards there may be
+/// no memory for it.
 template <class T, class Unbind>
 std::unique_ptr<GenericIf> unbound(Mox::Ptr<T> const& bound, Unbind const& unbind) {
   auto adapter = genericOf(bound);
@@ -118,10 +118,7 @@ SmAttribute stateTimer() {
           .read = [](Sm const& sm) { return genericOf(sm.stateTimer()); },
           .store =
               [](Sm& sm, GenericIf const* value) {
-                bool isReference = false;
-                auto const clock = Mox::genericRef<Mox::Clock const>(value, isReference);
-                if (!isReference) GenericIf::throwTypeException(stateTimerName);
-                sm.stateTimerIs(clock);
+                sm.stateTimerIs(held<Mox::Ptr<Mox::Clock const>>(value, stateTimerName));
               },
           .remove = [](Sm& sm) { return unbound(sm.stateTimer(), [&] { sm.stateTimerDel(); }); }};
 }
@@ -131,10 +128,9 @@ SmAttribute mode() {
           .read = [](Sm const& sm) { return genericOf(sm.mode()); },
           .store =
               [](Sm& sm, GenericIf const* value) {
-                auto const* const mode = Mox::genericVal<SmMode>(value);
-                if (mode == nullptr) GenericIf::throwTypeException(modeName);
-                if (*mode != sm.mode() && Sm::armsPoll(*mode)) needTimer(sm);
-                sm.modeIs(*mode);
+                SmMode const mode = held<SmMode>(value, modeName);
+                if (mode != sm.mode() && Sm::armsPoll(mode)) needTimer(sm);
+                sm.modeIs(mode);
               }};
 }
 

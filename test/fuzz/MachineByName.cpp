@@ -139,7 +139,7 @@ bool machineMayEnd(World const& world, GenericIf const& on, Mox::AttributeOp con
   String8 const& name = attribute->name;
   String8 key;
   if (arg != nullptr && arg->type() == GenericIf::List_::_fwkType()) {
-    auto const& items = GenericIf::List_::of(*arg).items();
+    auto const& items = static_cast<GenericIf::List_ const&>(*arg).items();
     auto const* const first = items.empty() ? nullptr : Mox::genericVal<String8>(items[0].get());
     if (first != nullptr) key = *first;
   }

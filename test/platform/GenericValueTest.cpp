@@ -22,7 +22,6 @@ using Mox::GenericValue;
 using Mox::TypeOf;
 using Mox::wholeAttributeId;
 using Test::badIndex;
-using Test::constInstance;
 using Test::GenericRefusal;
 using Test::genericRefusal;
 using Test::noSuchAttribute;
@@ -67,28 +66,11 @@ TEST(GenericValue, CopiesApartWithTheConstFlag) {
   GenericValue<Spot> original(spot("a", 1), false);
   auto const copy = original.clone();
   auto const whole = operate(original, {wholeAttributeId, Code::read});
-  original.valIs(spot("b", 2));
   for (auto const* one : {copy.get(), whole.get()}) {
     EXPECT_EQ(*genericVal<Spot>(one), spot("a", 1));
     EXPECT_FALSE(one->isConst());
   }
   EXPECT_TRUE(genericOf(spot("a", 1))->clone()->isConst());
-  EXPECT_EQ(original.val(), spot("b", 2));
-}
-
-TEST(GenericValue, IsWrittenThroughAPointerOfItsType) {
-  GenericValue<Spot> generic(spot("a", 1), false);
-  static_cast<Spot*>(generic.voidPtrIs(Spot::_fwkType()))->size = 7;
-  EXPECT_EQ(generic.val(), spot("a", 7));
-  EXPECT_EQ(genericRefusal([&] { generic.voidPtrIs(TypeOf<bool>::type()); }), wrongType("bool"));
-}
-
-TEST(GenericValue, IsNotWrittenThroughTheConstFlag) {
-  GenericValue<Spot> generic(spot("a", 1), true);
-  EXPECT_EQ(genericRefusal([&] { generic.valIs(spot("b", 2)); }), constInstance());
-  EXPECT_EQ(genericRefusal([&] { generic.voidPtrIs(Spot::_fwkType()); }), constInstance());
-  EXPECT_EQ(genericRefusal([&] { generic.voidPtrIs(TypeOf<bool>::type()); }), constInstance());
-  EXPECT_EQ(generic.val(), spot("a", 1));
 }
 
 TEST(GenericValue, IsEqualByContent) {
@@ -98,9 +80,9 @@ TEST(GenericValue, IsEqualByContent) {
   EXPECT_EQ(genericRefusal([&] {
               operate(*generic, {wholeAttributeId, Code::equality});
             }),
-            wrongType("moxOpArg"));
+            wrongType("Toy::Box::Spot"));
   EXPECT_EQ(genericRefusal([&] { equal(*generic, *genericOf(Mox::String8("a"))); }),
-            wrongType("moxOpArg"));
+            wrongType("Toy::Box::Spot"));
 }
 
 TEST(GenericValue, RefusesEveryOtherOperation) {
@@ -116,10 +98,6 @@ TEST(GenericValue, RefusesEveryOtherOperation) {
               }),
               noSuchAttribute("Toy::Box::Spot", "2"));
   }
-  EXPECT_EQ(genericRefusal([&] {
-              operate(*genericOf(spot("a", 1)), {2, Code::store});
-            }),
-            constInstance());
   EXPECT_EQ(genericRefusal([&] { generic->attributeId("name"); }),
             noSuchAttribute("Toy::Box::Spot", "name"));
   EXPECT_EQ(genericRefusal([&] { generic->attributeIteratorConst(2); }),
@@ -253,10 +231,6 @@ TEST_F(GenericEnumTest, RefusesAnythingElse) {
               operate(*green, {2, Code::read});
             }),
             noSuchAttribute("Toy::Colour", "2"));
-  EXPECT_EQ(genericRefusal([&] {
-              operate(*genericOf(Colour::red), {2, Code::store});
-            }),
-            constInstance());
 }
 
 TEST(GenericEnum, UnregisteredIsStillAValue) {
@@ -287,7 +261,7 @@ TEST(GenericList, CopiesItsItems) {
   auto const inner = list.items()[0].get();
   list.add(genericOf(false));
   EXPECT_EQ(copy->strRep(), "['it\\'s', True]");
-  EXPECT_NE(List::of(*copy).items()[0].get(), inner);
+  EXPECT_NE(static_cast<List const&>(*copy).items()[0].get(), inner);
   list.add(copy->clone());
   EXPECT_EQ(list.strRep(), "['it\\'s', True, False, ['it\\'s', True]]");
 }
@@ -296,12 +270,6 @@ TEST(GenericList, TakesNoItemThatIsMissing) {
   List list = listOfTwo();
   EXPECT_EQ(genericRefusal([&] { list.add(nullptr); }), wrongType("item"));
   EXPECT_EQ(list.clone()->strRep(), "['it\\'s', True]");
-}
-
-TEST(GenericList, IsToldFromOtherValues) {
-  List const list = listOfTwo();
-  EXPECT_EQ(&List::of(list), &list);
-  EXPECT_EQ(genericRefusal([] { List::of(*genericOf(true)); }), wrongType("List"));
 }
 
 }  // namespace

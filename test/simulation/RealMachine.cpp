@@ -57,7 +57,7 @@ void RealWorld::newMachine(Event const& event) {
   }
   Slice::List const arguments = Slice::listOf(Mox::genericOf(config), Mox::genericOf(status));
   Slice::Generic const made = Sm::_fwkType()->genericIfNew(arguments);
-  sm_ = Mox::ptrCast<Sm>(static_cast<Mox::GenericIfPtrInterface const&>(*made).mutableObject());
+  sm_ = Mox::ptrCast<Sm>(static_cast<Mox::GenericIfPtrInterface const&>(*made).object());
 }
 
 void RealWorld::carryOutOnMachine(Event const& event) {

@@ -1,9 +1,12 @@
+#include "registry/EntityTypes.h"
 #include "registry/RecordTypes.h"
+#include "registry/SmType.h"
 
 namespace Hardware::Kest::Slice {
 
 namespace {
 
+/// The one type object of that class, made on first use.
 template <class Type>
 Mox::MoxType const* typeObject() {
   static Type const type;
@@ -11,6 +14,10 @@ Mox::MoxType const* typeObject() {
 }
 
 }  // namespace
+
+Mox::MoxType const* DeviceState_fwkType() {
+  return typeObject<DeviceState_Type>();
+}
 
 Mox::MoxType const* KestSliceDmaConfig::SwitchPort::_fwkType() {
   return typeObject<_Type>();
@@ -20,11 +27,23 @@ Mox::MoxType const* KestSliceDmaConfig::Device::_fwkType() {
   return typeObject<_Type>();
 }
 
+Mox::MoxType const* KestSliceDmaConfig::_fwkType() {
+  return typeObject<_Type>();
+}
+
 Mox::MoxType const* KestSliceDmaStatus::SwitchPort::_fwkType() {
   return typeObject<_Type>();
 }
 
 Mox::MoxType const* KestSliceDmaStatus::Device::_fwkType() {
+  return typeObject<_Type>();
+}
+
+Mox::MoxType const* KestSliceDmaStatus::_fwkType() {
+  return typeObject<_Type>();
+}
+
+Mox::MoxType const* KestSliceDmaSm::_fwkType() {
   return typeObject<_Type>();
 }
 
