@@ -63,9 +63,17 @@ namespace {
 
 using Simulation::DriverCalls;
 
+/// The simulation knows values by their numbers.
+int numbered(FapType type) {
+  return static_cast<int>(type);
+}
+auto const& numbered(auto const& argument) {
+  return argument;
+}
+
 int driven(char const* operation, auto*, auto const& name, auto const&... others) {
-  return DriverCalls::current().called(operation, name,
-                                       Support::driverLine(operation, name, others...), 0);
+  return DriverCalls::current().called(
+      operation, name, Support::driverLine(operation, name, numbered(others)...), 0);
 }
 
 int driven(char const* operation, auto*, char const* ifName, bool mode, unsigned short vlan) {

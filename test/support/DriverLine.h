@@ -16,7 +16,7 @@ inline std::string argumentText(Mox::Ptr<Fru::PciHam const> const& handle) {
   return handle ? argumentText(handle->name().string()) : "null";
 }
 inline std::string argumentText(Hardware::Kest::FapType type) {
-  return text(static_cast<int>(type));
+  return text(stringValue(type).view());
 }
 template <std::integral Number>
 std::string argumentText(Number number) {
