@@ -8,17 +8,18 @@
 #include "driver/sim/Export.h"
 
 /// The lines of changes that follow the document in a state file: `+CHECK CHANGE`, CHECK eight
-/// hexadecimal digits over CHANGE and all that is in front of the line. So a line holds in its
-/// place after that document alone.
+/// hexadecimal digits over CHANGE and everything before the line. So a line is valid only where it
+/// was written: after this document and these changes.
 namespace Hardware::Kest::Sim {
 
-/// What is in front of CHANGE.
+/// The length of `+CHECK` and the blank after it.
 inline constexpr std::size_t changePrefixBytes = 10;
 
-/// The check over a document that no change follows.
+/// The check over a document alone.
 KEST_SIM_API std::uint32_t checkOf(std::string_view document);
 
-/// @param check over what is in front of the line; then over the line too
+/// A line, with its end.
+/// @param check over everything before the line; afterwards over the line too
 KEST_SIM_API std::string changeLine(std::string_view change, std::uint32_t& check);
 
 }  // namespace Hardware::Kest::Sim

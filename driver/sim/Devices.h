@@ -66,7 +66,7 @@ class Devices {
 
   /// Null when no chip has that name.
   Device const* named(Mox::String8 const& devName) const;
-  /// Of the chip of that name; null when there is none.
+  /// The PCI path of the chip of that name; null when there is none.
   Mox::String8 const* pathOf(Mox::String8 const& devName) const;
   /// Empty when the chip has none, or there is no chip.
   Mox::String8 nameAt(Mox::String8 const& pciPath) const;

@@ -27,15 +27,15 @@ struct Fault {
   std::optional<unsigned> times;  ///< calls still to be answered so; none: always
 };
 
-/// A device that changes its state behind its owner's back once calls have been made.
+/// A device that changes its state by itself once so many calls have been made.
 struct Flip {
   Mox::String8 devName;
   unsigned after;  ///< calls still to be made
   CallPattern calls;
 };
 
-/// What is to go wrong. Of several faults that match a call the first added answers, and only its
-/// count goes down. What is used up leaves the table.
+/// What is to go wrong. When several faults match a call, the one that was added first answers it,
+/// and only its count goes down. A fault or flip that is used up leaves the table.
 class FaultTable {
  public:
   struct Outcome {

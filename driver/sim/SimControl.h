@@ -19,7 +19,7 @@ KEST_SIM_API int kestDmaSimFaultsAre(char const* text, char* error, unsigned err
 /// (`SimDriver::stateFileIs`).
 KEST_SIM_API int kestDmaSimStateFileIs(char const* path, char* error, unsigned errorBytes) noexcept;
 
-/// The device of that name changes its state behind its owner's back.
+/// The device of that name changes its state by itself.
 /// @param devName not ended by a NUL
 KEST_SIM_API int kestDmaSimDeviceFlip(char const* devName, unsigned devNameBytes, char* error,
                                       unsigned errorBytes) noexcept;
@@ -47,7 +47,8 @@ KEST_SIM_API int kestDmaSimInterface(char const* name, unsigned nameBytes,
 KEST_SIM_API int kestDmaSimDevice(char const* name, unsigned nameBytes,
                                   void (*sink)(void* context, char const* text, unsigned bytes),
                                   void* context, char* error, unsigned errorBytes) noexcept;
-/// The name of the first interface after `name`, which need not be one's, in the order of bytes.
+/// The name of the first interface after `name` in the order of bytes; `name` itself need not
+/// exist.
 KEST_SIM_API int kestDmaSimNextInterface(char const* name, unsigned nameBytes,
                                          void (*sink)(void* context, char const* text,
                                                       unsigned bytes),

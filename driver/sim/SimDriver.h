@@ -78,7 +78,7 @@ class KEST_SIM_API SimDriver {
   void faultFileIs(std::string const& path);
   /// The faults still to come, in the form of fault files.
   std::string faultsText() const;
-  /// A device changes its state behind its owner's back. 19: there is no such device.
+  /// A device changes its state by itself. 19: there is no such device.
   int deviceFlip(Mox::String8 const& devName);
 
   // What outlives the process.

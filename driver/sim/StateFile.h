@@ -12,7 +12,7 @@ namespace Hardware::Kest::Sim {
 /// A file that holds a slice's state. What changes is added at its end, so that a change costs the
 /// same whatever the state's size; when the changes have grown as large as the document in front of
 /// them, the file is replaced by a document. A process that begins with a file replaces it at its
-/// first change. The file is not synchronised to the disk: it is to outlive the process, not the
+/// first change. The file is not synchronised to the disk: it must outlive the process, not the
 /// machine. No other process may keep the same file.
 class StateFile {
  public:
@@ -23,9 +23,10 @@ class StateFile {
   /// @throw Mox::RangeException "PATH...: ..." as `readState` says, or when it cannot be read
   std::optional<SliceState> load() const;
 
-  /// `change` is what has made `state` of the state that this was called with before. What cannot
-  /// be written is reported on standard error and tried again with the next call, be its change
-  /// empty; further failures are reported only after one that succeeded.
+  /// @param change leads from the state of the previous call to `state`
+  /// A change that cannot be written is reported on standard error and tried again with the next
+  /// call, even if that has no change of its own. Further failures are reported only after a call
+  /// that succeeded.
   void keep(SliceState const& state, Change const& change);
   /// The file holds `state`, whatever it held before.
   void replace(SliceState const& state);

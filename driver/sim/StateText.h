@@ -24,7 +24,7 @@
 /// one that has gone. A last change without the end of its line is ignored: its writer was killed.
 namespace Hardware::Kest::Sim {
 
-/// What outlives the process: all that the operations have made of the slice.
+/// What outlives the process: the interfaces and devices that the operations have made.
 struct SliceState {
   Interfaces interfaces;
   Devices devices;
@@ -48,7 +48,7 @@ KEST_SIM_API std::string changeText(Change const& change);
 KEST_SIM_API std::string entryText(Mox::String8 const& ifName, Interface const& interface);
 KEST_SIM_API std::string entryText(Mox::String8 const& pciPath, Device const& device);
 
-/// Refuses also what the rules of the operations do not allow.
+/// Also refuses a state that the rules of the operations do not allow.
 /// @param name of the text, for errors
 /// @throw Mox::RangeException "NAME:LINE:COLUMN: POINTER: expected ..., found ...": where the
 /// value's member begins, or where it shows that the text is no JSON, both counted from 1, and the
