@@ -114,7 +114,8 @@ Applied Agent::applied(std::string const& file, std::size_t changes, std::size_t
   if (console_.terminal() || !shown_) showStatus(console_, *config_, *status_);
   shown_ = true;
   std::vector<std::string> missing = notUp(*config_, *status_);
-  for (std::string const& what : missing) console_.line(console_.bad("not up: " + what));
+  for (std::string const& what : missing)
+    console_.line(console_.marked("not up: " + what, Text::Mark::bad));
   return {changes, unchanged, std::move(missing)};
 }
 

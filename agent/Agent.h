@@ -31,7 +31,7 @@ class Agent {
   Agent& operator=(Agent const&) = delete;
 
   /// Reads the slice file and opens the control socket, before `run`. Applies nothing yet.
-  /// @throw FileError, ControlSocketError
+  /// @throw Text::FileError, ControlSocketError
   void start();
   /// Runs until the agent ends; returns the exit code.
   int run();

@@ -17,10 +17,10 @@
 #include "agent/process/SimulatedDriver.h"
 #include "agent/process/StandardStreams.h"
 #include "agent/process/Supervisor.h"
-#include "agent/slice/FileError.h"
 #include "platform/mox/Activity.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Trace.h"
+#include "text/FileError.h"
 
 namespace {
 
@@ -87,7 +87,7 @@ int run(Options const& options, StandardStreams& streams) {
     return options.supervise ? supervise(options, streams) : runAgent(options, streams);
   } catch (DriverError const& error) {
     return refused(error);
-  } catch (FileError const& error) {
+  } catch (Text::FileError const& error) {
     return refused(error);
   } catch (ControlSocketError const& error) {
     return refused(error);

@@ -11,6 +11,7 @@
 #include "platform/mox/GenericValue.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/TypeNode.h"
+#include "text/Words.h"
 
 namespace Kest::Agent {
 
@@ -148,13 +149,10 @@ Generic enumeratorFrom(MoxType const& type, std::string const& name) {
   if (std::find(all.begin(), all.end(), String8(name)) != all.end()) {
     return type.genericIf(quoted(name), true);
   }
-  std::string expected;
-  for (std::size_t at = 0; at < all.size(); ++at) {
-    if (at > 0) expected += at + 1 == all.size() ? " or " : ", ";
-    expected += quoted(std::string(all[at].view())).view();
-  }
+  std::vector<std::string> expected;
+  for (String8 const& one : all) expected.emplace_back(quoted(std::string(one.view())).view());
   throw Mox::RangeException(
-      Mox::format("expected %s, found %s", expected.c_str(), quoted(name).charPtr()));
+      Mox::format("expected %s, found %s", Text::listed(expected).c_str(), quoted(name).charPtr()));
 }
 
 }  // namespace

@@ -2,9 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "agent/access/ValueText.h"
 #include "agent/wire/Protocol.h"
 #include "platform/mox/RangeException.h"
+#include "text/Escapes.h"
 
 namespace Kest::Agent {
 
@@ -20,7 +20,7 @@ std::string reason(Json::exception const& error) {
   std::size_t const place = text.find("column ");
   std::size_t const start =
       place == std::string_view::npos ? text.find("] ") : text.find(": ", place);
-  return shortened(text.substr(start + 2));
+  return Text::shortened(text.substr(start + 2));
 }
 
 /// Refuses a text that nests too deep or has too many parts as early as possible: for each new

@@ -5,9 +5,10 @@
 
 #include "agent/access/ControlError.h"
 #include "agent/access/ValueText.h"
-#include "agent/wire/NearMatch.h"
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "platform/mox/GenericValue.h"
+#include "text/NearMatch.h"
+#include "text/Words.h"
 
 namespace Kest::Agent {
 
@@ -21,7 +22,7 @@ using Generic = std::unique_ptr<Mox::GenericIf>;
 [[noreturn]] void leadsNowhere(std::string const& message, std::string_view name,
                                std::vector<std::string> const& candidates) {
   throw ControlError(Wire::ErrorKind::path, message,
-                     Wire::nearMatch(name, candidates).value_or(std::string()));
+                     Text::nearMatch(name, candidates).value_or(std::string()));
 }
 
 std::vector<std::string> names(std::vector<Root> const& roots) {
@@ -95,12 +96,9 @@ class Walk {
     auto const root = std::find_if(roots.begin(), roots.end(),
                                    [&](Root const& candidate) { return candidate.name == name; });
     if (root == roots.end()) {
-      std::string expected;
-      for (Root const& candidate : roots) {
-        expected += (expected.empty() ? "" : ", ") + candidate.name;
-      }
-      leadsNowhere("a path begins with one of " + expected + ", not with " + shown(name), name,
-                   names(roots));
+      leadsNowhere("a path begins with one of " + Text::listed(names(roots), ", ") + ", not with " +
+                       shown(name),
+                   name, names(roots));
     }
     target_.object = root->adapter();
   }

@@ -7,13 +7,6 @@
 
 namespace Kest::Agent {
 
-std::string shortened(std::string_view text) {
-  constexpr std::size_t most = 200;
-  constexpr std::size_t kept = 90;  // at either end
-  if (text.size() <= most) return std::string(text);
-  return std::string(text.substr(0, kept)) + " ... " + std::string(text.substr(text.size() - kept));
-}
-
 std::string shortEnumerator(std::string_view typeName, std::string_view enumerator) {
   bool const named = enumerator.size() > typeName.size() &&
                      std::equal(typeName.begin() + 1, typeName.end(), enumerator.begin() + 1) &&

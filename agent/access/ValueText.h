@@ -16,9 +16,6 @@ namespace Kest::Agent {
 /// A name as a slice file writes it, without the apostrophes: control characters are escaped.
 std::string nameText(Mox::String8 const& name);
 
-/// A text for a message, without its middle if it is long.
-std::string shortened(std::string_view text);
-
 /// An enumerator's name without the name of its type, as in `polling` for `smModePolling`.
 std::string shortEnumerator(std::string_view typeName, std::string_view enumerator);
 

@@ -40,7 +40,7 @@ void Connection::sendRefusal(int fd, ErrorKind kind, std::string const& message)
   send(fd, line.data(), line.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
-Connection::Connection(Turns& turns, Account& account, Descriptor socket, Peer const& peer,
+Connection::Connection(Turns& turns, Account& account, Text::Descriptor socket, Peer const& peer,
                        Serve serve, Gone gone)
     : socket_(std::move(socket)),
       serve_(std::move(serve)),

@@ -10,13 +10,13 @@
 
 #include "agent/access/ControlError.h"
 #include "agent/control/Account.h"
-#include "agent/control/Descriptor.h"
 #include "agent/control/Inbox.h"
 #include "agent/control/Outbox.h"
 #include "agent/control/Peer.h"
 #include "agent/control/Turns.h"
 #include "agent/verbs/Answer.h"
 #include "platform/mox/Time.h"
+#include "text/File.h"
 
 namespace Kest::Agent {
 
@@ -39,7 +39,7 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   /// Sends the reply to a request that could not be read, or to none, as far as there is room.
   static void sendRefusal(int fd, Wire::ErrorKind kind, std::string const& message);
 
-  Connection(Turns& turns, Account& account, Descriptor socket, Peer const& peer, Serve serve,
+  Connection(Turns& turns, Account& account, Text::Descriptor socket, Peer const& peer, Serve serve,
              Gone gone);
   Connection(Connection const&) = delete;
   Connection& operator=(Connection const&) = delete;
@@ -102,7 +102,7 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   void update();
   void end();
 
-  Descriptor socket_;
+  Text::Descriptor socket_;
   Serve serve_;
   Gone gone_;
   Peer peer_;

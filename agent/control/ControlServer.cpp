@@ -91,7 +91,7 @@ void ControlServer::turn() {
 }
 
 bool ControlServer::accept() {
-  Descriptor client = listener_.accept(noDescriptors);
+  Text::Descriptor client = listener_.accept(noDescriptors);
   if (listener_.isStuck()) {
     taking_.watch(0);
     alarmAt(Mox::now() + pauseWhenStuck);
@@ -107,7 +107,7 @@ bool ControlServer::accept() {
   return true;
 }
 
-void ControlServer::add(Descriptor client, Peer const& peer) {
+void ControlServer::add(Text::Descriptor client, Peer const& peer) {
   int const fd = client.fd();
   auto const connection = std::make_shared<Connection>(
       turns_, peer.mayChange ? trusted_ : readers_, std::move(client), peer,

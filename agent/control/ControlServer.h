@@ -36,7 +36,7 @@ class ControlServer final : private Turns::Taker {
 
   void turn() override;
   bool accept();
-  void add(Descriptor client, Peer const& peer);
+  void add(Text::Descriptor client, Peer const& peer);
   void leave(Connection& gone) noexcept;
   void relieve();
   void alarmAt(Mox::Seconds at);

@@ -20,8 +20,8 @@ namespace {
 /// A short backlog: its last client is taken within a few rounds of the loop.
 constexpr int backlog = 256;
 
-Descriptor openSpare() {
-  return Descriptor(open("/dev/null", O_RDONLY | O_CLOEXEC));
+Text::Descriptor openSpare() {
+  return Text::Descriptor(open("/dev/null", O_RDONLY | O_CLOEXEC));
 }
 
 /// @param path short enough
@@ -32,12 +32,12 @@ sockaddr_un addressOf(std::string const& path) {
   return address;
 }
 
-Descriptor openSocket() {
-  return Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+Text::Descriptor openSocket() {
+  return Text::Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
 }
 
 /// @param probe a socket to try it with
-bool isListenedTo(std::string const& path, Descriptor const& probe) {
+bool isListenedTo(std::string const& path, Text::Descriptor const& probe) {
   sockaddr_un const address = addressOf(path);
   int const result =
       connect(probe.fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address);
@@ -92,7 +92,8 @@ void Listener::checkPath() const {
 void Listener::lock() {
   constexpr mode_t ownerOnly = 0600;
   std::string const file = path_ + ".lock";
-  lock_ = Descriptor(open(file.c_str(), O_CREAT | O_RDWR | O_CLOEXEC | O_NOFOLLOW, ownerOnly));
+  lock_ =
+      Text::Descriptor(open(file.c_str(), O_CREAT | O_RDWR | O_CLOEXEC | O_NOFOLLOW, ownerOnly));
   if (!lock_.isOpen()) refuseErrno("cannot be locked");
   if (flock(lock_.fd(), LOCK_EX | LOCK_NB) == 0) return;
   if (errno == EWOULDBLOCK) refuse("is in use by another agent");
@@ -104,7 +105,7 @@ void Listener::removeStale() const {
   struct stat file {};
   if (lstat(path_.c_str(), &file) != 0) return;
   if (!S_ISSOCK(file.st_mode)) refuse("cannot be made: there is a file that is no socket");
-  Descriptor const probe = openSocket();
+  Text::Descriptor const probe = openSocket();
   if (!probe.isOpen()) refuseErrno("cannot be made");
   if (isListenedTo(path_, probe)) refuse("is in use by another agent");
   if (unlink(path_.c_str()) != 0) refuseErrno("cannot be replaced");
@@ -148,12 +149,12 @@ void Listener::groupIs(std::string const& group) const {
   refuseErrno(("cannot be given to the group '" + group + "'").c_str());
 }
 
-Descriptor Listener::accept(std::string_view refusal) {
+Text::Descriptor Listener::accept(std::string_view refusal) {
   constexpr int mostTurnedAway = 16;
   isStuck_ = false;
   if (!spare_.isOpen()) spare_ = openSpare();  // the last attempt may have failed
   for (int turnedAway = 0; turnedAway < mostTurnedAway;) {
-    Descriptor client(accept4(fd(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    Text::Descriptor client(accept4(fd(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (client.isOpen()) return client;
     int error = errno;
     bool const isGone = error == ECONNABORTED || error == EINTR;
@@ -164,17 +165,17 @@ Descriptor Listener::accept(std::string_view refusal) {
     if (error != 0) break;
     ++turnedAway;
   }
-  return Descriptor();
+  return Text::Descriptor();
 }
 
 /// Turns a client away, with the spare descriptor.
 /// @return 0, or the error that prevented it
 int Listener::turnOneAway(std::string_view refusal) {
-  spare_ = Descriptor();
-  Descriptor client(accept4(fd(), nullptr, nullptr, SOCK_CLOEXEC));
+  spare_ = Text::Descriptor();
+  Text::Descriptor client(accept4(fd(), nullptr, nullptr, SOCK_CLOEXEC));
   int const error = client.isOpen() ? 0 : errno;
   if (error == 0) send(client.fd(), refusal.data(), refusal.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-  client = Descriptor();
+  client = Text::Descriptor();
   spare_ = openSpare();
   return error;
 }

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "agent/control/Descriptor.h"
+#include "text/File.h"
 
 namespace Kest::Agent {
 
@@ -41,7 +41,7 @@ class Listener {
 
   /// The next waiting client, non-blocking; not open when there is none. When the process has no
   /// descriptors left, a few waiting clients are sent `refusal` and turned away.
-  Descriptor accept(std::string_view refusal);
+  Text::Descriptor accept(std::string_view refusal);
   /// Whether the system refused the last `accept` although a client may wait: then the next one
   /// should come a while later.
   bool isStuck() const noexcept { return isStuck_; }
@@ -57,9 +57,9 @@ class Listener {
   int turnOneAway(std::string_view refusal);
 
   std::string path_;
-  Descriptor lock_;
-  Descriptor spare_;  // given up for a moment to turn clients away
-  Descriptor socket_;
+  Text::Descriptor lock_;
+  Text::Descriptor spare_;  // given up for a moment to turn clients away
+  Text::Descriptor socket_;
   dev_t device_ = 0;
   ino_t inode_ = 0;
   bool isStuck_ = false;

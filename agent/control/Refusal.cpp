@@ -3,9 +3,9 @@
 #include <new>
 
 #include "agent/process/DriverLibrary.h"
-#include "agent/slice/FileError.h"
 #include "platform/mox/GenericIf.h"
 #include "platform/mox/RangeException.h"
+#include "text/FileError.h"
 
 namespace Kest::Agent {
 
@@ -42,7 +42,7 @@ ControlError currentRefusal() {
     return {kindOf(refused), refused.what()};
   } catch (Mox::RangeException const& refused) {
     return {ErrorKind::value, refused.what()};
-  } catch (FileError const& refused) {
+  } catch (Text::FileError const& refused) {
     return {ErrorKind::file, refused.what()};
   } catch (DriverError const& refused) {
     return {ErrorKind::refused, refused.what()};

@@ -16,9 +16,9 @@ namespace {
 /// All that may be ready at once, so that those who come first are among them.
 constexpr int mostEvents = 1024;
 
-Descriptor checked(int fd, char const* what) {
+Text::Descriptor checked(int fd, char const* what) {
   if (fd < 0) throw std::system_error(errno, std::generic_category(), what);
-  return Descriptor(fd);
+  return Text::Descriptor(fd);
 }
 
 }  // namespace

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <list>
 
-#include "agent/control/Descriptor.h"
 #include "platform/mox/ActivityLoop.h"
 #include "platform/mox/Time.h"
+#include "text/File.h"
 
 namespace Kest::Agent {
 
@@ -77,8 +77,8 @@ class Turns {
   void alarmIs(bool on) noexcept;
 
   Mox::ActivityLoop& loop_;
-  Descriptor watcher_;  // of every member's descriptor, and of the alarm
-  Descriptor alarm_;    // readable while it is on: turns are left over
+  Text::Descriptor watcher_;  // of every member's descriptor, and of the alarm
+  Text::Descriptor alarm_;    // readable while it is on: turns are left over
   bool isAlarmOn_ = false;
   Queue resting_;
   Queue first_;

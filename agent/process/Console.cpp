@@ -48,9 +48,8 @@ void Console::progress(std::string_view what, std::size_t done, std::size_t tota
   inProgress_ = true;
 }
 
-std::string Console::coloured(char const* colour, std::string_view text) const {
-  if (!colour_) return std::string(text);
-  return std::string("\x1b[") + colour + "m" + std::string(text) + "\x1b[0m";
+std::string Console::marked(std::string const& text, Text::Mark mark) const {
+  return colour_ ? Text::coloured(text, mark) : text;
 }
 
 void Console::clearProgress() {

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "text/Table.h"
+
 namespace Kest::Agent {
 
 /// Where the agent shows what it does: a terminal, or plain lines for a file or a journal.
@@ -27,12 +29,10 @@ class Console {
   void progress(std::string_view what, std::size_t done, std::size_t total,
                 std::string_view current);
 
-  std::string good(std::string_view text) const { return coloured("32", text); }
-  std::string bad(std::string_view text) const { return coloured("31", text); }
-  std::string heading(std::string_view text) const { return coloured("1", text); }
+  bool colour() const noexcept { return colour_; }
+  std::string marked(std::string const& text, Text::Mark mark) const;
 
  private:
-  std::string coloured(char const* colour, std::string_view text) const;
   void clearProgress();
 
   std::ostream& out_;

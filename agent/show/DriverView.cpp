@@ -3,29 +3,11 @@
 #include <cerrno>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <string_view>
 
 #include "agent/process/SimulatedDriver.h"
+#include "text/Escapes.h"
 
 namespace Kest::Agent {
-
-namespace {
-
-/// Undoes the `%XX` by which the simulated driver writes bytes that JSON cannot hold.
-std::string unescaped(std::string_view text) {
-  std::string bytes;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (text[at] == '%' && at + 2 < text.size()) {
-      bytes += static_cast<char>(std::stoi(std::string(text.substr(at + 1, 2)), nullptr, 16));
-      at += 2;
-    } else {
-      bytes += text[at];
-    }
-  }
-  return bytes;
-}
-
-}  // namespace
 
 DriverView::DriverView(DriverLibrary const& driver)
     : driver_(driver), simulated_(SimulatedDriver(driver).isThere()) {}
@@ -40,7 +22,7 @@ Json DriverView::interface(Mox::String8 const& ifName) const {
   std::string const text = SimulatedDriver(driver_).interface(ifName);
   if (text.empty()) return nullptr;
   Json known = Json::parse(text).front();
-  known["devName"] = unescaped(known.at("devName").get_ref<std::string const&>());
+  known["devName"] = Text::percentDecoded(known.at("devName").get_ref<std::string const&>());
   return known;
 }
 
@@ -64,7 +46,7 @@ Json DriverView::parameters(Mox::String8 const& devName) const {
   Json const entry = Json::parse(text);
   Json const& parameters = entry.front().at("param");
   if (!parameters.is_null()) known = parameters;
-  known["pciHam"] = unescaped(entry.begin().key());
+  known["pciHam"] = Text::percentDecoded(entry.begin().key());
   known["registered"] = !parameters.is_null();
   return known;
 }

@@ -6,6 +6,7 @@
 
 #include "agent/access/Collections.h"
 #include "agent/access/ValueText.h"
+#include "text/Table.h"
 
 namespace Kest::Agent {
 
@@ -13,16 +14,11 @@ namespace {
 
 using Hardware::Kest::Slice::DeviceState;
 
-enum class Mark { none, good, bad };
+using Text::Cell;
+using Text::Mark;
+using Text::Row;
 
-struct Cell {
-  std::string text;
-  Mark mark = Mark::none;
-};
-
-using Row = std::vector<Cell>;
-
-struct Table {
+struct Report {
   std::string subject;  // of each row, as in "port"
   std::vector<std::string> columns;
   std::vector<Row> rows;
@@ -73,68 +69,38 @@ std::vector<Mox::String8> allKeys(std::vector<Mox::String8> const& keys,
   return all;
 }
 
-Table portTable(Config const& config, Status const& status) {
-  Table table{
+Report portReport(Config const& config, Status const& status) {
+  Report report{
       "port", {"interface", "device", "destination", "MAC", "created", "native VLAN", "mode"}, {}};
   for (Mox::String8 const& ifName :
        allKeys(keysOf<Config::SwitchPorts>(config), keysOf<Status::SwitchPorts>(status))) {
-    table.rows.push_back(portRow(ifName, config, status));
+    report.rows.push_back(portRow(ifName, config, status));
   }
-  return table;
+  return report;
 }
 
-Table deviceTable(Config const& config, Status const& status) {
-  Table table{"device", {"device", "handle", "chip type", "registered", "state"}, {}};
+Report deviceReport(Config const& config, Status const& status) {
+  Report report{"device", {"device", "handle", "chip type", "registered", "state"}, {}};
   for (Mox::String8 const& devName :
        allKeys(keysOf<Config::Devices>(config), keysOf<Status::Devices>(status))) {
-    table.rows.push_back(deviceRow(devName, config, status));
+    report.rows.push_back(deviceRow(devName, config, status));
   }
-  return table;
+  return report;
 }
 
-std::string marked(Console const& console, Cell const& cell, std::string const& text) {
-  switch (cell.mark) {
-    case Mark::good:
-      return console.good(text);
-    case Mark::bad:
-      return console.bad(text);
-    case Mark::none:
-      break;
-  }
-  return text;
+void showTable(Console& console, Report const& report) {
+  Text::Table table(report.columns);
+  for (Row const& row : report.rows) table.add(row);
+  std::string text = table.text(console.colour());
+  text.pop_back();  // the last line's end
+  console.line("\n" + text);
 }
 
-std::string padded(std::string text, std::size_t width) {
-  text.resize(std::max(width, text.size()), ' ');
-  return text;
-}
-
-void showTable(Console& console, Table const& table) {
-  std::vector<std::size_t> widths;
-  for (std::size_t column = 0; column < table.columns.size(); ++column) {
-    std::size_t width = table.columns[column].size();
-    for (Row const& row : table.rows) width = std::max(width, row[column].text.size());
-    widths.push_back(width);
-  }
-  widths.back() = 0;  // nothing follows it
-  auto const showRow = [&](auto const& text) {
-    std::string line;
-    for (std::size_t column = 0; column < widths.size(); ++column) {
-      line += (column == 0 ? "" : "  ") + text(column);
-    }
-    console.line(line);
-  };
-  showRow([&](std::size_t c) { return console.heading(padded(table.columns[c], widths[c])); });
-  for (Row const& row : table.rows) {
-    showRow([&](std::size_t c) { return marked(console, row[c], padded(row[c].text, widths[c])); });
-  }
-}
-
-void showLines(Console& console, Table const& table) {
-  for (Row const& row : table.rows) {
-    std::string line = table.subject + " " + row[0].text;
+void showLines(Console& console, Report const& report) {
+  for (Row const& row : report.rows) {
+    std::string line = report.subject + " " + row[0].text;
     for (std::size_t column = 1; column < row.size(); ++column) {
-      std::string name = table.columns[column];
+      std::string name = report.columns[column];
       std::replace(name.begin(), name.end(), ' ', '-');
       line.append(" ").append(name).append("=").append(row[column].text);
     }
@@ -145,14 +111,9 @@ void showLines(Console& console, Table const& table) {
 }  // namespace
 
 void showStatus(Console& console, Config const& config, Status const& status) {
-  for (Table const& table : {deviceTable(config, status), portTable(config, status)}) {
-    if (table.rows.empty()) continue;
-    if (console.terminal()) {
-      console.line("");
-      showTable(console, table);
-    } else {
-      showLines(console, table);
-    }
+  for (Report const& report : {deviceReport(config, status), portReport(config, status)}) {
+    if (report.rows.empty()) continue;
+    console.terminal() ? showTable(console, report) : showLines(console, report);
   }
 }
 

@@ -2,7 +2,7 @@
 
 #include <cctype>
 
-#include "agent/access/ValueText.h"
+#include "text/Escapes.h"
 
 namespace Kest::Agent {
 
@@ -44,7 +44,7 @@ std::vector<Mox::String8> LineReader::strings() const {
 
 void LineReader::refuse(std::string_view expected) const {
   std::string text = "expected ";
-  text.append(expected).append(", found '").append(shortened(word())).append("'");
+  text.append(expected).append(", found '").append(Text::shortened(word())).append("'");
   Mox::throwRangeException(Mox::String8(text));
 }
 

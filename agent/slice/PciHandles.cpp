@@ -7,6 +7,7 @@
 #include "platform/mox/Dir.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Strep.h"
+#include "text/Escapes.h"
 
 namespace Kest::Agent {
 
@@ -21,7 +22,7 @@ void expect(bool isExpected, std::string const& what, std::string const& found) 
 void checkPath(std::string_view path) {
   bool const isPath = path.starts_with('/') && !path.ends_with('/') && path.find("//") == path.npos;
   expect(isPath, "a path such as '/pci/0000:05:00.0'",
-         "'" + shortened(nameText(Mox::String8(path))) + "'");
+         "'" + Text::shortened(nameText(Mox::String8(path))) + "'");
   auto const steps = static_cast<std::size_t>(std::count(path.begin(), path.end(), '/'));
   expect(steps <= PciHandles::deepestPath,
          "a path of at most " + std::to_string(PciHandles::deepestPath) + " steps",

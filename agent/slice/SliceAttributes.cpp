@@ -4,9 +4,11 @@
 #include <utility>
 
 #include "agent/access/ValueText.h"
-#include "agent/wire/NearMatch.h"
 #include "model/KestSliceDmaConfig.h"
 #include "platform/mox/RangeException.h"
+#include "text/Escapes.h"
+#include "text/NearMatch.h"
+#include "text/Words.h"
 
 namespace Kest::Agent {
 
@@ -40,13 +42,9 @@ std::vector<std::string> sliceNames() {
 }
 
 void refuseName(std::string const& name, std::vector<std::string> const& expected) {
-  std::string text = "expected one of ";
-  char const* separator = "";
-  for (std::string const& one : expected) {
-    text.append(std::exchange(separator, ", ")).append(one);
-  }
-  text.append(", found '").append(shortened(name)).append("'");
-  if (auto const near = Wire::nearMatch(name, expected)) {
+  std::string text = "expected one of " + Text::listed(expected, ", ");
+  text.append(", found '").append(Text::shortened(name)).append("'");
+  if (auto const near = Text::nearMatch(name, expected)) {
     text.append("; did you mean '").append(*near).append("'?");
   }
   Mox::throwRangeException(Mox::String8(text));

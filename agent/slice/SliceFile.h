@@ -35,9 +35,9 @@ namespace Kest::Agent {
 /// There, members but the last come in any order, and the field that is a record's key may be left
 /// out.
 ///
-/// The file is checked whole: `FileError` for the first place that is malformed, that gives a key a
-/// second time, or that would end the process by the state machine's rules (see `SliceRules.h`);
-/// then nothing is left behind.
+/// The file is checked whole: `Text::FileError` for the first place that is malformed, that gives a
+/// key a second time, or that would end the process by the state machine's rules (see
+/// `SliceRules.h`); then nothing is left behind.
 ///
 /// The handles of the slice are not in the entity tree: see `PciHandles::enterTree`. It must be a
 /// regular file, and not change while it is read.

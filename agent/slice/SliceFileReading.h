@@ -7,17 +7,15 @@
 #include <utility>
 
 #include "agent/slice/SliceReader.h"
+#include "text/File.h"
 
 namespace Kest::Agent {
 
 /// Reads a slice file in pieces. A file that changes while it is read, or is replaced, is read
-/// again from its beginning, a few times. What is refused is refused with a `FileError`.
+/// again from its beginning, a few times. What is refused is refused with a `Text::FileError`.
 class SliceFileReading {
  public:
   SliceFileReading(std::string path, SliceEnd end) : path_(std::move(path)), end_(end) {}
-  SliceFileReading(SliceFileReading const&) = delete;
-  SliceFileReading& operator=(SliceFileReading const&) = delete;
-  ~SliceFileReading() { close(); }
 
   /// Goes on for a millisecond at most; false when the slice is whole.
   bool goOn();
@@ -29,12 +27,11 @@ class SliceFileReading {
   bool readAgain();
   bool hasChanged() const;
   void open();
-  void close() noexcept;
 
   std::string path_;
   SliceEnd end_;
   std::unique_ptr<SliceReader> reader_;  // null before a reading
-  int fd_ = -1;
+  Text::Descriptor file_;
   struct stat before_ {};  // of the file, when this reading began
   off_t left_ = 0;         // bytes, of those that there were then
   bool isAtEnd_ = false;   // of the file

@@ -6,14 +6,17 @@
 #include <utility>
 #include <vector>
 
+#include "agent/access/GenericJson.h"
 #include "agent/access/PiecewiseWork.h"
 #include "agent/access/ValueText.h"
 #include "agent/rules/ChangeRules.h"
 #include "agent/rules/SliceRules.h"
-#include "agent/slice/JsonDocument.h"
 #include "agent/slice/SliceAttributes.h"
 #include "agent/slice/SliceBuilder.h"
 #include "platform/mox/GenericValue.h"
+#include "text/Escapes.h"
+#include "text/FileError.h"
+#include "text/JsonDocument.h"
 
 namespace Kest::Agent {
 
@@ -22,6 +25,7 @@ namespace {
 using Hardware::Kest::Slice::DeviceState;
 using Mox::Attribute;
 using Mox::String8;
+using Text::JsonPointer;
 using Generic = std::unique_ptr<Mox::GenericIf>;
 
 void expect(bool isExpected, std::string const& what, Json const& found) {
@@ -60,8 +64,9 @@ class JsonSliceReader final : public SliceReader {
   void take(std::string_view bytes) override {
     if (bytes.size() > largestJsonSlice - text_.size()) {
       constexpr std::size_t mebibyte = std::size_t{1} << 20U;
-      throw FileError(name_, "expected at most " + std::to_string(largestJsonSlice / mebibyte) +
-                                 " MiB of JSON, found more");
+      throw Text::FileError(name_, "expected at most " +
+                                       std::to_string(largestJsonSlice / mebibyte) +
+                                       " MiB of JSON, found more");
     }
     text_.append(bytes);
   }
@@ -69,7 +74,7 @@ class JsonSliceReader final : public SliceReader {
   bool goOn() override {
     constexpr std::size_t entriesAtOnce = 50;
     if (document_) return work_.take(entriesAtOnce);
-    document_.emplace(name_, text_);
+    parse();
     begin(document_->value());
     return true;
   }
@@ -77,13 +82,25 @@ class JsonSliceReader final : public SliceReader {
   Slice slice() override { return builder_.take(); }
 
  private:
+  [[noreturn]] void refuse(Text::JsonError const& error) const {
+    throw Text::FileError(name_, Text::Place::inText(text_, error.at()), error.what());
+  }
+
+  void parse() {
+    try {
+      document_.emplace(text_);
+    } catch (Text::JsonError const& error) {
+      refuse(error);
+    }
+  }
+
   /// What `read` refuses is refused at that place.
   template <class Read>
   void at(JsonPointer const& place, Read read) const {
     try {
       read();
     } catch (Mox::RangeException const& refused) {
-      throw document_->refusal(place, refused.text().view());
+      refuse(document_->refusal(place, refused.text().view()));
     }
   }
 
@@ -132,7 +149,8 @@ class JsonSliceReader final : public SliceReader {
       if (name == handlesName) return;
       if (name == endName) {
         if (value != true) {
-          Mox::throwRangeException(String8("expected true, found " + shortened(value.dump())));
+          Mox::throwRangeException(
+              String8("expected true, found " + Text::shortened(value.dump())));
         }
         hasEnded_ = true;
         return;
@@ -208,7 +226,7 @@ class JsonSliceReader final : public SliceReader {
   std::string name_;
   SliceEnd end_;
   std::string text_;
-  std::optional<JsonDocument> document_;  // of the whole text
+  std::optional<Text::JsonDocument> document_;  // of the whole text
   SliceBuilder builder_;
   PiecewiseWork work_;
   Attribute const* collection_ = nullptr;  // whose entries are being read

@@ -7,7 +7,7 @@
 namespace Kest::Agent {
 
 /// Reads a slice from the bytes of a file, as they come. What is refused is refused with a
-/// `FileError`; then the reader is given up.
+/// `Text::FileError`; then the reader is given up.
 class SliceReader {
  public:
   virtual ~SliceReader() = default;

@@ -7,11 +7,11 @@
 
 #include "agent/rules/ChangeRules.h"
 #include "agent/rules/SliceRules.h"
-#include "agent/slice/FileError.h"
 #include "agent/slice/LineReader.h"
 #include "agent/slice/SliceAttributes.h"
 #include "agent/slice/SliceBuilder.h"
 #include "registry/RecordTypes.h"
+#include "text/FileError.h"
 
 namespace Kest::Agent {
 
@@ -65,11 +65,11 @@ class StatementReader final : public SliceReader {
  private:
   struct Device {
     Mox::String8 name;
-    FilePlace place;
+    Text::Place place;
   };
 
-  [[noreturn]] void refuse(FilePlace const& place, std::string_view message) const {
-    throw FileError(name_, place, message);
+  [[noreturn]] void refuse(Text::Place const& place, std::string_view message) const {
+    throw Text::FileError(name_, place, message);
   }
 
   /// @param part goes on with what has been begun

@@ -13,6 +13,7 @@
 #include "platform/mox/GenericIfPtrInterface.h"
 #include "platform/mox/GenericValue.h"
 #include "platform/mox/RangeException.h"
+#include "text/Escapes.h"
 
 namespace Kest::Agent {
 
@@ -47,15 +48,6 @@ std::string escaped(std::string_view text) {
     result.append(code < 0x80U ? std::string(1, byte) : Mox::format("\\x%02x", code).charPtr());
   }
   return result;
-}
-
-bool isUtf8(std::string_view text) {
-  try {
-    static_cast<void>(Json(text).dump());
-    return true;
-  } catch (Json::type_error const&) {
-    return false;
-  }
 }
 
 }  // namespace
@@ -95,7 +87,7 @@ class Statements final : public FileForm {
  private:
   static void statement(std::string& text, std::string_view name, std::string_view content) {
     text.append(name).append(" ");
-    text.append(isUtf8(content) ? std::string(content) : escaped(content)).append("\n");
+    text.append(Text::isUtf8(content) ? std::string(content) : escaped(content)).append("\n");
   }
 };
 

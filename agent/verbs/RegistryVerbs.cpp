@@ -7,8 +7,8 @@
 #include "agent/access/ValueText.h"
 #include "agent/verbs/PiecewiseResult.h"
 #include "agent/verbs/Verbs.h"
-#include "agent/wire/NearMatch.h"
 #include "platform/mox/IntrospectionReactor.h"
+#include "text/NearMatch.h"
 
 /// What the type registry holds.
 namespace Kest::Agent {
@@ -109,7 +109,7 @@ MoxType const& typeNamed(std::string const& name) {
     for (MoxType const* type : found) message += " " + spelled(type->fullName());
   }
   throw ControlError(Wire::ErrorKind::path, message,
-                     found.empty() ? Wire::nearMatch(name, names).value_or(std::string()) : "");
+                     found.empty() ? Text::nearMatch(name, names).value_or(std::string()) : "");
 }
 
 std::vector<std::string> typeNames(std::string const& beginning) {

@@ -6,7 +6,9 @@
 
 #include "agent/access/ControlError.h"
 #include "agent/access/ValueText.h"
-#include "agent/wire/NearMatch.h"
+#include "text/Escapes.h"
+#include "text/NearMatch.h"
+#include "text/Words.h"
 
 namespace Kest::Agent {
 
@@ -15,13 +17,13 @@ namespace {
 using Wire::ErrorKind;
 
 std::string inQuotes(std::string const& word) {
-  return "'" + nameText(Mox::String8(shortened(word))) + "'";
+  return "'" + nameText(Mox::String8(Text::shortened(word))) + "'";
 }
 
 std::string listed(std::initializer_list<char const*> words) {
-  std::string all;
-  for (char const* word : words) all += (all.empty() ? "" : ", ") + inQuotes(word);
-  return all;
+  std::vector<std::string> quoted;
+  for (char const* word : words) quoted.push_back(inQuotes(word));
+  return Text::listed(quoted, ", ");
 }
 
 }  // namespace
@@ -34,7 +36,7 @@ void Request::checkMembers(std::initializer_list<char const*> known) const {
     std::vector<std::string> const candidates(known.begin(), known.end());
     throw ControlError(ErrorKind::request,
                        inQuotes(string("verb")) + " takes no member " + inQuotes(name),
-                       Wire::nearMatch(name, candidates).value_or(std::string()));
+                       Text::nearMatch(name, candidates).value_or(std::string()));
   }
 }
 
@@ -65,7 +67,7 @@ std::string Request::oneOf(char const* member, std::initializer_list<char const*
   throw ControlError(
       ErrorKind::request,
       "expected one of " + listed(words) + " as " + inQuotes(member) + ", found " + inQuotes(word),
-      Wire::nearMatch(word, candidates).value_or(std::string()));
+      Text::nearMatch(word, candidates).value_or(std::string()));
 }
 
 }  // namespace Kest::Agent

@@ -7,8 +7,8 @@
 
 #include "agent/access/ControlError.h"
 #include "agent/access/ValueText.h"
-#include "agent/wire/NearMatch.h"
 #include "platform/mox/Trace.h"
+#include "text/NearMatch.h"
 
 namespace Kest::Agent {
 
@@ -63,7 +63,7 @@ Answer Verbs::carryOut(Json const& json, bool mayChange, Later later) {
     for (Verb const& candidate : all()) names.emplace_back(candidate.name);
     throw ControlError(ErrorKind::request,
                        "there is no verb '" + nameText(Mox::String8(name)) + "'",
-                       Wire::nearMatch(name, names).value_or(std::string()));
+                       Text::nearMatch(name, names).value_or(std::string()));
   }
   if (!mayChange && verb->changes(request)) {
     throw ControlError(

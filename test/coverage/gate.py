@@ -18,7 +18,8 @@ WHOLE = re.compile(
     r"sm/"
     r"|platform/(mox/(Strep|String8|Trace)\.|pelk/|detail/EnumText)"
     r"|model/(DeviceState\.|detail/RecordText)"
-    r"|driver/sim/(ChangeLine|FaultFile|JsonString|JsonTree|StateReader|StateText)"
+    r"|driver/sim/(ChangeLine|FaultFile|StateReader|StateText)"
+    r"|text/(Escapes|FileError|JsonDocument|JsonValue)\."
     r"|agent/(slice/(?!RollOut|Comparison)\w+|rules/SliceRules|access/(JsonText|Target)|control/RequestText"
     r"|verbs/Request)\.")
 

@@ -17,7 +17,6 @@
 #include "agent/control/ControlServer.h"
 #include "agent/process/Console.h"
 #include "agent/process/Output.h"
-#include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
 #include "driver/sim/SimDriver.h"
 #include "platform/mox/Activity.h"
@@ -26,6 +25,7 @@
 #include "test/exhaustion/Calls.h"
 #include "test/support/SocketClient.h"
 #include "test/support/UnixSocket.h"
+#include "text/FileError.h"
 
 /// The agent's sockets, files and loop when the system refuses: it goes on, or says what is wrong.
 namespace Kest::Agent {
@@ -138,7 +138,7 @@ TEST_F(AgentCalls, ASliceFileIsReadWholeOrRefused) {
   };
   atEveryCall([] { return Scene(); },
               [&](Scene& scene) {
-                scene.refusal = refusalOf<FileError>(
+                scene.refusal = refusalOf<Text::FileError>(
                     [&] { scene.slice = readSliceFile(directory + "/slice"); });
               },
               [](Scene& scene, std::string const& what) {

@@ -5,12 +5,12 @@
 #include <exception>
 #include <new>
 
-#include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
 #include "agent/slice/SliceWriter.h"
 #include "platform/mox/Dir.h"
 #include "test/exhaustion/Content.h"
 #include "test/exhaustion/EveryAllocation.h"
+#include "text/FileError.h"
 
 /// Slice files that are read and written without memory.
 namespace Kest::Agent {
@@ -44,7 +44,7 @@ void parse(Scene& scene, char const* name, std::string const& text) {
     Slice slice = parseSlice(name, text);
     slice.handles.enterTree();
     scene.slice = std::move(slice);
-  } catch (FileError const& refused) {
+  } catch (Text::FileError const& refused) {
     Exhaustion::Pause const pause;
     scene.refusal = refused.what();
   }

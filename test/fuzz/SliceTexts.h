@@ -3,12 +3,12 @@
 #include "agent/access/Collections.h"
 #include "agent/show/StatusReport.h"
 #include "agent/slice/Comparison.h"
-#include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
 #include "agent/slice/SliceWriter.h"
 #include "platform/mox/Dir.h"
 #include "platform/mox/RangeException.h"
 #include "test/fuzz/Machine.h"
+#include "text/FileError.h"
 
 /// Properties of slice files in either format.
 namespace Fuzz {
@@ -74,7 +74,7 @@ void readSlice(char const* name, std::string_view text, Check const& check) {
     slice.handles.enterTree();
     check(slice);
     requireCarriedOut(slice);
-  } catch (Kest::Agent::FileError const& refused) {
+  } catch (Text::FileError const& refused) {
     require(!taken, "what was written is taken", refused.what());
     requirePlace(refused.what(), name, text);
   }

@@ -44,8 +44,8 @@ class ListenerTest : public ScratchDirectory {
   }
 
   /// A socket in the file system that somebody else made.
-  static Descriptor foreignSocket(std::string const& at) {
-    Descriptor made(socket(AF_UNIX, SOCK_STREAM, 0));
+  static Text::Descriptor foreignSocket(std::string const& at) {
+    Text::Descriptor made(socket(AF_UNIX, SOCK_STREAM, 0));
     EXPECT_EQ(Support::bindTo(made.fd(), at), 0);
     return made;
   }
@@ -62,7 +62,7 @@ TEST_F(ListenerTest, TakesClientsInTheirOrderWithoutWaiting) {
   first.send("1");
   second.send("2");
   for (char const expected : {'1', '2'}) {
-    Descriptor const client = listener.accept(turnedAwayWith);
+    Text::Descriptor const client = listener.accept(turnedAwayWith);
     char byte = 0;
     EXPECT_EQ(recv(client.fd(), &byte, 1, 0), 1);
     EXPECT_EQ(byte, expected);
@@ -104,7 +104,7 @@ TEST_F(ListenerTest, ARunningAgentKeepsItsSocket) {
 }
 
 TEST_F(ListenerTest, ASocketThatSomebodyListensToIsLeftAloneWithoutALockToo) {
-  Descriptor const foreign = foreignSocket(path);
+  Text::Descriptor const foreign = foreignSocket(path);
   ASSERT_EQ(listen(foreign.fd(), 1), 0);
   ino_t const before = inode(path);
   EXPECT_EQ(refusal(path), "control socket " + path + " is in use by another agent");

@@ -37,7 +37,7 @@ class TurnsTest : public testing::Test {
 
     TurnsTest& test_;
     char name_;
-    Descriptor source_{eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)};
+    Text::Descriptor source_{eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)};
     Turns::Member member_;
   };
 

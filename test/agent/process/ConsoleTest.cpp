@@ -39,12 +39,8 @@ TEST(Console, RewritesProgressInPlaceOnATerminal) {
 
 TEST(Console, ColoursOnlyWhenItMay) {
   std::ostringstream out;
-  Console const coloured(out, true, true);
-  EXPECT_EQ(coloured.good("yes"), "\x1b[32myes\x1b[0m");
-  EXPECT_EQ(coloured.bad("no"), "\x1b[31mno\x1b[0m");
-  EXPECT_EQ(coloured.heading("port"), "\x1b[1mport\x1b[0m");
-  Console const plain(out, true, false);
-  EXPECT_EQ(plain.good("yes") + plain.bad("no") + plain.heading("port"), "yesnoport");
+  EXPECT_EQ(Console(out, true, true).marked("no", Text::Mark::bad), "\x1b[31mno\x1b[0m");
+  EXPECT_EQ(Console(out, true, false).marked("no", Text::Mark::bad), "no");
 }
 
 }  // namespace

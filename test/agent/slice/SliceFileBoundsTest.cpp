@@ -15,7 +15,7 @@ TEST(SliceFile, IsRefusedWhenItCannotBeRead) {
     try {
       readSliceFile(path);
       return {};
-    } catch (FileError const& error) {
+    } catch (Text::FileError const& error) {
       return error.what();
     }
   };
@@ -36,7 +36,7 @@ TEST(SliceFile, IsBoundedAsJson) {
   try {
     reader->take(" ");
     FAIL() << "not refused";
-  } catch (FileError const& refused) {
+  } catch (Text::FileError const& refused) {
     EXPECT_STREQ(refused.what(), "slice.json: expected at most 64 MiB of JSON, found more");
   }
 }
@@ -61,7 +61,7 @@ TEST(SliceFile, HasLinesOf64KiBAtMost) {
     try {
       reader->take("x");
       FAIL() << "not refused";
-    } catch (FileError const& refused) {
+    } catch (Text::FileError const& refused) {
       EXPECT_EQ(refused.what(), message);
     }
   }

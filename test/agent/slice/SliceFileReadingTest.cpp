@@ -5,8 +5,8 @@
 
 #include <filesystem>
 
-#include "agent/slice/FileError.h"
 #include "test/agent/support/ScratchDirectory.h"
+#include "text/FileError.h"
 
 namespace Kest::Agent {
 namespace {
@@ -33,7 +33,7 @@ class SliceFileReadingTest : public ScratchDirectory {
     try {
       while (reading.goOn()) {
       }
-    } catch (FileError const& refused) {
+    } catch (Text::FileError const& refused) {
       return refused.what();
     }
     Slice const slice = reading.slice();
@@ -96,7 +96,7 @@ TEST_F(SliceFileReadingTest, OfAFileThatChangesAllTheTimeIsGivenUp) {
     append("nativeVlan 'et" + std::to_string(round) + "' 1\n");
     try {
       reading.goOn();
-    } catch (FileError const& refused) {
+    } catch (Text::FileError const& refused) {
       message = refused.what();
     }
   }

@@ -36,7 +36,7 @@ class Connected : public testing::Test {
     int ends[2];
     EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
     auto connection = std::make_shared<Connection>(
-        turns, account, Descriptor(ends[0]), Peer{geteuid(), mayChange},
+        turns, account, Text::Descriptor(ends[0]), Peer{geteuid(), mayChange},
         [this](Connection& from, Json const& what) { return serve(from, what); },
         [this](Connection& from) { gone.insert(&from); });
     connection->start();

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "agent/access/Collections.h"
-#include "agent/slice/FileError.h"
 #include "agent/slice/SliceFile.h"
+#include "text/FileError.h"
 
 namespace Kest::Agent {
 
@@ -46,14 +46,26 @@ inline Entries entriesOf(Config const& config) {
   return entries;
 }
 
-/// A text that is refused, and the message.
+/// A text that is refused, where, and why.
 struct ErrorRow {
   char const* name;
-  char const* text;
+  std::string_view text;
+  char const* place;  // as in "2:5"
   char const* message;
 };
 inline void PrintTo(ErrorRow const& row, std::ostream* out) {
   *out << row.name;
+}
+
+/// What the refusal of a row says, of a text in which each byte is a character.
+inline std::string reportOf(ErrorRow const& row, std::string const& file) {
+  auto const line = std::stoul(row.place);
+  auto const column =
+      std::stoul(std::string(row.place).substr(std::string_view(row.place).find(':') + 1));
+  std::string_view text = row.text;
+  for (auto before = line - 1; before > 0; --before) text.remove_prefix(text.find('\n') + 1);
+  return file + ":" + row.place + ": " + row.message + "\n  " +
+         std::string(text.substr(0, text.find('\n'))) + "\n  " + std::string(column - 1, ' ') + "^";
 }
 
 /// The message with which a slice file's text is refused; empty when it is not.
@@ -61,7 +73,7 @@ inline std::string refusal(std::string_view text, char const* name = "slice") {
   try {
     parseSlice(name, text);
     return {};
-  } catch (FileError const& error) {
+  } catch (Text::FileError const& error) {
     return error.what();
   }
 }

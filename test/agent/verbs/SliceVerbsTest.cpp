@@ -3,6 +3,7 @@
 #include "agent/access/Collections.h"
 #include "platform/mox/Dir.h"
 #include "test/agent/support/ServedAgent.h"
+#include "text/FileError.h"
 
 namespace Kest::Agent {
 namespace {
@@ -58,7 +59,7 @@ TEST_F(SliceVerbs, BytesAreReadAsTheyCome) {
   try {
     diff->take("us\n");
     FAIL() << "not refused";
-  } catch (FileError const& refused) {
+  } catch (Text::FileError const& refused) {
     EXPECT_EQ(std::string(refused.what()).substr(0, 14), "x.slice:3:1: e");
   }
 }
