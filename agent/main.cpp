@@ -39,7 +39,7 @@ using namespace Kest::Agent;
   // Without a stream: there may be no memory.
   std::array<char, 1024> line{};
   std::snprintf(line.data(), line.size() - 1, "kest-slice-agent: aborting: %s", what);
-  writeAtOnce(STDERR_FILENO, std::strcat(line.data(), "\n"));
+  writeAtOnce(STDERR_FILENO, outputKindOf(STDERR_FILENO), std::strcat(line.data(), "\n"));
   std::abort();
 }
 

@@ -1,8 +1,11 @@
 #include "agent/access/GenericJson.h"
 
 #include <algorithm>
+#include <concepts>
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "agent/access/ValueText.h"
@@ -39,13 +42,6 @@ bool isNumber(MoxType const& type) {
          &type == Mox::TypeOf<unsigned long long>::type();
 }
 
-template <class T>
-bool putNumber(GenericIf const& value, Json& json) {
-  T const* const number = Mox::genericVal<T>(&value);
-  if (number != nullptr) json = *number;
-  return number != nullptr;
-}
-
 /// The text form of a value. If that is a string in apostrophes, as for enumerators and MAC
 /// addresses, the string itself.
 std::string bareText(GenericIf const& value) {
@@ -60,27 +56,124 @@ Generic readAttribute(GenericIf& of, Mox::AttributeId id) {
   return value;
 }
 
-Json recordJson(GenericIf const& record) {
-  Json fields = Json::object();
-  Generic const copy = record.clone();
-  for (Mox::Attribute const& field : record.type()->typeNode()->attributes()) {
-    fields[std::string(field.name.view())] = toJson(*readAttribute(*copy, field.id));
+/// Makes JSON values of what it is told.
+class Tree {
+ public:
+  template <class Value>
+  void value(Value const& value) {
+    place() = value;
   }
-  return fields;
+  void begin(Json empty) { open_.push_back(&(place() = std::move(empty))); }
+  void name(std::string_view name) { name_ = name; }
+  void end() { open_.pop_back(); }
+
+  Json whole() { return std::move(whole_); }
+
+ private:
+  Json& place() {
+    if (open_.empty()) return whole_;
+    Json& parent = *open_.back();
+    return parent.is_array() ? parent.emplace_back() : parent[name_];
+  }
+
+  Json whole_;
+  std::vector<Json*> open_;  // arrays and objects that are not complete yet
+  std::string name_;         // of the next member
+};
+
+/// Appends JSON text of what it is told.
+class Text {
+ public:
+  explicit Text(std::string& text) : text_(text) {}
+
+  void value(std::nullptr_t /*null*/) { next() += "null"; }
+  void value(bool flag) { next() += flag ? "true" : "false"; }
+  template <std::unsigned_integral Number>
+  void value(Number number) {
+    next() += std::to_string(number);
+  }
+  void value(double number) { next() += jsonText(number); }
+  void value(std::string_view string) { appendJsonString(next(), string); }
+  void begin(Json const& empty) {
+    next() += empty.is_array() ? '[' : '{';
+    close_.push_back(empty.is_array() ? ']' : '}');
+    isFirst_ = true;
+  }
+  void name(std::string_view name) {
+    appendJsonString(next(), name);
+    text_ += ':';
+    isFirst_ = true;  // no comma before the value
+  }
+  void end() {
+    text_ += close_.back();
+    close_.pop_back();
+    isFirst_ = false;
+  }
+
+ private:
+  std::string& next() {
+    if (!std::exchange(isFirst_, false)) text_ += ',';
+    return text_;
+  }
+
+  std::string& text_;
+  std::string close_;
+  bool isFirst_ = true;
+};
+
+template <class Out>
+void tell(GenericIf const& value, Out& out);
+
+template <class T, class Out>
+bool tellBasic(GenericIf const& value, Out& out) {
+  T const* const basic = Mox::genericVal<T>(&value);
+  if (basic != nullptr) out.value(*basic);
+  return basic != nullptr;
 }
 
-Json referenceJson(GenericIf const& reference) {
+template <class Out>
+void tellRecord(GenericIf const& record, Out& out) {
+  Generic const copy = record.clone();
+  out.begin(Json::object());
+  for (Mox::Attribute const& field : record.type()->typeNode()->attributes()) {
+    out.name(field.name.view());
+    tell(*readAttribute(*copy, field.id), out);
+  }
+  out.end();
+}
+
+template <class Out>
+void tellReference(GenericIf const& reference, Out& out) {
   auto const& object = static_cast<Mox::GenericIfPtrInterface const&>(reference).object();
-  if (!object) return nullptr;
+  if (!object) return out.value(nullptr);
   auto const* const entity = dynamic_cast<Mox::Entity const*>(object.ptr());
-  return entity == nullptr ? Json(bareText(reference))
-                           : Json(std::string(entity->fullName().view()));
+  entity == nullptr ? out.value(bareText(reference)) : out.value(entity->fullName().view());
 }
 
-Json listJson(GenericIf::List_ const& list) {
-  Json items = Json::array();
-  for (auto const& item : list.items()) items.push_back(toJson(*item));
-  return items;
+template <class Out>
+void tellList(GenericIf::List_ const& list, Out& out) {
+  out.begin(Json::array());
+  for (auto const& item : list.items()) tell(*item, out);
+  out.end();
+}
+
+/// Tells what JSON a value is.
+template <class Out>
+void tell(GenericIf const& value, Out& out) {
+  MoxType const& type = *value.type();
+  if (isReference(type)) return tellReference(value, out);
+  if (isRecord(type)) return tellRecord(value, out);
+  if (&type == GenericIf::List_::_fwkType()) {
+    return tellList(static_cast<GenericIf::List_ const&>(value), out);
+  }
+  if (auto const* const string = Mox::genericVal<String8>(&value)) {
+    return out.value(string->view());
+  }
+  bool const isBasic = tellBasic<std::uint16_t>(value, out) ||
+                       tellBasic<std::uint32_t>(value, out) ||
+                       tellBasic<unsigned long long>(value, out) || tellBasic<double>(value, out) ||
+                       tellBasic<bool>(value, out);
+  if (!isBasic) out.value(bareText(value));
 }
 
 [[noreturn]] void refuse(std::string const& expected, Json const& found) {
@@ -158,18 +251,14 @@ Generic enumeratorFrom(MoxType const& type, std::string const& name) {
 }  // namespace
 
 Json toJson(GenericIf const& value) {
-  MoxType const& type = *value.type();
-  Json json;
-  if (isReference(type)) return referenceJson(value);
-  if (isRecord(type)) return recordJson(value);
-  if (&type == GenericIf::List_::_fwkType()) {
-    return listJson(static_cast<GenericIf::List_ const&>(value));
-  }
-  bool const isBasic = putNumber<std::uint16_t>(value, json) ||
-                       putNumber<std::uint32_t>(value, json) ||
-                       putNumber<unsigned long long>(value, json) ||
-                       putNumber<double>(value, json) || putNumber<bool>(value, json);
-  return isBasic ? json : Json(bareText(value));
+  Tree tree;
+  tell(value, tree);
+  return tree.whole();
+}
+
+void appendJson(std::string& text, GenericIf const& value) {
+  Text told(text);
+  tell(value, told);
 }
 
 Generic fromJson(MoxType const& type, Json const& json, GenericIf const* base) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "agent/access/JsonText.h"
@@ -22,6 +23,8 @@
 namespace Kest::Agent {
 
 Json toJson(Mox::GenericIf const& value);
+/// Appends the same as text on one line, as `jsonText` has it, without making the JSON first.
+void appendJson(std::string& text, Mox::GenericIf const& value);
 
 /// A value of `type`.
 /// @param base the record that supplies the fields which a record's object does not name; null: a

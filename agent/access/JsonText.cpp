@@ -1,5 +1,6 @@
 #include "agent/access/JsonText.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "agent/wire/Protocol.h"
@@ -21,6 +22,10 @@ std::string reason(Json::exception const& error) {
   std::size_t const start =
       place == std::string_view::npos ? text.find("] ") : text.find(": ", place);
   return Text::shortened(text.substr(start + 2));
+}
+
+bool isPlain(char character) {
+  return character >= ' ' && character <= '~' && character != '"' && character != '\\';
 }
 
 /// Refuses a text that nests too deep or has too many parts as early as possible: for each new
@@ -68,6 +73,14 @@ Json objectFromText(std::string_view text) {
     refuse("expected a JSON object; at byte " + std::to_string(error.byte) + ": " + reason(error));
   } catch (Json::out_of_range const& error) {
     refuse("expected a JSON object; " + reason(error));
+  }
+}
+
+void appendJsonString(std::string& text, std::string_view string) {
+  if (std::all_of(string.begin(), string.end(), isPlain)) {
+    text.append(1, '"').append(string).append(1, '"');
+  } else {
+    text += jsonText(string);
   }
 }
 

@@ -18,4 +18,7 @@ std::string jsonText(Json const& json);
 /// `Wire::mostRequestValues` names and values
 Json objectFromText(std::string_view text);
 
+/// Appends a string as `jsonText` has it.
+void appendJsonString(std::string& text, std::string_view string);
+
 }  // namespace Kest::Agent

@@ -10,6 +10,7 @@
 #include <utility>
 #include <variant>
 
+#include "agent/access/JsonText.h"
 #include "agent/control/Refusal.h"
 #include "agent/control/RequestText.h"
 
@@ -22,6 +23,9 @@ using Wire::ErrorKind;
 constexpr std::size_t blockBytes = std::size_t{16} << 10;
 /// A client that has more than this to read is not served before it has read.
 constexpr std::size_t patience = std::size_t{64} << 10;
+/// How long, and how many, requests are served in one turn: one that takes longer ends it.
+constexpr Mox::Seconds together = 0.0005;
+constexpr int mostTogether = 64;
 constexpr std::uint32_t readable = EPOLLIN;
 constexpr std::uint32_t writable = EPOLLOUT;
 constexpr char const* resultLead = R"({"ok":true,"result":)";
@@ -85,21 +89,22 @@ void Connection::turn() {
     work();
     std::size_t const before = output_.unread();
     if (!output_.sendTo(fd())) return end();
+    isStuck_ = output_.isWaiting();
     if (output_.unread() < before) heardAt_ = Mox::now();
     update();
   });
 }
 
-/// One piece of it.
+/// A piece of a long request, or all requests that are there and short, so that their replies go
+/// together.
 void Connection::work() {
-  if (canTell()) {
-    tellOn();
-  } else if (canSkip()) {
-    takeFollowing();
-  } else if (canServe()) {
+  if (canTell()) return tellOn();
+  if (canSkip()) return takeFollowing();
+  if (!canServe() && wantsInput()) read();
+  Mox::Seconds const end = Mox::now() + together;
+  for (int served = 0; served < mostTogether && canServe(); ++served) {
     serveNext();
-  } else if (wantsInput()) {
-    read();
+    if (Mox::now() >= end) return;
   }
 }
 
@@ -117,7 +122,7 @@ bool Connection::isLineTooLong() const {
 }
 
 bool Connection::canServe() const {
-  return !isServing_ && !closing_ && following_ == 0 && output_.unread() <= patience &&
+  return !isEnded_ && !isServing_ && !closing_ && following_ == 0 && output_.unread() <= patience &&
          (input_.hasLine() || isLineTooLong() || inputEnded_);
 }
 
@@ -128,7 +133,8 @@ bool Connection::wantsInput() const {
 }
 
 void Connection::read() {
-  std::array<char, blockBytes> block{};
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the system fills in what is read
+  std::array<char, blockBytes> block;
   ssize_t const bytes = recv(fd(), block.data(), block.size(), MSG_DONTWAIT);
   if (bytes > 0) {
     heardAt_ = Mox::now();
@@ -183,7 +189,9 @@ void Connection::refuseTooLong() {
 
 void Connection::take(Answer answer) {
   if (auto const* const result = std::get_if<Json>(&answer)) {
-    tell(*result);
+    tell(jsonText(*result));
+  } else if (auto const* const text = std::get_if<ResultText>(&answer)) {
+    tell(text->json);
   } else if (auto* const longer = std::get_if<std::unique_ptr<LongResult>>(&answer)) {
     long_ = std::move(*longer);
   } else if (auto* const upload = std::get_if<std::unique_ptr<Upload>>(&answer)) {
@@ -227,8 +235,8 @@ std::string Connection::tail() const {
   return id_.empty() ? "}\n" : ",\"id\":" + id_ + "}\n";
 }
 
-void Connection::tell(Json const& result) {
-  output_.add(resultLead + jsonText(result) + tail());
+void Connection::tell(std::string_view result) {
+  output_.add(std::string(resultLead).append(result).append(tail()));
   replied();
 }
 
@@ -247,8 +255,8 @@ void Connection::replied() {
 void Connection::reply(Json const& result) {
   if (isEnded_) return;
   atItsOwnCost([&] {
-    tell(result);
-    update();
+    tell(jsonText(result));
+    sendSoon();
   });
 }
 
@@ -256,7 +264,7 @@ void Connection::event(std::string_view line) {
   if (isEnded_) return;
   atItsOwnCost([&] {
     output_.addEvent(line);
-    update();
+    sendSoon();
   });
 }
 
@@ -282,6 +290,12 @@ std::size_t Connection::held() const {
          (upload_ ? upload_->held() : 0) + (long_ ? long_->held() : 0);
 }
 
+/// In a turn of its own, unless the client has to read first.
+void Connection::sendSoon() {
+  if (!isStuck_) turns_.ready();
+  update();
+}
+
 /// Counts the memory, and has the loop watch for what can be done next.
 void Connection::update() {
   if (isEnded_) return;
@@ -289,7 +303,7 @@ void Connection::update() {
   share_.is(held());
   if (isEnded_) return;  // it was this one that held most
   if (canTell() || canSkip() || canServe()) turns_.ready();
-  turns_.watch((wantsInput() ? readable : 0U) | (output_.isWaiting() ? writable : 0U));
+  turns_.watch((wantsInput() ? readable : 0U) | (isStuck_ ? writable : 0U));
 }
 
 /// What the client holds goes with the connection: it may be in use just now.

@@ -22,8 +22,9 @@ namespace Kest::Agent {
 
 /// One client of the control socket.
 ///
-/// A turn reads a block, serves a request, or does a piece of a long one; then what there is to
-/// read is sent. The next request is looked at when the last has its reply, and only while the
+/// A turn reads a block and serves the requests that are there, or does a piece of a long one; then
+/// what there is to read is sent. A turn ends after half a millisecond, with the request that it
+/// serves then. The next request is looked at when the last has its reply, and only while the
 /// client reads what it is sent. What there is no memory for costs the client its connection.
 ///
 /// Ownership. Shared by its server, which lets go of it when it is told that the client has gone,
@@ -95,10 +96,11 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
 
   std::size_t longestLine() const noexcept;
   std::string tail() const;
-  void tell(Json const& result);
+  void tell(std::string_view result);
   void refuse(ControlError const& refused);
   void replied();
   std::size_t held() const;
+  void sendSoon();
   void update();
   void end();
 
@@ -120,6 +122,7 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   std::unique_ptr<LongResult> long_;
   bool isTelling_ = false;  // part of its reply has been told
 
+  bool isStuck_ = false;  // the client has to read before more can be sent
   bool inputEnded_ = false;
   bool closing_ = false;  // once the output has gone
   bool isEnded_ = false;

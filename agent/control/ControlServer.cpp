@@ -62,10 +62,12 @@ ControlServer::ControlServer(Mox::ActivityLoop& loop, std::string const& path,
       turns_(loop),
       taking_(turns_, *this, listener_.fd(), true),
       alarm_(new Alarm(Mox::activityManager()->clock(), [this] { onAlarm(); })),
-      configFeed_(
-          new ConfigFeed(agent.config, "config", [this](Json const& event) { publish(event); })),
-      statusFeed_(
-          new StatusFeed(agent.status, "status", [this](Json const& event) { publish(event); })) {
+      configFeed_(new ConfigFeed(
+          agent.config, "config", [this] { return watchers_ > 0; },
+          [this](std::string event) { publish(std::move(event)); })),
+      statusFeed_(new StatusFeed(
+          agent.status, "status", [this] { return watchers_ > 0; },
+          [this](std::string event) { publish(std::move(event)); })) {
   taking_.watch(EPOLLIN);
 }
 
@@ -127,6 +129,7 @@ void ControlServer::add(Text::Descriptor client, Peer const& peer) {
 void ControlServer::leave(Connection& gone) noexcept {
   freed_ += gone.share();
   if (freed_ >= worthTrimming) taking_.ready();
+  if (gone.isWatching()) --watchers_;
   admission_.leave(gone.peer());
   connections_.erase(gone.fd());
 }
@@ -164,6 +167,7 @@ void ControlServer::onAlarm() {
 Answer ControlServer::serve(Connection& connection, Json const& request) {
   if (Request(request).string("verb") == "watch") {
     Request(request).checkMembers({});
+    if (!connection.isWatching()) ++watchers_;
     connection.watch();
     return Json{{"watching", true}};
   }
@@ -174,12 +178,9 @@ Answer ControlServer::serve(Connection& connection, Json const& request) {
 }
 
 /// Without memory the event is lost, and counted as lost.
-void ControlServer::publish(Json const& event) {
-  bool const isWatched = std::any_of(connections_.begin(), connections_.end(),
-                                     [](auto const& entry) { return entry.second->isWatching(); });
-  if (!isWatched) return;
+void ControlServer::publish(std::string event) {
   try {
-    std::string const line = jsonText(event) + "\n";
+    std::string const line = std::move(event += '\n');
     std::vector<Client> watching;
     for (auto const& [fd, connection] : connections_) {
       if (connection->isWatching()) watching.push_back(connection);

@@ -42,7 +42,7 @@ class ControlServer final : private Turns::Taker {
   void alarmAt(Mox::Seconds at);
   void onAlarm();
   Answer serve(Connection& connection, Json const& request);
-  void publish(Json const& event);
+  void publish(std::string event);
 
   Listener listener_;
   Verbs verbs_;
@@ -52,7 +52,8 @@ class ControlServer final : private Turns::Taker {
   Turns turns_;
   Turns::Member taking_;
   std::map<int, Client> connections_;
-  std::size_t freed_ = 0;  // by clients that have gone
+  std::size_t watchers_ = 0;  // of the connections
+  std::size_t freed_ = 0;     // by clients that have gone
   Mox::Ptr<Alarm> alarm_;
   Mox::Ptr<ConfigFeed> configFeed_;
   Mox::Ptr<StatusFeed> statusFeed_;

@@ -50,7 +50,7 @@ void Turns::Member::watch(std::uint32_t events) {
 void Turns::Member::ready() noexcept {
   if (isReady_) return;
   isReady_ = true;
-  turns_.alarmIs(true);
+  if (!turns_.isInRound_) turns_.alarmIs(true);
   Queue& queue = comesFirst_ ? turns_.first_ : turns_.others_;
   queue.splice(queue.end(), turns_.resting_, place_);
 }
@@ -81,18 +81,34 @@ void Turns::alarmIs(bool on) noexcept {
   }
 }
 
+/// Whatever ends the round, the alarm is on after it if turns are left over.
+class Turns::Round {
+ public:
+  explicit Round(Turns& turns) : turns_(turns) { turns_.isInRound_ = true; }
+  Round(Round const&) = delete;
+  Round& operator=(Round const&) = delete;
+  ~Round() {
+    turns_.isInRound_ = false;
+    turns_.alarmIs(!turns_.isIdle());
+  }
+
+ private:
+  Turns& turns_;
+};
+
 void Turns::round() {
+  Round const inRound(*this);
   Mox::Seconds const end = Mox::now() + budget;
   collect();
   while (!isIdle()) {
     takeOne();
     if (Mox::now() >= end) break;
   }
-  alarmIs(!isIdle());
 }
 
 void Turns::collect() {
-  std::array<epoll_event, mostEvents> events{};
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the system fills in what is read
+  std::array<epoll_event, mostEvents> events;
   int const count = epoll_wait(watcher_.fd(), events.data(), mostEvents, 0);
   for (int i = 0; i < count; ++i) {
     if (auto* const member = static_cast<Member*>(events[static_cast<std::size_t>(i)].data.ptr)) {

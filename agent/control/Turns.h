@@ -68,6 +68,7 @@ class Turns {
 
  private:
   using Queue = std::list<Member*>;
+  class Round;
 
   void round();
   void collect();
@@ -80,6 +81,7 @@ class Turns {
   Text::Descriptor watcher_;  // of every member's descriptor, and of the alarm
   Text::Descriptor alarm_;    // readable while it is on: turns are left over
   bool isAlarmOn_ = false;
+  bool isInRound_ = false;
   Queue resting_;
   Queue first_;
   Queue others_;

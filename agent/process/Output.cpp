@@ -2,6 +2,7 @@
 
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -24,9 +25,18 @@ bool isForNow(int error) {
 
 }  // namespace
 
-ssize_t writeAtOnce(int fd, std::string_view text) noexcept {
-  ssize_t const sent = send(fd, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-  if (sent >= 0 || errno != ENOTSOCK) return sent;
+OutputKind outputKindOf(int fd) noexcept {
+  struct stat file {};
+  if (fstat(fd, &file) != 0) return OutputKind::other;
+  if (S_ISREG(file.st_mode)) return OutputKind::file;
+  return S_ISSOCK(file.st_mode) ? OutputKind::socket : OutputKind::other;
+}
+
+ssize_t writeAtOnce(int fd, OutputKind kind, std::string_view text) noexcept {
+  if (kind == OutputKind::file) return ::write(fd, text.data(), text.size());
+  if (kind == OutputKind::socket) {
+    return send(fd, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+  }
   pollfd room{fd, POLLOUT, 0};
   if (poll(&room, 1, 0) == 0) {
     errno = EAGAIN;
@@ -106,7 +116,7 @@ void Output::add(Piece piece) {
 void Output::write() {
   while (!waiting_.empty()) {
     auto& [text, lines] = waiting_.front();
-    ssize_t const written = writeAtOnce(fd_, text);
+    ssize_t const written = writeAtOnce(fd_, kind_, text);
     if (written < 0 && isForNow(errno)) return;
     if (written < 0) lost_ += lines;
     std::size_t const done = written < 0 ? text.size() : static_cast<std::size_t>(written);

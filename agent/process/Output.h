@@ -13,9 +13,17 @@
 
 namespace Kest::Agent {
 
+/// What a descriptor leads to, which says how to write without blocking.
+enum class OutputKind {
+  file,    // never blocks
+  socket,  // may be told not to block
+  other,   // is asked for room first
+};
+OutputKind outputKindOf(int fd) noexcept;
+
 /// Writes as much of `text` as a descriptor takes without blocking; -1 and `errno` when it takes
 /// nothing. Does not change the descriptor's flags: other processes may share it.
-ssize_t writeAtOnce(int fd, std::string_view text) noexcept;
+ssize_t writeAtOnce(int fd, OutputKind kind, std::string_view text) noexcept;
 
 /// How much an output keeps, and how long it waits.
 struct OutputLimits {
@@ -32,7 +40,8 @@ struct OutputLimits {
 class Output : public std::streambuf {
  public:
   /// The descriptor stays the caller's.
-  explicit Output(int fd, OutputLimits limits = {}) : fd_(fd), limits_(limits) {}
+  explicit Output(int fd, OutputLimits limits = {})
+      : fd_(fd), kind_(outputKindOf(fd)), limits_(limits) {}
   Output(Output const&) = delete;
   Output& operator=(Output const&) = delete;
   ~Output() override { loopIs(nullptr); }
@@ -63,6 +72,7 @@ class Output : public std::streambuf {
   void watch();
 
   int fd_;
+  OutputKind kind_;
   OutputLimits limits_;
   std::string flush_;          // text since the last flush
   std::deque<Piece> waiting_;  // to be written, in order

@@ -53,7 +53,7 @@ ServiceManager::~ServiceManager() {
 }
 
 void ServiceManager::isTold(std::string_view state) const noexcept {
-  if (fd_ >= 0) writeAtOnce(fd_, state);
+  if (fd_ >= 0) writeAtOnce(fd_, OutputKind::socket, state);
 }
 
 void ServiceManager::isToldOfLife() const noexcept {

@@ -18,7 +18,8 @@ std::string_view lifeSign;
 }  // namespace
 
 void giveSignOfLife() noexcept {
-  if (lifeWatcher >= 0) writeAtOnce(lifeWatcher, lifeSign);  // a full pipe holds signs enough
+  if (lifeWatcher >= 0)
+    writeAtOnce(lifeWatcher, OutputKind::other, lifeSign);  // a full pipe holds signs enough
 }
 
 void signsOfLifeGoTo(int fd, std::string_view sign) noexcept {

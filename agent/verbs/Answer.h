@@ -18,10 +18,15 @@ class Upload;
 /// Takes a result that comes after `Verbs::carryOut` has returned.
 using Later = std::function<void(Json result)>;
 
+/// A result as JSON text on one line.
+struct ResultText {
+  std::string json;
+};
+
 /// The answer to a request: nothing yet (the result comes through `Later`), the result, a result
 /// that takes long, or a taker of the bytes that follow the request.
-using Answer =
-    std::variant<std::monostate, Json, std::unique_ptr<LongResult>, std::unique_ptr<Upload>>;
+using Answer = std::variant<std::monostate, Json, ResultText, std::unique_ptr<LongResult>,
+                            std::unique_ptr<Upload>>;
 
 /// A result that takes long to find or to write. It is written in pieces as the client reads them,
 /// so that no reply holds up the activity or is ever in memory as a whole.

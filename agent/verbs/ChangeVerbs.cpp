@@ -172,10 +172,9 @@ Answer Verbs::set(Request const& request) {
 
   store(target, *value, *agent_.config);
   Generic const now = target.read();
-  Json result = replyAbout(target);
-  result["changed"] = before == nullptr || now == nullptr || !isEqual(*now, *before);
-  result["value"] = form.show(now.get());
-  return result;
+  bool const isChanged = before == nullptr || now == nullptr || !isEqual(*now, *before);
+  return replyAbout(target, isChanged ? R"(,"changed":true)" : R"(,"changed":false)",
+                    form.show(now.get()));
 }
 
 Answer Verbs::del(Request const& request) {
@@ -189,10 +188,9 @@ Answer Verbs::del(Request const& request) {
 
   Generic const before = target.read();
   Generic const removed = change(target, AttributeOpCode::remove, "removed");
-  Json result = replyAbout(target);
-  result["removed"] = isThere(before.get());
-  result["value"] = isThere(before.get()) ? form.show(removed.get()) : nullptr;
-  return result;
+  bool const wasThere = isThere(before.get());
+  return replyAbout(target, wasThere ? R"(,"removed":true)" : R"(,"removed":false)",
+                    form.show(wasThere ? removed.get() : nullptr));
 }
 
 Answer Verbs::notify(Request const& request) {

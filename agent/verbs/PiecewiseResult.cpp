@@ -40,6 +40,12 @@ void PiecewiseResult::addItems(OrderedKeys keys,
   work_.addVisits(std::move(keys), std::move(tell));
 }
 
+void PiecewiseResult::itemText(std::string_view name, std::string_view value) {
+  std::string& text = next();
+  appendJsonString(text, name);
+  text.append(1, ':').append(value);
+}
+
 LongResult::Progress PiecewiseResult::goOn(std::string& text) {
   text_ = &text;
   return work_.take(itemsAtOnce) ? Progress::more : Progress::done;

@@ -31,9 +31,9 @@ class PiecewiseResult final : public LongResult {
 
   /// Tells an item of an array, or a member of an object; while items are told.
   void item(Json const& item) { next() += jsonText(item); }
-  void item(std::string_view name, Json const& value) {
-    (next() += jsonText(name) + ":") += jsonText(value);
-  }
+  void item(std::string_view name, Json const& value) { itemText(name, jsonText(value)); }
+  /// @param value as JSON text
+  void itemText(std::string_view name, std::string_view value);
 
   Progress goOn(std::string& text) override;
   std::size_t held() const override { return LongResult::held() + work_.held() + textBytes_; }

@@ -21,8 +21,8 @@ void addEntries(PiecewiseResult& result, Mox::GenericIf const& object, Mox::Attr
   result.add("{");
   result.addItems([&result, it, form] {
     if (!*it) return false;
-    result.item(Mox::genericVal<Mox::String8>(it->key().get())->view(),
-                form.show(it->value().get()));
+    result.itemText(Mox::genericVal<Mox::String8>(it->key().get())->view(),
+                    form.show(it->value().get()));
     ++*it;
     return true;
   });
@@ -42,7 +42,7 @@ void addAttributes(PiecewiseResult& result, Mox::GenericIf& object, ValueForm co
     } else {
       std::unique_ptr<Mox::GenericIf> value;
       object.attributeOp({attribute.id, Mox::AttributeOpCode::read}, nullptr, value);
-      result.add(jsonText(form.show(value.get())));
+      result.add(form.show(value.get()));
     }
   }
   result.add(before == "{" ? "{}" : "}");
@@ -57,9 +57,7 @@ Answer Verbs::get(Request const& request) {
   if (target.attribute != nullptr) checkIsData(target);
   if (target.attribute == nullptr || target.isWholeCollection()) {
     auto result = std::make_unique<PiecewiseResult>();
-    std::string opening = jsonText(replyAbout(target));
-    opening.back() = ',';
-    result->add(opening + R"("value":)");
+    result->add(replyBefore(target));
     if (target.attribute == nullptr) {
       addAttributes(*result, *target.object, form);
     } else {
@@ -72,9 +70,7 @@ Answer Verbs::get(Request const& request) {
   if (value == nullptr) {
     throw ControlError(Wire::ErrorKind::path, "there is no " + target.shown());
   }
-  Json result = replyAbout(target);
-  result["value"] = form.show(value.get());
-  return result;
+  return replyAbout(target, "", form.show(value.get()));
 }
 
 }  // namespace Kest::Agent

@@ -1,18 +1,32 @@
 #include "agent/verbs/ValueReply.h"
 
-#include <nlohmann/json.hpp>
-
 #include "agent/access/ControlError.h"
+#include "agent/access/JsonText.h"
 
 namespace Kest::Agent {
 
-Json ValueForm::show(Mox::GenericIf const* value) const {
-  if (value == nullptr) return nullptr;
-  return asText_ ? Json(std::string(value->strRep().view())) : toJson(*value);
+std::string ValueForm::show(Mox::GenericIf const* value) const {
+  std::string text;
+  if (value == nullptr) {
+    text = "null";
+  } else if (asText_) {
+    appendJsonString(text, value->strRep().view());
+  } else {
+    appendJson(text, *value);
+  }
+  return text;
 }
 
-Json replyAbout(Target const& target) {
-  return {{"path", target.path}, {"type", std::string(target.type().fullName().view())}};
+std::string replyBefore(Target const& target, std::string const& others) {
+  std::string text = R"({"path":)";
+  appendJsonString(text, target.path);
+  text += R"(,"type":)";
+  appendJsonString(text, target.type().fullName().view());
+  return text + others + R"(,"value":)";
+}
+
+ResultText replyAbout(Target const& target, std::string const& others, std::string const& value) {
+  return {replyBefore(target, others) + value + "}"};
 }
 
 void checkIsData(Target const& target) {

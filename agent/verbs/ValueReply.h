@@ -1,7 +1,10 @@
 #pragma once
 
+#include <string>
+
 #include "agent/access/GenericJson.h"
 #include "agent/access/Target.h"
+#include "agent/verbs/Answer.h"
 #include "agent/verbs/Request.h"
 
 /// What the replies about values have in common.
@@ -13,15 +16,19 @@ class ValueForm {
   explicit ValueForm(Request const& request)
       : asText_(request.oneOf("form", {"json", "text"}) == "text") {}
 
-  /// Null for no value.
-  Json show(Mox::GenericIf const* value) const;
+  /// JSON text; null for no value.
+  std::string show(Mox::GenericIf const* value) const;
 
  private:
   bool asText_;
 };
 
-/// The members `path` and `type`, with which a reply begins.
-Json replyAbout(Target const& target);
+/// A reply as JSON text: the members `path` and `type`, whatever `others` has, and `value`.
+/// @param others with a comma in front of each, as in `,"changed":true`
+/// @param value as JSON text
+ResultText replyAbout(Target const& target, std::string const& others, std::string const& value);
+/// The same up to the value.
+std::string replyBefore(Target const& target, std::string const& others = {});
 
 /// Refuses a handler, which is called instead.
 void checkIsData(Target const& target);

@@ -33,6 +33,29 @@ TEST_F(ConnectionTest, ARequestMayComeByteByByte) {
   EXPECT_EQ(pair.client.received(), echoed("a") + echoed("b"));
 }
 
+TEST_F(ConnectionTest, RepliesGoTogetherUnlessARequestTakesLong) {
+  Pair pair = connected();
+  std::string const three = echo("x") + echo("x") + echo("x");
+  std::string sent;  // how many replies had been sent at each request
+  auto const countSent = [&] {
+    sent += std::to_string(pair.client.received().size() / echoed("x").size());
+  };
+  onEcho = countSent;
+  pair.client.send(three);
+  rounds(1);
+  EXPECT_EQ(sent, "000");
+  EXPECT_EQ(pair.client.received(), echoed("x") + echoed("x") + echoed("x"));
+
+  sent.clear();
+  onEcho = [&] {
+    countSent();
+    time.advance(0.001);
+  };
+  pair.client.send(three);
+  rounds(1);
+  EXPECT_EQ(sent, "011");
+}
+
 TEST_F(ConnectionTest, AClientThatFloodsHoldsNobodyUp) {
   Pair flooding = connected();
   Pair other = connected();

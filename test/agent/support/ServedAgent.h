@@ -77,6 +77,7 @@ class ServedAgent : public testing::Test {
       return whole((*upload)->end(), {});
     }
     if (auto const* const result = std::get_if<Json>(&answer)) return textOf(*result);
+    if (auto const* const result = std::get_if<ResultText>(&answer)) return result->json;
     std::string text;
     if (auto const* const result = std::get_if<std::unique_ptr<LongResult>>(&answer)) {
       while ((*result)->goOn(text) == LongResult::Progress::more) {
