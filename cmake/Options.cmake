@@ -6,7 +6,7 @@ option(KEST_FUZZERS "Build the fuzzers; needs clang++, and fuzzer-no-link among 
 set(KEST_SANITIZE "" CACHE STRING "Sanitizers to build with, as in address,undefined")
 option(KEST_SANITIZE_AGENT "Instrument the agent and its client too, not only the libraries" ON)
 option(KEST_COUNT_EDGES "Call what counts the edges that are run through: test/fuzz/Cost.cpp" OFF)
-option(KEST_COVERAGE "Count which lines and branches run" OFF)
+option(KEST_COVERAGE "Count which regions of the sources run; needs clang++" OFF)
 option(KEST_32BIT "Build for 32-bit x86" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -58,8 +58,11 @@ set(KEST_INLINED_AS_ALONE $<$<CXX_COMPILER_ID:GNU>:--param=large-unit-insns=2000
 set(KEST_NOT_OPTIMISED -O0 -U_FORTIFY_SOURCE)
 
 if(KEST_COVERAGE)
-  add_compile_options(-O0 -fprofile-arcs -ftest-coverage)  # as --coverage, which cannot be undone
-  add_link_options(--coverage)
+  # A process counts in a file that it maps, one for each program and library (%m), so that counts outlive
+  # any end of the process (%c).
+  add_compile_options(-fprofile-instr-generate=${CMAKE_BINARY_DIR}/counts/%m%c.profraw -fcoverage-mapping
+    "SHELL:-mllvm -runtime-counter-relocation")
+  add_link_options(-fprofile-instr-generate)
 endif()
 
 if(KEST_SANITIZE)

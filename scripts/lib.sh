@@ -13,8 +13,8 @@ build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 # g++-multilib is for the 32-bit preset, binutils for the checks of exported symbols.
 # shellcheck disable=SC2034
 test_packages=(
-  "${build_packages[@]}" g++-multilib clang libclang-rt-14-dev clang-format clang-tidy shellcheck
-  googletest binutils pkgconf ccache gcovr patch python3 valgrind)
+  "${build_packages[@]}" g++-multilib clang llvm libclang-rt-14-dev clang-format clang-tidy shellcheck
+  googletest binutils pkgconf ccache patch python3 valgrind)
 
 # What the benchmarks are built with and compared with; nothing else needs them.
 # shellcheck disable=SC2034
