@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 
 #include <csignal>
+#include <vector>
 
 #include "test/agent/support/AgentProcess.h"
 #include "test/agent/support/Client.h"
@@ -95,6 +97,42 @@ TEST_F(ControlledAgent, RecoversByRestartFromADeviceThatChangesBehindItsBack) {
               HasSubstr("'fap0', up, flips 1, numFaps 1"));
   agent.signalIs(SIGTERM);
   EXPECT_EQ(agent.ended(), 0);
+}
+
+TEST_F(ControlledAgent, UnderALowLimitOfDescriptorsKeepsHalfOfThemForItself) {
+  if (sanitizersNeedDescriptors) GTEST_SKIP();
+  constexpr std::size_t most = 40;
+  AgentProcess agent(directory, {slice("small.slice")}, AgentProcess::Output::pipes, {}, most);
+  agent.outputUntil("left alone\n");
+  std::vector<Client> clients;
+  for (std::size_t i = 0; i < most / 2; ++i) {
+    clients.emplace_back(directory + "/control.sock");
+    ASSERT_EQ(clients.back().ask(R"({"verb":"verify"})"), clean) << i;
+  }
+  Client refused(directory + "/control.sock");
+  pollfd reply{refused.fd(), POLLIN, 0};
+  ASSERT_EQ(poll(&reply, 1, -1), 1);
+  EXPECT_EQ(refused.received(), R"({"ok":false,"error":{"kind":"busy","message":)"
+                                R"("there are 20 connections already: try again later"}})"
+                                "\n");
+  agent.signalIs(SIGHUP);
+  agent.outputUntil("announced 0 changes, ");
+  clients.pop_back();
+  clients.back().ask(R"({"verb":"verify"})");  // the agent sees who has left before it answers
+  EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
+  agent.signalIs(SIGTERM);
+  EXPECT_EQ(agent.ended(), 0);
+  EXPECT_EQ(agent.errors(), "");
+}
+
+TEST_F(ControlledAgent, SaysSoWhenItMayNotHaveTheDescriptorsToStart) {
+  if (sanitizersNeedDescriptors) GTEST_SKIP();
+  for (std::size_t const most : {5U, 7U}) {  // too few for the control socket; for its clients
+    AgentProcess agent(directory, {slice("small.slice")}, AgentProcess::Output::pipes, {}, most);
+    EXPECT_NE(agent.ended(), 0);
+    EXPECT_THAT(agent.errors(), StartsWith("kest-slice-agent: "));
+    EXPECT_THAT(agent.errors(), HasSubstr("Too many open files"));
+  }
 }
 
 /// The one port and device of the example, up and served.

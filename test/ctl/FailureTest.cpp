@@ -85,6 +85,15 @@ TEST_F(KestctlFailure, ABusySocketIsWaitedForToTheDeadline) {
   EXPECT_EQ(outcome.exit, 4);
 }
 
+TEST_F(KestctlFailure, ABusySocketIsWaitedForUntilThereIsRoom) {
+  isBusy = true;
+  Outcome const outcome =
+      run({"mode", "--timeout", "60"}, {ok(R"({"mode":"smModePolling","number":2})")});
+  EXPECT_EQ(outcome.errors, "");
+  EXPECT_EQ(outcome.exit, 0);
+  EXPECT_EQ(outcome.requests.size(), 1U);
+}
+
 TEST_F(KestctlFailure, TheEndOfTheAgentIsOneLineThatSaysWhereToLook) {
   std::string const message =
       "the agent has ended, or has ended the connection: its log or its standard error says why; "

@@ -1,8 +1,10 @@
 #include "test/ctl/KestctlRun.h"
+#include "test/support/SocketClient.h"
 #include "test/support/UnixSocket.h"
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -13,6 +15,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <system_error>
 
@@ -78,12 +82,20 @@ bool readInto(std::string& text, int fd) {
 /// The agent's side: one connection, one reply for each request.
 class ScriptedAgent {
  public:
-  ScriptedAgent(std::string const& path, std::vector<std::string> const& replies)
+  ScriptedAgent(std::string const& path, std::vector<std::string> const& replies, bool isBusy)
       : replies_(replies) {
     listener_.fd = check(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
     unlink(path.c_str());
     check(Support::bindTo(listener_.fd, path), "bind");
-    check(listen(listener_.fd, 1), "listen");
+    check(listen(listener_.fd, isBusy ? 0 : 1), "listen");
+    if (isBusy) other_.fd = check(Support::connectedTo(path), "connect");
+  }
+
+  /// Takes the client that there was no other room for, if there is one, once `process` waits.
+  void makeRoom(pid_t process) {
+    if (other_.fd < 0) return;
+    while (!isAsleep(process)) sched_yield();
+    close(check(accept4(listener_.fd, nullptr, nullptr, SOCK_CLOEXEC), "accept4"));
   }
 
   int fd() const { return client_.fd >= 0 ? client_.fd : listener_.fd; }
@@ -109,6 +121,13 @@ class ScriptedAgent {
   bool isOver() const { return isOver_; }
 
  private:
+  /// Whether kestctl sleeps, or has ended.
+  static bool isAsleep(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string const stat{std::istreambuf_iterator<char>(file), {}};
+    return stat.find("(kestctl) S") != stat.npos || stat.find("(kestctl) Z") != stat.npos;
+  }
+
   /// Where the first request ends, with the bytes that follow it; beyond the input if they have not
   /// come.
   std::size_t wholeRequest() const {
@@ -137,6 +156,7 @@ class ScriptedAgent {
 
   std::vector<std::string> const& replies_;
   Fd listener_;
+  Fd other_;  // a client that waits
   Fd client_;
   std::string input_;
   std::size_t answered_ = 0;
@@ -175,6 +195,7 @@ Outcome finish(pid_t pid, Pipe& out, Pipe& errors, ScriptedAgent* agent) {
   Outcome outcome;
   out.write.end();
   errors.write.end();
+  if (agent != nullptr) agent->makeRoom(pid);
   while (out.read.fd >= 0 || errors.read.fd >= 0) {
     bool const serves = agent != nullptr && !agent->isOver();
     std::array<pollfd, 3> waiting{pollfd{out.read.fd, POLLIN, 0}, pollfd{errors.read.fd, POLLIN, 0},
@@ -204,7 +225,7 @@ Outcome KestctlRun::run(std::vector<std::string> const& arguments, Replies const
 
 Outcome KestctlRun::runServed(std::vector<std::string> const& command, Replies const& replies,
                               std::string const& input) {
-  ScriptedAgent agent(socket(), replies);
+  ScriptedAgent agent(socket(), replies, isBusy);
   return serve(command, input, &agent);
 }
 

@@ -47,6 +47,8 @@ class KestctlRun : public Agent::ScratchDirectory {
   std::map<std::string, std::string> environment;
   /// Whether standard output is a terminal.
   bool isOnTerminal = false;
+  /// Whether the agent has no room for another client until kestctl waits for some.
+  bool isBusy = false;
 
  private:
   Outcome serve(std::vector<std::string> const& command, std::string const& input,

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -26,17 +27,18 @@ void check(int result, char const* what) {
   if (result < 0) throw std::system_error(errno, std::generic_category(), what);
 }
 
-std::vector<char*> pointers(std::vector<std::string>& texts) {
+std::vector<char*> pointers(std::vector<std::string> const& texts) {
   std::vector<char*> all;
-  for (std::string& text : texts) all.push_back(text.data());
+  for (std::string const& text : texts) all.push_back(const_cast<char*>(text.data()));
   all.push_back(nullptr);
   return all;
 }
 
+}  // namespace
+
 /// In the new process: becomes the agent.
-[[noreturn]] void become(std::string const& directory, std::vector<std::string> command,
-                         AgentProcess::Environment const& environment) {
-  AgentProcess::Environment all = environment;
+void AgentProcess::Start::become() const {
+  Environment all = environment;
   all.emplace("TERM", "xterm");
   all.emplace("KEST_SLICE_AGENT_SOCKET", "control.sock");  // in its own directory
   std::vector<std::string> variables;
@@ -45,21 +47,21 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     char const* const value = std::getenv(name);
     if (value != nullptr) variables.push_back(std::string(name) + "=" + value);
   }
-  if (chdir(directory.c_str()) == 0) {
-    execve(KEST_AGENT, pointers(command).data(), pointers(variables).data());
-  }
+  rlimit const limit{mostDescriptors, mostDescriptors};
+  bool const isReady = (mostDescriptors == 0 || setrlimit(RLIMIT_NOFILE, &limit) == 0) &&
+                       chdir(directory.c_str()) == 0;
+  if (isReady) execve(KEST_AGENT, pointers(command).data(), pointers(variables).data());
   _exit(127);
 }
 
-}  // namespace
-
 AgentProcess::AgentProcess(std::string const& directory, std::vector<std::string> arguments,
-                           Output output, Environment environment) {
+                           Output output, Environment environment, std::size_t mostDescriptors) {
   arguments.insert(arguments.begin(), "kest-slice-agent");
+  Start const start{directory, std::move(arguments), std::move(environment), mostDescriptors};
   if (output == Output::pipes) {
-    startOnPipes(directory, arguments, environment);
+    startOnPipes(start);
   } else {
-    startOnTerminal(directory, arguments, environment);
+    startOnTerminal(start);
   }
 }
 
@@ -73,9 +75,7 @@ AgentProcess::~AgentProcess() {
   }
 }
 
-void AgentProcess::startOnPipes(std::string const& directory,
-                                std::vector<std::string> const& command,
-                                Environment const& environment) {
+void AgentProcess::startOnPipes(Start const& start) {
   std::array<int, 2> out{};
   std::array<int, 2> err{};
   check(pipe2(out.data(), O_CLOEXEC), "pipe2");
@@ -85,7 +85,7 @@ void AgentProcess::startOnPipes(std::string const& directory,
   if (pid_ == 0) {
     dup2(out[1], STDOUT_FILENO);
     dup2(err[1], STDERR_FILENO);
-    become(directory, command, environment);
+    start.become();
   }
   close(out[1]);
   close(err[1]);
@@ -93,14 +93,12 @@ void AgentProcess::startOnPipes(std::string const& directory,
   errors_.fd = err[0];
 }
 
-void AgentProcess::startOnTerminal(std::string const& directory,
-                                   std::vector<std::string> const& command,
-                                   Environment const& environment) {
+void AgentProcess::startOnTerminal(Start const& start) {
   termios asWritten{};
   cfmakeraw(&asWritten);
   pid_ = forkpty(&output_.fd, nullptr, &asWritten, nullptr);
   check(pid_, "forkpty");
-  if (pid_ == 0) become(directory, command, environment);
+  if (pid_ == 0) start.become();
 }
 
 void AgentProcess::signalIs(int number) const {

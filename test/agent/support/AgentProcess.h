@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -26,8 +27,10 @@ class AgentProcess {
   /// On a terminal both outputs are one and the lines end as they were written. The environment
   /// holds `environment` and `TERM=xterm` alone, beside what the sanitizers want, and the control
   /// socket `control.sock` in the directory.
+  /// @param mostDescriptors the process may never have more; 0: as many as this one may
   AgentProcess(std::string const& directory, std::vector<std::string> arguments,
-               Output output = Output::pipes, Environment environment = {});
+               Output output = Output::pipes, Environment environment = {},
+               std::size_t mostDescriptors = 0);
   AgentProcess(AgentProcess const&) = delete;
   AgentProcess& operator=(AgentProcess const&) = delete;
   ~AgentProcess();
@@ -56,10 +59,15 @@ class AgentProcess {
     int fd = -1;
     std::string text;
   };
-  void startOnPipes(std::string const& directory, std::vector<std::string> const& command,
-                    Environment const& environment);
-  void startOnTerminal(std::string const& directory, std::vector<std::string> const& command,
-                       Environment const& environment);
+  struct Start {
+    std::string directory;
+    std::vector<std::string> command;
+    Environment environment;
+    std::size_t mostDescriptors;
+    [[noreturn]] void become() const;
+  };
+  void startOnPipes(Start const& start);
+  void startOnTerminal(Start const& start);
   bool readMore();
 
   pid_t pid_ = -1;
