@@ -7,6 +7,7 @@ set(KEST_SANITIZE "" CACHE STRING "Sanitizers to build with, as in address,undef
 option(KEST_SANITIZE_AGENT "Instrument the agent and its client too, not only the libraries" ON)
 option(KEST_COUNT_EDGES "Call what counts the edges that are run through: test/fuzz/Cost.cpp" OFF)
 option(KEST_COVERAGE "Count which regions of the sources run; needs clang++" OFF)
+option(KEST_PLAIN_PLATFORM "Build the library and its tests a second time, on test/plain-platform" OFF)
 option(KEST_32BIT "Build for 32-bit x86" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
