@@ -13,7 +13,8 @@ namespace Kest::Bench {
 
 namespace {
 
-constexpr int silenceMilliseconds = 20;
+constexpr int longestWait = 10000;  // milliseconds, for the first bytes
+constexpr int silence = 20;         // after the last ones
 
 [[noreturn]] void fail(char const* what) {
   throw std::system_error(errno, std::generic_category(), what);
@@ -52,9 +53,8 @@ std::string_view Socket::receive(std::size_t bytes) {
 
 std::string Socket::receiveAll() {
   std::string all;
-  for (pollfd readable{fd_, POLLIN, 0}; poll(&readable, 1, silenceMilliseconds) > 0;) {
-    all += receive(waiting());
-  }
+  pollfd readable{fd_, POLLIN, 0};
+  while (poll(&readable, 1, all.empty() ? longestWait : silence) > 0) all += receive(waiting());
   return all;
 }
 

@@ -18,7 +18,7 @@ class Socket {
   void send(std::string_view bytes) const;
   /// The next `bytes` bytes, until the next call. Fails if the other side closes before.
   std::string_view receive(std::size_t bytes);
-  /// All that comes, until nothing has come for a while.
+  /// All that comes, until nothing more has come for a while.
   std::string receiveAll();
   /// Sends a request and returns its reply, however long.
   std::string ask(std::string_view request);
