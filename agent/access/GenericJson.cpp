@@ -82,9 +82,9 @@ class Tree {
 };
 
 /// Appends JSON text of what it is told.
-class Text {
+class JsonPrinter {
  public:
-  explicit Text(std::string& text) : text_(text) {}
+  explicit JsonPrinter(std::string& text) : text_(text) {}
 
   void value(std::nullptr_t /*null*/) { next() += "null"; }
   void value(bool flag) { next() += flag ? "true" : "false"; }
@@ -257,7 +257,7 @@ Json toJson(GenericIf const& value) {
 }
 
 void appendJson(std::string& text, GenericIf const& value) {
-  Text told(text);
+  JsonPrinter told(text);
   tell(value, told);
 }
 
