@@ -137,7 +137,8 @@ class Collection {
     announce(key);
   }
 
-  void announce(Mox::String8 const& key) const {
+  /// Takes a copy of the key: a handler may change what it was read from.
+  void announce(Mox::String8 key) const {
     owner_.observers().tell(attributeId, [&](ListedNotifiee& observer) {
       Description::tell(static_cast<typename Owner::NotifieeConst&>(observer), key);
     });

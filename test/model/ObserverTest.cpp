@@ -186,6 +186,18 @@ TYPED_TEST(Observers, ThatAreReleasedMeanwhileAreNotTold) {
   EXPECT_EQ(this->entity->observers().count(), 2U);
 }
 
+TEST(ObserversOfAConfiguration, AreAllToldTheSameKeyWhenAHandlerReusesTheWritersRecord) {
+  Events events;
+  Mox::Ptr<KestSliceDmaConfig> const config(new KestSliceDmaConfig("config"));
+  auto const a = observe(config, "a", events);
+  auto const b = observe(config, "b", events);
+  KestSliceDmaConfig::SwitchPort port;
+  port.ifNameIs("et1");
+  a->reaction = [&] { port.ifNameIs("et2"); };
+  config->switchPortIs(port);
+  EXPECT_THAT(events, ElementsAre("a onSwitchPort et1", "b onSwitchPort et1"));
+}
+
 TYPED_TEST(Observers, ThatReleaseThemselvesAreToldToTheEnd) {
   auto a = this->observe("a");
   auto const b = this->observe("b");
