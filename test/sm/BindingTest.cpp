@@ -174,6 +174,15 @@ TEST_F(BindingTest, AnotherClockMovesTheSameTimerAndPollsAtOnce) {
   EXPECT_THAT(journal.taken(), ElementsAre(poll));
 }
 
+TEST_F(BindingTest, TimerThatIsLeftWithoutAClockPollsNoMore) {
+  givePoll(status, journal);
+  sm->stateTimerReactor()->notifierIs(nullptr);
+  EXPECT_EQ(sm->stateTimer(), nullptr);
+  EXPECT_FALSE(sm->stateTimerReactor()->isRegisteredNotifiee());
+  EXPECT_EQ(clock->timeMin(), Mox::Clock::never);
+  EXPECT_THAT(journal.taken(), IsEmpty());
+}
+
 TEST_F(BindingTest, MovedTimerPollsWithItsNewClockSetAndJoinsItAfterwards) {
   givePoll(status, journal);
   Mox::Ptr<Mox::Clock> const other(new Mox::Clock("other"));

@@ -59,6 +59,8 @@ std::string typed(std::string const& text) {
 TEST(GenericJson, HasAFormForEveryKindOfValue) {
   EXPECT_EQ(json(Mox::String8("a'b\n")), R"("a'b\n")");
   EXPECT_EQ(json(Mox::String8("\"\xff")), "\"\\\"\xef\xbf\xbd\"");
+  EXPECT_EQ(json(Mox::String8("\\\x7f")), "\"\\\\\x7f\"");
+  EXPECT_EQ(json(Mox::String8("\x7f")), "\"\x7f\"");
   EXPECT_EQ(json(Mox::Name("fap0")), R"("fap0")");
   EXPECT_EQ(json(std::uint16_t{4095}), "4095");
   EXPECT_EQ(json(std::uint32_t{4294967295}), "4294967295");

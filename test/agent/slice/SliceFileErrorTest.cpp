@@ -20,7 +20,7 @@ ErrorRow const fileErrors[] = {
     {"StatementInWrongCase", "SliceId 'x'", "1:1",
      "expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, "
      "deviceState, end, found 'SliceId'; did you mean 'sliceId'?"},
-    {"NoStatement", "'et1' 10", "1:1",
+    {"NoStatement", "'et1'\t10", "1:1",
      "expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, "
      "deviceState, end, found ''et1''"},
     {"SliceIdWithoutValue", "sliceId", "1:8",
