@@ -59,6 +59,8 @@ Generic readAttribute(GenericIf& of, Mox::AttributeId id) {
 /// Makes JSON values of what it is told.
 class Tree {
  public:
+  Tree() : whole_(nullptr) {}
+
   template <class Value>
   void value(Value const& value) {
     place() = value;
@@ -243,6 +245,7 @@ Generic enumeratorFrom(MoxType const& type, std::string const& name) {
     return type.genericIf(quoted(name), true);
   }
   std::vector<std::string> expected;
+  expected.reserve(all.size());
   for (String8 const& one : all) expected.emplace_back(quoted(std::string(one.view())).view());
   throw Mox::RangeException(
       Mox::format("expected %s, found %s", Text::listed(expected).c_str(), quoted(name).charPtr()));

@@ -9,9 +9,9 @@ namespace Mox {
 namespace {
 
 template <class Matches>
-Attribute const* firstOf(std::vector<Attribute> const& attributes, Matches const& matches) {
-  auto const found = std::find_if(attributes.begin(), attributes.end(), matches);
-  return found == attributes.end() ? nullptr : &*found;
+Attribute const* firstOf(std::vector<Attribute> const& all, Matches const& matches) {
+  auto const found = std::find_if(all.begin(), all.end(), matches);
+  return found == all.end() ? nullptr : &*found;
 }
 
 }  // namespace

@@ -57,7 +57,7 @@ void collectionOp(Collection& collection, Mox::AttributeOp const& op, Mox::Gener
     result = Mox::genericOf(collection.value(key()));
   } else if (op.code == Code::store) {
     if constexpr (IsRecord<Value>) {  // brings its key; an index beside it must be the same
-      Value const& record = held<Value>(arg, Collection::name);
+      auto const& record = held<Value>(arg, Collection::name);
       if (op.index != nullptr && !(key() == Collection::keyOf(record))) {
         Mox::GenericIf::throwBadIndexAttrException(Collection::name);
       }

@@ -19,7 +19,7 @@ import callgrind
 BUILD = Path(__file__).resolve().parent.parent.parent / "build/release"
 PROGRAM = "bin/complexity"
 KIBIBYTE = 1024
-SIZES = (1, 4, 16, 64)  # KiB
+SIZES = [1, 4, 16, 64]  # KiB
 # What an added byte may cost beside the average of those before it, a size being four times the last.
 # n log n: 1.6 at most from 32 pieces on. n times the root of n: 2.3. Squares: 5.
 GROWTH = 1.7
@@ -142,7 +142,10 @@ def check_planted(growing):
 def main():
     parser = argparse.ArgumentParser(prog="scripts/complexity", description=__doc__)
     parser.add_argument("reader", nargs="*", help="those whose names begin so; all by default")
+    parser.add_argument("--quick", action="store_true", help="leave the largest texts out")
     options = parser.parse_args()
+    if options.quick:
+        SIZES.pop()
     chosen = {number: names for number, names in cases().items()
               if names[0] in PLANTED or names[0].startswith(tuple(options.reader or [""]))}
     print(f"{'instructions a byte':69} " + "".join(f"{size:5} KiB" for size in SIZES))
