@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "agent/process/ActivityLoop.h"
 #include "agent/process/Console.h"
 #include "agent/process/DriverLibrary.h"
 #include "agent/process/Options.h"
@@ -13,7 +14,6 @@
 #include "agent/slice/SliceFile.h"
 #include "agent/slice/SliceFileReading.h"
 #include "agent/verbs/RunningAgent.h"
-#include "platform/mox/ActivityLoop.h"
 #include "sm/KestSliceDmaSm.h"
 
 namespace Kest::Agent {
@@ -37,7 +37,7 @@ class Agent {
   int run();
 
   /// The loop that `run` runs; the process may add to it what else it waits for.
-  Mox::ActivityLoop& loop() noexcept { return loop_; }
+  ActivityLoop& loop() noexcept { return loop_; }
 
  private:
   using Done = std::function<void(Applied)>;
@@ -57,7 +57,7 @@ class Agent {
   Options options_;
   Console console_;
   bool verbose_;
-  Mox::ActivityLoop loop_;
+  ActivityLoop loop_;
   Mox::Ptr<Config> config_;
   Mox::Ptr<Status> status_;
   Mox::Ptr<Hardware::Kest::Slice::KestSliceDmaSm> sm_;

@@ -52,8 +52,8 @@ std::size_t raiseDescriptorLimit() {
 
 }  // namespace
 
-ControlServer::ControlServer(Mox::ActivityLoop& loop, std::string const& path,
-                             RunningAgent const& agent, SocketAccess const& access)
+ControlServer::ControlServer(ActivityLoop& loop, std::string const& path, RunningAgent const& agent,
+                             SocketAccess const& access)
     : listener_(path, access),
       verbs_(agent),
       admission_(raiseDescriptorLimit()),

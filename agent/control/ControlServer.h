@@ -13,8 +13,8 @@
 #include "agent/control/Connection.h"
 #include "agent/control/Listener.h"
 #include "agent/control/Turns.h"
+#include "agent/process/ActivityLoop.h"
 #include "agent/verbs/Verbs.h"
-#include "platform/mox/ActivityLoop.h"
 
 namespace Kest::Agent {
 
@@ -23,7 +23,7 @@ class ControlServer final : private Turns::Taker {
  public:
   /// Takes clients from now on. The agent and the loop must outlive this.
   /// @throw ControlSocketError
-  ControlServer(Mox::ActivityLoop& loop, std::string const& path, RunningAgent const& agent,
+  ControlServer(ActivityLoop& loop, std::string const& path, RunningAgent const& agent,
                 SocketAccess const& access = {});
   ~ControlServer();
   ControlServer(ControlServer const&) = delete;

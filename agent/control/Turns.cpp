@@ -55,7 +55,7 @@ void Turns::Member::ready() noexcept {
   queue.splice(queue.end(), turns_.resting_, place_);
 }
 
-Turns::Turns(Mox::ActivityLoop& loop)
+Turns::Turns(ActivityLoop& loop)
     : loop_(loop),
       watcher_(checked(epoll_create1(EPOLL_CLOEXEC), "epoll_create1")),
       alarm_(checked(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC), "eventfd")) {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <list>
 
-#include "platform/mox/ActivityLoop.h"
+#include "agent/process/ActivityLoop.h"
 #include "platform/mox/Time.h"
 #include "text/File.h"
 
@@ -61,7 +61,7 @@ class Turns {
 
   /// The loop must outlive this, and this its members.
   /// @throw std::system_error
-  explicit Turns(Mox::ActivityLoop& loop);
+  explicit Turns(ActivityLoop& loop);
   ~Turns();
   Turns(Turns const&) = delete;
   Turns& operator=(Turns const&) = delete;
@@ -77,7 +77,7 @@ class Turns {
   bool isIdle() const noexcept { return first_.empty() && others_.empty(); }
   void alarmIs(bool on) noexcept;
 
-  Mox::ActivityLoop& loop_;
+  ActivityLoop& loop_;
   Text::Descriptor watcher_;  // of every member's descriptor, and of the alarm
   Text::Descriptor alarm_;    // readable while it is on: turns are left over
   bool isAlarmOn_ = false;

@@ -46,7 +46,7 @@ ssize_t writeAtOnce(int fd, OutputKind kind, std::string_view text) noexcept {
   return ::write(fd, text.data(), std::min(text.size(), std::size_t{PIPE_BUF}));
 }
 
-void Output::loopIs(Mox::ActivityLoop* loop) {
+void Output::loopIs(ActivityLoop* loop) {
   if (isWatched_) loop_->fdWritableDel(fd_);
   isWatched_ = false;
   loop_ = loop;

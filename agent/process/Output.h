@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/mox/ActivityLoop.h"
+#include "agent/process/ActivityLoop.h"
 
 namespace Kest::Agent {
 
@@ -47,7 +47,7 @@ class Output : public std::streambuf {
   ~Output() override { loopIs(nullptr); }
 
   /// From now on the loop writes the waiting text when there is room. Null: no loop does.
-  void loopIs(Mox::ActivityLoop* loop);
+  void loopIs(ActivityLoop* loop);
 
   /// Writes the waiting text until all is written or the time has come.
   void drain(std::chrono::steady_clock::time_point until);
@@ -80,7 +80,7 @@ class Output : public std::streambuf {
   std::size_t lost_ = 0;       // lines lost since the last waiting piece
   bool isLate_ = false;        // the reader has fallen behind and was waited for
   bool isLineBegun_ = false;   // the text ends within a line
-  Mox::ActivityLoop* loop_ = nullptr;
+  ActivityLoop* loop_ = nullptr;
   bool isWatched_ = false;  // by the loop
 };
 

@@ -64,7 +64,7 @@ StandardStreams::~StandardStreams() {
   stderr = stderrBefore_;
 }
 
-void StandardStreams::loopIs(Mox::ActivityLoop* loop) {
+void StandardStreams::loopIs(ActivityLoop* loop) {
   out_.loopIs(loop);
   err_.loopIs(loop);
 }

@@ -24,7 +24,7 @@ class StandardStreams {
   ~StandardStreams();
 
   /// The functions of `Output`, for both streams.
-  void loopIs(Mox::ActivityLoop* loop);
+  void loopIs(ActivityLoop* loop);
   void drain(std::chrono::milliseconds most);
   void forget() noexcept;
 

@@ -4,7 +4,7 @@
 
 namespace Kest::Agent {
 
-RollOut::RollOut(Mox::ActivityLoop& loop, Console& console, Mox::Ptr<Config> config, bool verbose)
+RollOut::RollOut(ActivityLoop& loop, Console& console, Mox::Ptr<Config> config, bool verbose)
     : loop_(loop), console_(console), config_(std::move(config)), verbose_(verbose) {}
 
 void RollOut::start(Mox::Ptr<Config const> wanted, Decide decide, Done done) {

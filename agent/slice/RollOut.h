@@ -5,9 +5,9 @@
 #include <functional>
 #include <memory>
 
+#include "agent/process/ActivityLoop.h"
 #include "agent/process/Console.h"
 #include "agent/slice/Comparison.h"
-#include "platform/mox/ActivityLoop.h"
 
 namespace Kest::Agent {
 
@@ -21,7 +21,7 @@ class RollOut {
   /// Told how many changes were applied, and how many entries were alike.
   using Done = std::function<void(std::size_t announced, std::size_t unchanged)>;
 
-  RollOut(Mox::ActivityLoop& loop, Console& console, Mox::Ptr<Config> config, bool verbose);
+  RollOut(ActivityLoop& loop, Console& console, Mox::Ptr<Config> config, bool verbose);
 
   bool isRunning() const noexcept { return running_; }
 
@@ -41,7 +41,7 @@ class RollOut {
   void step();
   void show(Change const& change);
 
-  Mox::ActivityLoop& loop_;
+  ActivityLoop& loop_;
   Console& console_;
   Mox::Ptr<Config> config_;
   bool verbose_;

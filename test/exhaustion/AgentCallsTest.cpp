@@ -223,7 +223,7 @@ TEST_F(AgentCalls, TheLoopLosesNothingAndEndsWithTheSystemsReason) {
       for (int const end : ends) close(end);
     }
     std::array<int, 2> ends{};
-    std::unique_ptr<Mox::ActivityLoop> loop{std::make_unique<Mox::ActivityLoop>(nullptr)};
+    std::unique_ptr<ActivityLoop> loop{std::make_unique<ActivityLoop>(nullptr)};
     int signals = 0;
     int bytes = 0;
     std::string refusal;
@@ -327,7 +327,7 @@ class ServedScene {
  private:
   std::string path_;
   Mox::ManualTimeSource time_;
-  Mox::ActivityLoop loop_{nullptr};
+  ActivityLoop loop_{nullptr};
   Mox::Ptr<Status> status_{new Status("status")};
   Mox::Ptr<Hardware::Kest::Slice::KestSliceDmaSm> sm_{
       Hardware::Kest::Slice::kestSliceDmaSmFactory(config, status_)};

@@ -6,15 +6,17 @@
 #include <memory>
 #include <system_error>
 
-#include "platform/mox/ActivityLoop.h"
+#include "agent/process/ActivityLoop.h"
 #include "test/exhaustion/EveryAllocation.h"
 
 /// A round of the activity loop without memory: what was ready is run in a later one.
-namespace Mox {
+namespace Kest::Agent {
 namespace {
 
 using Exhaustion::atEveryAllocation;
 using Exhaustion::End;
+using Mox::Clock;
+using Mox::Ptr;
 
 class DueOnce final : public Clock::NotifieeConst {
  public:
@@ -109,4 +111,4 @@ TEST(LoopExhaustion, ASignalIsTakenWhollyOrNotAtAll) {
 }
 
 }  // namespace
-}  // namespace Mox
+}  // namespace Kest::Agent

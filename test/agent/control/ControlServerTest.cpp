@@ -84,7 +84,7 @@ class ControlServerTest : public ServedAgent {
   Scratch scratch;
   std::string path = scratch.directory + "/agent.sock";
   DescriptorLimit limit;
-  Mox::ActivityLoop loop{nullptr};
+  ActivityLoop loop{nullptr};
   std::vector<std::function<void(Applied)>> applied;  // that wait
   std::unique_ptr<ControlServer> server;
 };

@@ -53,7 +53,7 @@ class TurnsTest : public testing::Test {
   }
 
   Mox::ManualTimeSource time;
-  Mox::ActivityLoop loop{nullptr};
+  ActivityLoop loop{nullptr};
   Turns turns{loop};
   Mox::Seconds turnTime = Turns::budget / 3.9;  // so that four fill a round
   std::string taken;

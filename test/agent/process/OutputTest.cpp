@@ -150,7 +150,7 @@ TEST_F(OutputTest, SaysThatALineIsLostWhenTheReaderHasCaughtUp) {
 }
 
 TEST_F(OutputTest, IsWrittenByTheLoopOnceThereIsRoom) {
-  Mox::ActivityLoop loop(nullptr);
+  ActivityLoop loop(nullptr);
   Way pipe;
   pipe.output.loopIs(&loop);
   unsigned const taken = capacityOf(pipe);
@@ -168,7 +168,7 @@ TEST_F(OutputTest, IsWrittenByTheLoopOnceThereIsRoom) {
 
 TEST_F(OutputTest, LosesWhatNobodyCanReadAnyMoreAndGoesOn) {
   for (auto const& ends : {pipeEnds(), socketEnds()}) {
-    Mox::ActivityLoop loop(nullptr);
+    ActivityLoop loop(nullptr);
     Way way(ends);
     way.output.loopIs(&loop);
     writeLines(way.out, 1, plenty);

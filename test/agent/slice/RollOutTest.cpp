@@ -21,7 +21,7 @@ class RollOutTest : public testing::Test {
 
   std::ostringstream out;
   Console console{out, false, false};
-  Mox::ActivityLoop loop{nullptr};
+  ActivityLoop loop{nullptr};
   Mox::Ptr<Config> config{new Config("config")};
   RollOut rollOut{loop, console, config, true};
   bool mayApply = true;

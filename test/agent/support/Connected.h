@@ -80,7 +80,7 @@ class Connected : public testing::Test {
   }
 
   Mox::ManualTimeSource time;
-  Mox::ActivityLoop loop{nullptr};
+  ActivityLoop loop{nullptr};
   Turns turns{loop};
   Account account{std::size_t{1} << 30, [this] { onExceeded(); }};
   int served = 0;

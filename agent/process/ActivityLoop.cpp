@@ -1,4 +1,4 @@
-#include "platform/mox/ActivityLoop.h"
+#include "agent/process/ActivityLoop.h"
 
 #include <poll.h>
 #include <sys/signalfd.h>
@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace Mox {
+namespace Kest::Agent {
 
 namespace {
 
@@ -24,9 +24,9 @@ constexpr short writable = POLLOUT;
 constexpr short broken = POLLERR | POLLHUP | POLLNVAL;
 
 /// Rounded up, so that the loop does not spin before a wake-up; -1 is for ever.
-int pollMilliseconds(Seconds seconds) {
-  constexpr Seconds longest = 3600;
-  if (seconds == never) return -1;
+int pollMilliseconds(Mox::Seconds seconds) {
+  constexpr Mox::Seconds longest = 3600;
+  if (seconds == Mox::never) return -1;
   return static_cast<int>(std::ceil(std::clamp(seconds, 0.0, longest) * 1000));
 }
 
@@ -35,7 +35,7 @@ int pollMilliseconds(Seconds seconds) {
 }
 
 /// How many of `waiting` are ready: none when the time is up or a signal came between.
-int wait(std::vector<pollfd>& waiting, Seconds time) {
+int wait(std::vector<pollfd>& waiting, Mox::Seconds time) {
   int const ready = poll(waiting.data(), waiting.size(), pollMilliseconds(time));
   if (ready >= 0) return ready;
   if (errno != EINTR) refuse(errno, "poll");
@@ -66,7 +66,7 @@ auto shared(ActivityLoop::Work work) {
 
 }  // namespace
 
-ActivityLoop::ActivityLoop(Ptr<Clock> clock) : clock_(std::move(clock)) {}
+ActivityLoop::ActivityLoop(Mox::Ptr<Mox::Clock> clock) : clock_(std::move(clock)) {}
 
 ActivityLoop::~ActivityLoop() {
   if (signalFd_ >= 0) close(signalFd_);
@@ -118,11 +118,11 @@ void ActivityLoop::later(Work work) {
 }
 
 void ActivityLoop::run() {
-  while (!stopped_) runOnce(never);
+  while (!stopped_) runOnce(Mox::never);
   stopped_ = false;
 }
 
-void ActivityLoop::runOnce(Seconds timeout) {
+void ActivityLoop::runOnce(Mox::Seconds timeout) {
   std::size_t const putOff = later_.size();
   std::uint64_t const before = additions_;
   std::vector<pollfd> waiting;
@@ -156,10 +156,10 @@ void ActivityLoop::carryOut(Work const& work) {
   if (clock_) clock_->dispatch();
 }
 
-Seconds ActivityLoop::waitTime(Seconds timeout) const {
+Mox::Seconds ActivityLoop::waitTime(Mox::Seconds timeout) const {
   if (!later_.empty()) return 0;
   if (!clock_) return timeout;
-  return std::min(timeout, timeSource().waitTime(clock_->timeMin()));
+  return std::min(timeout, Mox::timeSource().waitTime(clock_->timeMin()));
 }
 
 void ActivityLoop::runWatch(Watched watched, std::uint64_t lastAddition) {
@@ -178,4 +178,4 @@ void ActivityLoop::takeSignals() {
   if (errno != EAGAIN && errno != EINTR) refuse(errno, "signalfd");
 }
 
-}  // namespace Mox
+}  // namespace Kest::Agent

@@ -6,13 +6,14 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "platform/mox/ActivityLoop.h"
+#include "agent/process/ActivityLoop.h"
+#include "test/agent/support/Pipe.h"
 #include "test/platform/Journaled.h"
-#include "test/platform/Pipe.h"
 
-namespace Mox {
+namespace Kest::Agent {
 namespace {
 
+using Mox::never;
 using Test::Events;
 using Test::Pipe;
 using ::testing::ElementsAre;
@@ -126,4 +127,4 @@ TEST_F(ActivityLoopSignalTest, RefusesSignalsThatCannotBeTaken) {
 }
 
 }  // namespace
-}  // namespace Mox
+}  // namespace Kest::Agent

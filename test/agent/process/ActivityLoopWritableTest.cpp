@@ -10,12 +10,13 @@
 #include <memory>
 #include <vector>
 
-#include "platform/mox/ActivityLoop.h"
+#include "agent/process/ActivityLoop.h"
 #include "test/platform/Journaled.h"
 
-namespace Mox {
+namespace Kest::Agent {
 namespace {
 
+using Mox::never;
 using Test::Events;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -159,4 +160,4 @@ TEST_F(ActivityLoopWritableTest, WatchesEveryDescriptorThatThereMayBe) {
 }
 
 }  // namespace
-}  // namespace Mox
+}  // namespace Kest::Agent

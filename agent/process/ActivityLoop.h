@@ -9,7 +9,7 @@
 
 #include "platform/mox/Clock.h"
 
-namespace Mox {
+namespace Kest::Agent {
 
 /// The agent's activity: one thread that waits for file descriptors, signals and the clock, and
 /// runs what belongs to each, one at a time.
@@ -30,12 +30,12 @@ namespace Mox {
 /// source that real time does not move, waiting brings no wake-up nearer: a round then waits for
 /// descriptors, signals and its timeout alone, and work that moves the time finds the clock
 /// dispatched after it in the same round.
-class MOX_API ActivityLoop {
+class ActivityLoop {
  public:
   using Work = std::function<void()>;
 
   /// Dispatches `clock` when its time comes; null for no clock.
-  explicit ActivityLoop(Ptr<Clock> clock);
+  explicit ActivityLoop(Mox::Ptr<Mox::Clock> clock);
   /// Unblocks the signals that the loop blocked. One that is pending still is delivered then.
   ~ActivityLoop();
   ActivityLoop(ActivityLoop const&) = delete;
@@ -61,7 +61,7 @@ class MOX_API ActivityLoop {
   /// Runs rounds until `stop()`; returns at once if that was called before.
   void run();
   /// One round; waits at most `timeout` seconds. A timeout alone is no error.
-  void runOnce(Seconds timeout);
+  void runOnce(Mox::Seconds timeout);
   /// Ends `run()` after the current round.
   void stop() noexcept { stopped_ = true; }
 
@@ -79,13 +79,13 @@ class MOX_API ActivityLoop {
     bool wasBlocked;
   };
 
-  Seconds waitTime(Seconds timeout) const;
+  Mox::Seconds waitTime(Mox::Seconds timeout) const;
   /// @param lastAddition that the round knows; later ones wait for the next
   void runWatch(Watched watched, std::uint64_t lastAddition);
   void takeSignals();
   void carryOut(Work const& work);
 
-  Ptr<Clock> clock_;
+  Mox::Ptr<Mox::Clock> clock_;
   std::map<Watched, Watch> watches_;
   std::uint64_t additions_ = 0;
   std::map<int, Signal> signals_;
@@ -94,4 +94,4 @@ class MOX_API ActivityLoop {
   bool stopped_ = false;
 };
 
-}  // namespace Mox
+}  // namespace Kest::Agent

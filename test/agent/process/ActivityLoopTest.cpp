@@ -1,4 +1,4 @@
-#include "platform/mox/ActivityLoop.h"
+#include "agent/process/ActivityLoop.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,8 +10,8 @@
 #include <system_error>
 #include <vector>
 
+#include "test/agent/support/Pipe.h"
 #include "test/platform/Journaled.h"
-#include "test/platform/Pipe.h"
 
 namespace {
 
@@ -35,9 +35,14 @@ extern "C" [[gnu::visibility("default")]] int poll(pollfd* fds, nfds_t count, in
   return errno == 0 ? 0 : -1;
 }
 
-namespace Mox {
+namespace Kest::Agent {
 namespace {
 
+using Mox::Clock;
+using Mox::never;
+using Mox::Ptr;
+using Mox::Seconds;
+using Mox::timeSourceIs;
 using Test::Events;
 using Test::Pipe;
 using ::testing::ElementsAre;
@@ -53,7 +58,7 @@ class Alarm : public Clock::NotifieeConst {
 };
 
 /// Time that real time moves, as far as the loop can tell.
-class PassingTime : public TimeSource {
+class PassingTime : public Mox::TimeSource {
  public:
   Seconds now() const override { return 100; }
   Seconds waitTime(Seconds time) const override { return time - now(); }
@@ -95,7 +100,7 @@ class ActivityLoopTest : public ::testing::Test {
     return script.milliseconds.at(0);
   }
 
-  ManualTimeSource time;
+  Mox::ManualTimeSource time;
   Events events;
   Ptr<Clock> clock{new Clock("clock")};
   ActivityLoop loop{clock};
@@ -363,4 +368,4 @@ TEST_F(ActivityLoopTest, AWaitThatTheSystemRefusesIsAnError) {
 }
 
 }  // namespace
-}  // namespace Mox
+}  // namespace Kest::Agent
