@@ -78,7 +78,7 @@ class FuzzedAgent {
   Support::TempFolder folder_;
   std::ostream nowhere_{nullptr};
   Kest::Agent::Console console_{nowhere_, false, false};
-  ActivityLoop loop_{nullptr};
+  Kest::Agent::ActivityLoop loop_{nullptr};
   Kest::Agent::DriverLibrary driver_{"sim"};
   Mox::Ptr<Machine::Config> config_{new Machine::Config("config")};
   Mox::Ptr<Machine::Status> status_{new Machine::Status("status")};
