@@ -259,17 +259,16 @@ TEST(Supervisor, KillsAndStartsAgainAChildThatGivesNoSignOfLife) {
         return 0;
       },
       RestartDelay(), {milliseconds(1), 3, hours(1)});
-  supervisor.shownUntil("last: nothing");
   EXPECT_EQ(supervisor.ended(), 0);
-  // Where the machine is busy, one that is about to end may be killed too.
+  // Where the machine is busy, a child may be killed before it says anything, or just before it ends.
   std::string const shown = supervisor.shown();
   EXPECT_THAT(
       shown,
-      testing::StartsWith(
+      testing::HasSubstr(
           "kest-slice-agent: the agent (pid N) has given no sign of life for 0 s; killing it\n"
           "kest-slice-agent: the agent (pid N) was ended by signal 9 (SIGKILL); starting it "
           "again\n"));
-  EXPECT_THAT(shown, testing::HasSubstr("last: signal 9 (SIGKILL)\n"));
+  EXPECT_THAT(shown, testing::EndsWith("last: signal 9 (SIGKILL)\n"));
 }
 
 TEST(Supervisor, KillsAChildThatIsStopped) {

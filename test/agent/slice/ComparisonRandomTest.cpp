@@ -25,9 +25,9 @@ using Hardware::Kest::Slice::Events;
 using Hardware::Kest::Slice::observe;
 
 /// Makes configurations of few keys and few values, so that every kind of difference is frequent.
-class RandomConfigs {
+class SimilarConfigs {
  public:
-  explicit RandomConfigs(std::uint64_t seed) : random_(seed) {}
+  explicit SimilarConfigs(std::uint64_t seed) : random_(seed) {}
 
   Mox::Ptr<Config> config() {
     Mox::Ptr<Config> config(new Config("random"));
@@ -134,7 +134,7 @@ void apply(Changes const& changes, Config& running) {
 }
 
 TEST(ChangesProperty, StepsLeadFromAnyConfigurationToAnyOtherAndAnnounceOnlyWhatDiffers) {
-  RandomConfigs random(20240607);
+  SimilarConfigs random(20240607);
   for (int round = 0; round < 3000; ++round) {
     SCOPED_TRACE(round);
     Mox::Ptr<Config> const running = random.config();
@@ -163,7 +163,7 @@ TEST(ChangesProperty, StepsBringAMachineAndItsDriverToAnyConfiguration) {
   constexpr unsigned short noVlan = Hardware::Kest::Sim::Interface::noVlan;
   Hardware::Kest::Sim::SimDriver& driver = Hardware::Kest::Sim::simDriver();
   driver.reset();
-  RandomConfigs random(20240608);
+  SimilarConfigs random(20240608);
   Mox::Ptr<Config> const running(new Config("running"));
   Mox::Ptr<Status> const status(new Status("status"));
   auto const machine = Hardware::Kest::Slice::kestSliceDmaSmFactory(running, status);

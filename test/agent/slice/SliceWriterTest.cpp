@@ -187,10 +187,10 @@ TEST(SliceJson, RefusesAHandleThatIsNoUtf8) {
 }
 
 /// Makes configurations that a slice file may hold.
-class RandomConfigs {
+class ConfigsOfAnyNames {
  public:
   /// @param letters that names are made of
-  RandomConfigs(std::uint64_t seed, std::vector<std::string> letters)
+  ConfigsOfAnyNames(std::uint64_t seed, std::vector<std::string> letters)
       : random_(seed), letters_(std::move(letters)) {
     for (int i = 0; i < 5; ++i) handles_.declare(String8("/pci/" + name()));
     handles_.enterTree();
@@ -265,7 +265,7 @@ std::vector<std::string> allBytesButSlash() {
 }
 
 TEST(SliceWriterProperty, StatementsReadBackToNoChangeWhateverBytesNamesHave) {
-  RandomConfigs random(20240611, allBytesButSlash());
+  ConfigsOfAnyNames random(20240611, allBytesButSlash());
   for (int round = 0; round < 500; ++round) {
     SCOPED_TRACE(round);
     Mox::Ptr<Config> const config = random.config();
@@ -277,7 +277,7 @@ TEST(SliceWriterProperty, StatementsReadBackToNoChangeWhateverBytesNamesHave) {
 }
 
 TEST(SliceWriterProperty, JsonReadsBackToNoChangeAndToTheSameStatements) {
-  RandomConfigs random(
+  ConfigsOfAnyNames random(
       20240612, {"a", "e", "t", "0", "1", "9", "~", "'", "\"", "\\", "\n", "\x01", "\x7f", " ",
                  std::string(1, '\0'), "\303\274", "\342\200\224", "\360\237\230\200"});
   for (int round = 0; round < 500; ++round) {
