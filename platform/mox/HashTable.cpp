@@ -19,16 +19,11 @@ std::size_t homesOf(unsigned shift) {
 HashMapEntry::~HashMapEntry() = default;
 
 HashMapEntry* HashTable::first() const noexcept {
-  return tree_.empty() ? occupiedFrom(0) : tree_.begin()->ptr();
+  return tree_.empty() ? entryFrom(slots_.data()) : tree_.begin()->ptr();
 }
 
 HashMapEntry* HashTable::after(String8 const& key) const noexcept {
-  if (slots_.empty()) {
-    auto const next = tree_.upper_bound(key);
-    return next == tree_.end() ? nullptr : next->ptr();
-  }
-  std::size_t const slot = lowerBound(key);
-  return occupiedFrom(holds(slot, key) ? slot + 1 : slot);
+  return slots_.empty() ? afterInTree(key) : entryFrom(slotAfter(key));
 }
 
 void HashTable::insert(Ptr<HashMapEntry> entry) {
@@ -38,11 +33,11 @@ void HashTable::insert(Ptr<HashMapEntry> entry) {
   }
   if (slots_.empty() || 2 * count_ >= homesOf(shift_)) grow();
   String8 const& key = entry->key();
-  std::size_t const slot = lowerBound(key);
-  if (holds(slot, key)) {
-    std::swap(slots_[slot].entry, entry);
+  if (Slot const* const same = slotOf(key)) {
+    std::swap(slots_[indexOf(same)].entry, entry);
     return;
   }
+  std::size_t const slot = indexOf(slotAfter(key));
   std::size_t end = slot;
   while (slots_[end].entry) ++end;
   if (end - home(key.hash()) >= mostMoved) {
@@ -62,14 +57,15 @@ Ptr<HashMapEntry> HashTable::remove(String8 const& key) noexcept {
     auto const at = tree_.find(key);
     return at == tree_.end() ? nullptr : std::move(tree_.extract(at).value());
   }
-  std::size_t const slot = lowerBound(key);
-  if (!holds(slot, key)) return nullptr;
-  Ptr<HashMapEntry> removed = std::move(slots_[slot].entry);
-  std::size_t next = slot + 1;  // those that are not at their homes move up
-  for (; slots_[next].entry && home(slots_[next].hash) != next; ++next) {
-    slots_[next - 1] = std::move(slots_[next]);
+  Slot const* const slot = slotOf(key);
+  if (slot == nullptr) return nullptr;
+  std::size_t at = indexOf(slot);
+  Ptr<HashMapEntry> removed = std::move(slots_[at].entry);
+  // Entries that are not at their homes move up.
+  for (; slots_[at + 1].entry && home(slots_[at + 1].hash) != at + 1; ++at) {
+    slots_[at] = std::move(slots_[at + 1]);
   }
-  slots_[next - 1].hash = noHash;
+  slots_[at].hash = noHash;
   --count_;
   return removed;
 }
@@ -80,24 +76,6 @@ void HashTable::clear() noexcept {
     auto const tree = std::exchange(tree_, {});
     count_ = 0;
   }
-}
-
-/// The first slot that does not stand before `key`. There must be slots.
-std::size_t HashTable::lowerBound(String8 const& key) const noexcept {
-  std::uint32_t const hash = key.hash();
-  std::size_t slot = home(hash);
-  while (slots_[slot].hash < hash) ++slot;
-  while (slots_[slot].hash == hash && slots_[slot].entry->key() < key) ++slot;
-  return slot;
-}
-
-bool HashTable::holds(std::size_t slot, String8 const& key) const noexcept {
-  return slots_[slot].hash == key.hash() && slots_[slot].entry->key() == key;
-}
-
-HashMapEntry* HashTable::occupiedFrom(std::size_t slot) const noexcept {
-  while (slot < slots_.size() && !slots_[slot].entry) ++slot;
-  return slot < slots_.size() ? slots_[slot].entry.ptr() : nullptr;
 }
 
 /// Doubles the homes, or makes the first ones.
@@ -121,6 +99,11 @@ void HashTable::grow() {
 HashMapEntry* HashTable::findInTree(String8 const& key) const noexcept {
   auto const at = tree_.find(key);
   return at == tree_.end() ? nullptr : at->ptr();
+}
+
+HashMapEntry* HashTable::afterInTree(String8 const& key) const noexcept {
+  auto const next = tree_.upper_bound(key);
+  return next == tree_.end() ? nullptr : next->ptr();
 }
 
 /// Leaves the entry that was replaced, if any, in `entry`.

@@ -55,11 +55,8 @@ class MOX_API HashTable {
   HashMapEntry* find(String8 const& key) const noexcept {
     if (slots_.empty()) [[unlikely]]
       return findInTree(key);
-    std::uint32_t const hash = key.hash();
-    for (Slot const* slot = &slots_[home(hash)]; slot->hash <= hash; ++slot) {
-      if (slot->hash == hash && slot->entry->key() == key) return slot->entry.ptr();
-    }
-    return nullptr;
+    Slot const* const slot = slotOf(key);
+    return slot == nullptr ? nullptr : slot->entry.ptr();
   }
   /// The first entry after `key`, whether or not that has one.
   HashMapEntry* after(String8 const& key) const noexcept;
@@ -94,12 +91,40 @@ class MOX_API HashTable {
   }
 
   std::size_t home(std::uint32_t hash) const noexcept { return hash >> shift_; }
-  std::size_t lowerBound(String8 const& key) const noexcept;
-  bool holds(std::size_t slot, String8 const& key) const noexcept;
-  HashMapEntry* occupiedFrom(std::size_t slot) const noexcept;
+  std::size_t indexOf(Slot const* slot) const noexcept {
+    return static_cast<std::size_t>(slot - slots_.data());
+  }
+
+  // There must be slots.
+
+  /// Null when no slot holds `key`.
+  Slot const* slotOf(String8 const& key) const noexcept {
+    std::uint32_t const hash = key.hash();
+    for (Slot const* slot = &slots_[home(hash)]; slot->hash <= hash; ++slot) {
+      if (slot->hash == hash && slot->entry->key() == key) return slot;
+    }
+    return nullptr;
+  }
+  /// The first slot, empty or not, that stands after `key`.
+  Slot const* slotAfter(String8 const& key) const noexcept {
+    std::uint32_t const hash = key.hash();
+    Slot const* slot = &slots_[home(hash)];
+    while (slot->hash < hash) ++slot;
+    while (slot->hash == hash && slot->entry->key() <= key) ++slot;
+    return slot;
+  }
+  /// The first entry from `slot` on; null when there is none.
+  HashMapEntry* entryFrom(Slot const* slot) const noexcept {
+    Slot const* const end = slots_.data() + slots_.size();
+    for (; slot != end; ++slot) {
+      if (slot->entry) return slot->entry.ptr();
+    }
+    return nullptr;
+  }
   void grow();
 
   [[gnu::noinline]] HashMapEntry* findInTree(String8 const& key) const noexcept;
+  [[gnu::noinline]] HashMapEntry* afterInTree(String8 const& key) const noexcept;
   void insertInTree(Ptr<HashMapEntry>& entry);
   void insertInNewTree(Ptr<HashMapEntry> const& entry);
 

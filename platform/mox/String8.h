@@ -26,7 +26,7 @@ class MOX_API String8 {
   /// Walks the characters of a string, which must outlive the iterator.
   class IteratorConst {
    public:
-    char operator*() const noexcept { return *at_; }
+    char const& operator*() const noexcept { return *at_; }
     IteratorConst& operator++() noexcept {
       ++at_;
       return *this;
@@ -79,12 +79,13 @@ class MOX_API String8 {
   IteratorConst end() const noexcept { return {charPtr(), charPtr() + bytes()}; }
 
   friend bool operator==(String8 const& a, String8 const& b) noexcept {
-    return a.rep_ == b.rep_ || a.view() == b.view();
+    if (a.rep_ == b.rep_) return true;
+    return a.bytes() == b.bytes() && std::memcmp(a.charPtr(), b.charPtr(), a.bytes()) == 0;
   }
   friend bool operator==(String8 const& a, char const* b) noexcept { return a.view() == b; }
   friend bool operator==(String8 const& a, std::string_view b) noexcept { return a.view() == b; }
   friend std::strong_ordering operator<=>(String8 const& a, String8 const& b) noexcept {
-    return a.view() <=> b.view();
+    return a.rep_ == b.rep_ ? std::strong_ordering::equal : a.view() <=> b.view();
   }
   friend MOX_API std::ostream& operator<<(std::ostream& out, String8 const& s);
 
