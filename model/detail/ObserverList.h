@@ -2,10 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
+#include <memory>
 #include <new>
-#include <span>
-#include <vector>
 
 #include "model/detail/EndProcess.h"
 #include "platform/mox/Entity.h"
@@ -82,31 +80,29 @@ class ObserverList {
   template <class TellOne>
   void tell(Mox::AttributeId attribute, TellOne const& tellOne) const noexcept {
     if (head_ == nullptr) return;
-    Observer few[8];
-    std::vector<Observer> many;
-    if (count_ > std::size(few)) resize(many);
-    std::span<Observer> const snapshot(many.empty() ? few : many.data(), count_);
-    ListedNotifiee* next = head_;
-    for (Observer& observer : snapshot) {
-      observer = next;
-      next = next->next_;
-    }
-    for (Observer& observer : snapshot) {
-      bool const released = &observer != &snapshot.front() && observer->references() == 1;
-      if (!released) contain(*observer, attribute, tellOne);
-      observer = nullptr;
+    alignas(Observer) std::byte few[8 * sizeof(Observer)];
+    std::unique_ptr<std::byte[]> many;
+    std::size_t const bytes = count_ * sizeof(Observer);
+    if (bytes > sizeof few) many = memory(bytes);
+    auto* const snapshot = reinterpret_cast<Observer*>(many ? many.get() : few);
+    Observer* end = snapshot;
+    for (ListedNotifiee* one = head_; one != nullptr; one = one->next_) new (end++) Observer(one);
+    for (Observer* observer = snapshot; observer != end; ++observer) {
+      bool const released = observer != snapshot && (*observer)->references() == 1;
+      if (!released) contain(**observer, attribute, tellOne);
+      observer->~Observer();
     }
   }
 
  private:
   using Observer = Mox::Ptr<ListedNotifiee>;
 
-  void resize(std::vector<Observer>& snapshot) const noexcept {
-    try {
-      snapshot.resize(count_);
-    } catch (std::bad_alloc const&) {
+  static std::unique_ptr<std::byte[]> memory(std::size_t bytes) noexcept {
+    std::unique_ptr<std::byte[]> got(new (std::nothrow) std::byte[bytes]);
+    if (!got) {
       endProcess("KestSliceDma: no memory to tell the observers of an entity what has changed");
     }
+    return got;
   }
 
   template <class TellOne>
