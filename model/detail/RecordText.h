@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "model/detail/FieldTable.h"
 #include "platform/mox/Strep.h"
@@ -16,28 +17,41 @@ constexpr std::string_view shortName(std::string_view typeName) {
 }
 
 template <class T>
-Mox::String8 fieldToStrep(T const& value) {
+void appendStrep(std::string& text, T const& value) {
   using Mox::valueToStrep;
-  return valueToStrep(value);
+  text.append(valueToStrep(value).view());
 }
 
-inline Mox::String8 fieldToStrep(std::uint32_t value) {
-  return Mox::valueToStrep(static_cast<unsigned long long>(value));
+inline void appendStrep(std::string& text, std::uint32_t value) {
+  text.append(std::to_string(value));
 }
 
 template <class T>
-Mox::String8 fieldToStrep(Mox::Ptr<T> const& value) {
-  return Mox::valueToStrepOfRawPtr(value.ptr(), T::_fwkType());
+void appendStrep(std::string& text, Mox::Ptr<T> const& value) {
+  text.append(Mox::valueToStrepOfRawPtr(value.ptr(), T::_fwkType()).view());
+}
+
+/// What stands in front of the value of each field, in order.
+template <class Record>
+std::vector<std::string> leads() {
+  std::vector<std::string> all;
+  std::string before = std::string("Value('").append(Record::typeName).append("', ** {'");
+  forEachField<Record>([&](auto const& field) {
+    all.push_back(before.append(field.name).append("': "));
+    before = ", '";
+  });
+  return all;
 }
 
 template <class Record>
 Mox::String8 recordToStrep(Record const& record) {
-  std::string text = std::string("Value('").append(Record::typeName).append("', ** {");
-  char const* before = "'";
+  static std::vector<std::string> const allLeads = leads<Record>();
+  std::string text;
+  text.reserve(512);  // more than a record takes with names of a usual length
+  auto lead = allLeads.begin();
   forEachField<Record>([&](auto const& field) {
-    text.append(before).append(field.name).append("': ");
-    text.append(fieldToStrep(record.fields().*field.member).view());
-    before = ", '";
+    text.append(*lead++);
+    appendStrep(text, record.fields().*field.member);
   });
   return Mox::String8(text.append("})"));
 }
@@ -60,9 +74,8 @@ bool readField(typename Record::Fields& fields, Mox::String8 const& name,
 template <class Record>
 void readRecord(typename Record::Fields& fields, Mox::String8::IteratorConst& it,
                 Mox::String8::IteratorConst const& end) {
-  std::string const typeName(Record::typeName);
-  std::string const quotedTypeName = " '" + typeName + "'";
-  std::string const name(shortName(typeName));
+  static std::string const quotedTypeName = std::string(" '").append(Record::typeName) + "'";
+  static std::string const name(shortName(Record::typeName));
   for (char const* token : {" Value", " (", quotedTypeName.c_str(), " ,", " **", " {"}) {
     Mox::needString(it, end, token);
   }

@@ -1,10 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <string>
-#include <string_view>
-
 /// Hexadecimal digits.
 namespace Mox::detail {
 
@@ -16,10 +11,6 @@ inline int hexValue(char digit) noexcept {
   return -1;
 }
 
-/// Two digits, in lower case.
-inline std::string hexText(std::uint8_t byte) {
-  constexpr char digits[] = "0123456789abcdef";
-  return {digits[byte >> 4], digits[byte & 15]};
-}
+inline constexpr char hexDigits[] = "0123456789abcdef";
 
 }  // namespace Mox::detail

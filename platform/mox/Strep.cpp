@@ -1,7 +1,7 @@
 #include "platform/mox/Strep.h"
 
+#include <algorithm>
 #include <array>
-#include <cctype>
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -26,6 +26,15 @@ bool isBlank(char c) {
 
 bool isControl(char c) {
   return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
+}
+
+/// What is left to read.
+std::string_view rest(Iterator const& it, Iterator const& end) {
+  return {&*it, end.pos() - it.pos()};
+}
+
+void advance(Iterator& it, std::size_t count) {
+  for (; count > 0; --count) ++it;
 }
 
 void skipBlanks(Iterator& it, Iterator const& end) {
@@ -59,6 +68,11 @@ struct Escape {
 };
 constexpr Escape escapes[] = {{'\\', '\\'}, {'\'', '\''}, {'\n', 'n'}, {'\t', 't'}, {'\r', 'r'}};
 
+/// Whether it is printed as it is.
+bool isPlain(char c) {
+  return c != '\\' && c != '\'' && !isControl(c);
+}
+
 void appendEscaped(std::string& text, char c) {
   for (Escape const& escape : escapes) {
     if (c == escape.character) {
@@ -66,11 +80,8 @@ void appendEscaped(std::string& text, char c) {
       return;
     }
   }
-  if (isControl(c)) {
-    text.append("\\x").append(detail::hexText(static_cast<std::uint8_t>(c)));
-  } else {
-    text += c;
-  }
+  auto const byte = static_cast<std::uint8_t>(c);
+  text.append({'\\', 'x', detail::hexDigits[byte >> 4], detail::hexDigits[byte & 15]});
 }
 
 char readHexByte(Iterator& it, Iterator const& end) {
@@ -95,18 +106,6 @@ char readEscaped(Iterator& it, Iterator const& end) {
   throwExpected("one of \\ ' n t r x behind a backslash", it, end);
 }
 
-/// The characters from `it` on that may belong to a number, and perhaps more.
-std::string numberAt(Iterator it, Iterator const& end) {
-  constexpr std::string_view others = "+-.";
-  std::string chars;
-  for (; !(it == end); ++it) {
-    bool const isAlphanumeric = std::isalnum(static_cast<unsigned char>(*it)) != 0;
-    if (!isAlphanumeric && others.find(*it) == std::string_view::npos) break;
-    chars += *it;
-  }
-  return chars;
-}
-
 template <class Number>
 [[noreturn]] void throwOutOfRange() {
   if constexpr (std::is_floating_point_v<Number>) {
@@ -120,36 +119,46 @@ template <class Number>
 template <class Number>
 Number readNumber(Iterator& it, Iterator const& end, Number*) {
   skipBlanks(it, end);
-  std::string const chars = numberAt(it, end);
+  std::string_view chars = rest(it, end);
+  if constexpr (std::is_floating_point_v<Number>) {  // "nan(1)" ends before the parenthesis
+    chars = chars.substr(0, chars.find_first_not_of("0123456789+-.EINFATYeinfaty"));
+  }
   Number value = 0;
   auto const [after, error] = std::from_chars(chars.data(), chars.data() + chars.size(), value);
   if (error == std::errc::result_out_of_range) throwOutOfRange<Number>();
   if (error != std::errc()) throwExpected("a decimal number", it, end);
-  for (char const* at = chars.data(); at != after; ++at) ++it;
+  advance(it, static_cast<std::size_t>(after - chars.data()));
   return value;
 }
 
 /// Takes `word` if it stands at `it`.
 bool tookWord(Iterator& it, Iterator const& end, std::string_view word) {
-  Iterator at = it;
-  for (char const c : word) {
-    if (at == end || *at != c) return false;
-    ++at;
-  }
-  it = at;
-  return true;
+  bool const isThere = rest(it, end).starts_with(word);
+  if (isThere) advance(it, word.size());
+  return isThere;
 }
 
 }  // namespace
 
 String8 valueToStrep(String8 const& value) {
-  std::string text = "'";
-  for (char const c : value.view()) appendEscaped(text, c);
-  return String8(text += '\'');
+  char const* at = value.charPtr();
+  char const* const end = at + value.bytes();
+  std::string text;
+  text.reserve(value.bytes() + 2);
+  text += '\'';
+  while (true) {
+    char const* const special = std::find_if_not(at, end, isPlain);
+    text.append(at, special);
+    if (special == end) return String8(text += '\'');
+    appendEscaped(text, *special);
+    at = special + 1;
+  }
 }
 
 String8 valueToStrep(unsigned long long value) {
-  return String8(std::to_string(value));
+  std::array<char, std::numeric_limits<unsigned long long>::digits10 + 1> digits{};
+  char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+  return String8(std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
 }
 
 String8 valueToStrep(double value) {
@@ -161,7 +170,8 @@ String8 valueToStrep(double value) {
 }
 
 String8 valueToStrep(bool value) {
-  return value ? "True" : "False";
+  static String8 const texts[] = {"False", "True"};
+  return texts[value ? 1 : 0];
 }
 
 String8 valueToStrepOfRawPtr(Entity const* entity, MoxType const* type) {
@@ -171,15 +181,18 @@ String8 valueToStrepOfRawPtr(Entity const* entity, MoxType const* type) {
 }
 
 void needString(Iterator& it, Iterator const& end, char const* token) {
-  for (char const* at = token; *at != '\0'; ++at) {
-    if (*at == ' ') {
-      skipBlanks(it, end);
-    } else if (it == end || *it != *at) {
+  Iterator at = it;
+  for (char const* expected = token; *expected != '\0'; ++expected) {
+    if (*expected == ' ') {
+      skipBlanks(at, end);
+    } else if (at == end || *at != *expected) {
+      it = at;
       throwExpected(trimmed(token), it, end);
     } else {
-      ++it;
+      ++at;
     }
   }
+  it = at;
 }
 
 String8 sequenceToValue(Iterator& it, Iterator const& end, String8*) {
@@ -188,11 +201,18 @@ String8 sequenceToValue(Iterator& it, Iterator const& end, String8*) {
   ++it;
   std::string value;
   while (true) {
+    std::string_view const left = rest(it, end);
+    auto const special =
+        std::find_if(left.begin(), left.end(), [](char c) { return c == '\'' || c == '\\'; });
+    std::string_view const run(left.begin(), special);
+    advance(it, run.size());
     if (it == end) throwExpected("the string's closing apostrophe", it, end);
-    char const c = *it;
+    bool const isClosed = *it == '\'';
     ++it;
-    if (c == '\'') return String8(value);
-    value += c == '\\' ? readEscaped(it, end) : c;
+    if (isClosed && value.empty()) return String8(run);
+    value.append(run);
+    if (isClosed) return String8(value);
+    value += readEscaped(it, end);
   }
 }
 

@@ -1,7 +1,8 @@
 #include "platform/pelk/EthAddr.h"
 
 #include <ostream>
-#include <string>
+#include <string_view>
+#include <tuple>
 
 #include "platform/detail/Hex.h"
 #include "platform/detail/ReadConverted.h"
@@ -12,6 +13,22 @@ namespace Pelk {
 namespace {
 
 constexpr std::size_t octetWidth = 3;  // two digits, then a colon or the end
+
+using Quoted = std::array<char, 1 + std::tuple_size_v<EthAddr::Octets> * octetWidth>;
+
+/// The text form in apostrophes.
+Quoted quoted(EthAddr const& value) {
+  Quoted text;
+  char* at = text.data();
+  *at++ = '\'';
+  for (std::uint8_t const octet : value.octets()) {
+    *at++ = Mox::detail::hexDigits[octet >> 4];
+    *at++ = Mox::detail::hexDigits[octet & 15];
+    *at++ = ':';
+  }
+  text.back() = '\'';
+  return text;
+}
 
 }  // namespace
 
@@ -35,16 +52,13 @@ Mox::MoxType const* EthAddr::_fwkType() {
 }
 
 Mox::String8 EthAddr::stringValue() const {
-  std::string text;
-  for (std::uint8_t const octet : octets_) {
-    if (!text.empty()) text += ':';
-    text += Mox::detail::hexText(octet);
-  }
-  return Mox::String8(text);
+  Quoted const text = quoted(*this);
+  return Mox::String8(std::string_view(text.data() + 1, text.size() - 2));
 }
 
 Mox::String8 valueToStrep(EthAddr const& value) {
-  return Mox::valueToStrep(value.stringValue());
+  Quoted const text = quoted(value);
+  return Mox::String8(std::string_view(text.data(), text.size()));
 }
 
 EthAddr sequenceToValue(Mox::String8::IteratorConst& it, Mox::String8::IteratorConst const& end,

@@ -85,6 +85,7 @@ TEST(StrepDouble, RefusesWhatIsNoNumber) {
   EXPECT_EQ(refused<double>("0x10"), "junk at column 1 deserializing 0x10");
   EXPECT_EQ(refused<double>("2.0 "), "junk at column 3 deserializing 2.0 ");
   EXPECT_EQ(refused<double>("1,5"), "junk at column 1 deserializing 1,5");
+  EXPECT_EQ(refused<double>("nan(1)"), "junk at column 3 deserializing nan(1)");
 }
 
 TEST(StrepDouble, RefusesANumberThatADoubleCannotHold) {
