@@ -42,65 +42,42 @@ IntrospectionReactor& IntrospectionReactor::global() {
   return reactor;
 }
 
-IntrospectionReactor::IntrospectionReactor() : root_(nullptr, String8()) {
-  root_.isNamespace_ = true;
-}
+IntrospectionReactor::IntrospectionReactor() = default;
 
 IntrospectionReactor::~IntrospectionReactor() {
   for (MoxType const* type : types_) type->typeNodeIs(nullptr);
 }
 
-TypeNode* IntrospectionReactor::find(String8 const& fullName) noexcept {
-  TypeNode* at = &root_;
-  for (std::string_view rest = fullName.view(); at != nullptr && !rest.empty();) {
-    std::string_view const step = rest.substr(0, rest.find(scopeMark));
-    rest.remove_prefix(std::min(rest.size(), step.size() + scopeMark.size()));
-    auto const& members = at->members();
-    auto const found = std::find_if(members.begin(), members.end(),
-                                    [&](auto const& member) { return member->name() == step; });
-    at = found == members.end() ? nullptr : found->get();
-  }
-  return at;
-}
-
-TypeNode& IntrospectionReactor::scopeOf(String8 const& fullName) {
+void IntrospectionReactor::checkScope(String8 const& fullName) const {
   if (lastName(fullName.view()).empty()) {
     throwRangeException(format("'%s' has no name behind its scope", fullName.charPtr()));
   }
-  TypeNode* const scope = find(String8(scopeName(fullName.view())));
-  if (scope == nullptr) {
+  String8 const scope(scopeName(fullName.view()));
+  if (!scope.empty() && !hasNamespace(scope) && type(scope) == nullptr) {
     throwRangeException(format("'%s' has no scope to be in", fullName.charPtr()));
   }
-  return *scope;
 }
 
 TypeNode& IntrospectionReactor::nodeOf(MoxType const& type) {
-  TypeNode* const node = find(type.fullName());
-  if (node == nullptr || node->type() != &type) refuseUnregistered(type);
-  return *node;
+  auto const found = nodes_.find(&type);
+  if (found == nodes_.end()) refuseUnregistered(type);
+  return found->second;
 }
 
-TypeNode const& IntrospectionReactor::onNamespace(String8 const& fullName) {
-  TypeNode& scope = scopeOf(fullName);
-  String8 const name(lastName(fullName.view()));
-  TypeNode* node = scope.member(name);
-  if (node == nullptr) {
-    node = scope.members_.emplace_back(std::make_unique<TypeNode>(&scope, name)).get();
-  }
-  node->isNamespace_ = node->type_ == nullptr;
-  return *node;
+void IntrospectionReactor::onNamespace(String8 const& fullName) {
+  checkScope(fullName);
+  namespaces_.insert(fullName);
 }
 
 void IntrospectionReactor::onType(MoxType const& type) {
-  TypeNode& scope = scopeOf(type.fullName());
-  String8 const name(lastName(type.fullName().view()));
-  if (scope.member(name) != nullptr || type.typeNode() != nullptr) {
-    throwRangeException(format("'%s' is registered already", type.fullName().charPtr()));
+  String8 const& fullName = type.fullName();
+  checkScope(fullName);
+  bool const isTaken = hasNamespace(fullName) || this->type(fullName) != nullptr;
+  if (isTaken || type.typeNode() != nullptr) {
+    throwRangeException(format("'%s' is registered already", fullName.charPtr()));
   }
-  auto node = std::make_unique<TypeNode>(&scope, name);
-  node->type_ = &type;
   types_.reserve(types_.size() + 1);  // so that nothing is left half done
-  type.typeNodeIs(scope.members_.emplace_back(std::move(node)).get());
+  type.typeNodeIs(&nodes_.try_emplace(&type, String8(lastName(fullName.view()))).first->second);
   types_.push_back(&type);
 }
 
@@ -149,16 +126,9 @@ void IntrospectionReactor::onRecordCollection(MoxType const& type, Attribute att
 }
 
 void IntrospectionReactor::typeDel(MoxType const& type) noexcept {
-  TypeNode* node = find(type.fullName());
-  if (node == nullptr || node->type() != &type) return;
-  std::erase(types_, &type);
+  if (nodes_.erase(&type) == 0) return;
   type.typeNodeIs(nullptr);
-  node->type_ = nullptr;
-  while (!node->isNamespace_ && node->type_ == nullptr && node->members_.empty()) {
-    TypeNode* const scope = node->parent_;
-    std::erase_if(scope->members_, [&](auto const& member) { return member.get() == node; });
-    node = scope;
-  }
+  std::erase(types_, &type);
 }
 
 MoxType const* IntrospectionReactor::type(String8 const& fullName) const noexcept {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+#include <set>
 #include <vector>
 
 #include "platform/mox/MoxType.h"
@@ -26,11 +28,11 @@ class MOX_API IntrospectionReactor {
 
   // Announcements.
 
-  /// A namespace, given with its scopes (`Hardware::Kest`), which are there already. Announced
-  /// again it is shared; it stays whoever withdraws types of it.
-  TypeNode const& onNamespace(String8 const& fullName);
-  /// A type, below the namespace or type that its full name gives. A type has one place in one
-  /// registry; what it is made of may be registered elsewhere.
+  /// A namespace, given with its scopes (`Hardware::Kest`), which are there already. It may be
+  /// announced again, and stays for good.
+  void onNamespace(String8 const& fullName);
+  /// A type, in the namespace or type that its full name gives. A type is in one registry; what it
+  /// is made of may be registered elsewhere.
   void onType(MoxType const& type);
   void onConstructorArgument(MoxType const& type, Argument argument);
   void onAttribute(MoxType const& type, Attribute attribute);
@@ -44,25 +46,26 @@ class MOX_API IntrospectionReactor {
   /// dropped first.
   void onRecordCollection(MoxType const& type, Attribute attribute, String8 const& keyName);
 
-  /// Withdraws a type and what is registered of it. Its name is free again when the types nested
-  /// in it are gone too.
+  /// Withdraws a type and what is registered of it.
   void typeDel(MoxType const& type) noexcept;
 
   // What there is.
 
-  TypeNode const& root() const noexcept { return root_; }
+  bool hasNamespace(String8 const& fullName) const { return namespaces_.count(fullName) > 0; }
   /// In order of announcement.
   std::vector<MoxType const*> const& types() const noexcept { return types_; }
   /// Null when no type has that full name.
   MoxType const* type(String8 const& fullName) const noexcept;
 
  private:
-  TypeNode& scopeOf(String8 const& fullName);
+  /// Refuses a name that is empty or has no scope that is there.
+  void checkScope(String8 const& fullName) const;
+  /// What is registered of a type; refused for a type that is not in this registry.
   TypeNode& nodeOf(MoxType const& type);
-  TypeNode* find(String8 const& fullName) noexcept;
 
-  TypeNode root_;
+  std::set<String8> namespaces_;
   std::vector<MoxType const*> types_;
+  std::map<MoxType const*, TypeNode> nodes_;
 };
 
 }  // namespace Mox

@@ -20,7 +20,6 @@ using Mox::MoxType;
 using Mox::TypeOf;
 using Test::refusal;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 /// A registry of its own with the namespace of the toys.
 class IntrospectionReactorTest : public testing::Test {
@@ -43,30 +42,10 @@ class IntrospectionReactorTest : public testing::Test {
   IntrospectionReactor reactor;
 };
 
-TEST_F(IntrospectionReactorTest, StartsWithNothing) {
-  IntrospectionReactor const empty;
-  EXPECT_THAT(empty.types(), IsEmpty());
-  EXPECT_THAT(empty.root().members(), IsEmpty());
-  EXPECT_EQ(empty.root().parent(), nullptr);
-  EXPECT_EQ(empty.root().fullName(), "");
-  EXPECT_EQ(empty.type(""), nullptr);
-}
-
-TEST_F(IntrospectionReactorTest, NestsNamespacesAndTypesInATree) {
-  reactor.onNamespace("Toy::Deep");
+TEST_F(IntrospectionReactorTest, KnowsATypeByTheLastPartOfItsName) {
   announceBoxAndSpot();
-  Mox::TypeNode const* const toy = reactor.root().member("Toy");
-  ASSERT_NE(toy, nullptr);
-  EXPECT_EQ(toy->type(), nullptr);
-  EXPECT_EQ(toy->parent(), &reactor.root());
-  EXPECT_EQ(toy->fullName(), "Toy");
-  ASSERT_EQ(toy->members().size(), 2U);
-  EXPECT_EQ(toy->members()[0]->fullName(), "Toy::Deep");
-  EXPECT_EQ(toy->members()[1].get(), box.typeNode());
-  EXPECT_EQ(spot.typeNode()->parent(), box.typeNode());
+  EXPECT_EQ(box.typeNode()->name(), "Box");
   EXPECT_EQ(spot.typeNode()->name(), "Spot");
-  EXPECT_EQ(spot.typeNode()->fullName(), "Toy::Box::Spot");
-  EXPECT_EQ(spot.typeNode()->type(), &spot);
 }
 
 TEST_F(IntrospectionReactorTest, KeepsTheOrderOfAnnouncement) {
@@ -83,10 +62,10 @@ TEST_F(IntrospectionReactorTest, FindsTypesByFullName) {
   }
 }
 
-TEST_F(IntrospectionReactorTest, ANamespaceThatIsThereIsAnnouncedAgainWithoutEffect) {
-  Mox::TypeNode const& first = reactor.onNamespace("Toy::Deep");
-  EXPECT_EQ(&reactor.onNamespace("Toy::Deep"), &first);
-  EXPECT_EQ(reactor.root().member("Toy")->members().size(), 1U);
+TEST_F(IntrospectionReactorTest, ANamespaceMayBeAnnouncedAgain) {
+  reactor.onNamespace("Toy");
+  EXPECT_TRUE(reactor.hasNamespace("Toy"));
+  EXPECT_FALSE(reactor.hasNamespace("Toy::Deep"));
 }
 
 TEST_F(IntrospectionReactorTest, RefusesWhatHasNoScope) {
@@ -252,7 +231,6 @@ TEST_F(IntrospectionReactorTest, WithdrawsATypeWithAllThatIsRegisteredOfIt) {
   EXPECT_EQ(spot.typeNode(), nullptr);
   EXPECT_EQ(reactor.type("Toy::Box::Spot"), nullptr);
   EXPECT_THAT(reactor.types(), ElementsAre(&colour, &box));
-  EXPECT_THAT(box.typeNode()->members(), IsEmpty());
   reactor.typeDel(box);
   EXPECT_EQ(Mox::registryText(reactor, "Toy"), "namespace Toy\n\ntype Toy::Colour enumeration\n");
   reactor.onType(box);
@@ -260,22 +238,9 @@ TEST_F(IntrospectionReactorTest, WithdrawsATypeWithAllThatIsRegisteredOfIt) {
 }
 
 TEST_F(IntrospectionReactorTest, ANamespaceStaysForOthersWhenItsLastTypeGoes) {
-  reactor.onNamespace("Toy::Deep");
-  MoxType const lone("Toy::Deep::Lone");
-  reactor.onType(lone);
-  reactor.typeDel(lone);
-  Mox::TypeNode const* const deep = reactor.root().member("Toy")->member("Deep");
-  ASSERT_NE(deep, nullptr);
-  EXPECT_THAT(deep->members(), IsEmpty());
-}
-
-TEST_F(IntrospectionReactorTest, ATypeThatGoesBeforeWhatIsNestedInItGoesWithTheLastOfThat) {
-  announceBoxAndSpot();
-  reactor.typeDel(box);
-  EXPECT_EQ(refusal([&] { reactor.onType(box); }), "'Toy::Box' is registered already");
-  reactor.typeDel(spot);
   reactor.onType(box);
-  EXPECT_EQ(Mox::registryText(reactor, "Toy"), "namespace Toy\n\ntype Toy::Box entity\n");
+  reactor.typeDel(box);
+  EXPECT_TRUE(reactor.hasNamespace("Toy"));
 }
 
 TEST_F(IntrospectionReactorTest, WithdrawsNothingForATypeThatItDoesNotHave) {
@@ -285,7 +250,7 @@ TEST_F(IntrospectionReactorTest, WithdrawsNothingForATypeThatItDoesNotHave) {
   reactor.typeDel(spot);
   reactor.typeDel(*TypeOf<bool>::type());
   EXPECT_THAT(reactor.types(), ElementsAre(&box));
-  EXPECT_EQ(box.typeNode()->fullName(), "Toy::Box");
+  EXPECT_NE(box.typeNode(), nullptr);
   EXPECT_NE(TypeOf<bool>::type()->typeNode(), nullptr);
 }
 
@@ -309,7 +274,7 @@ TEST(GlobalRegistry, HasThePlatformsTypes) {
                                  "Hardware::Kest::FapType", "Hardware::Kest::SmMode"));
   for (MoxType const* type : global.types()) {
     EXPECT_EQ(global.type(type->fullName()), type);
-    EXPECT_EQ(type->typeNode()->fullName(), type->fullName());
+    EXPECT_NE(type->typeNode(), nullptr);
   }
 }
 

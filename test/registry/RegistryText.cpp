@@ -77,12 +77,10 @@ std::string typeText(MoxType const& type) {
 
 std::string registryText(IntrospectionReactor const& reactor, std::string const& scope) {
   std::string lines;
-  TypeNode const* at = &reactor.root();
-  for (std::size_t end = 0; end != std::string::npos && at != nullptr;) {
-    std::size_t const start = end == 0 ? 0 : end + 2;
-    end = scope.find("::", start);
-    at = at->member(String8(scope.substr(start, end == std::string::npos ? end : end - start)));
-    if (at != nullptr && at->type() == nullptr) lines += "namespace " + text(at->fullName()) + "\n";
+  for (std::size_t end = scope.find("::"); true; end = scope.find("::", end + 2)) {
+    String8 const above(scope.substr(0, end));
+    if (reactor.hasNamespace(above)) lines += "namespace " + text(above) + "\n";
+    if (end == std::string::npos) break;
   }
   for (MoxType const* type : reactor.types()) {
     if (type->fullName().view().starts_with(scope + "::")) lines += "\n" + typeText(*type);
