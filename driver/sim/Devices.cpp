@@ -1,10 +1,8 @@
 #include "driver/sim/Devices.h"
 
 #include <cerrno>
-#include <ostream>
 #include <utility>
 
-#include "driver/sim/Members.h"
 #include "driver/sim/Names.h"
 
 namespace Hardware::Kest::Sim {
@@ -93,16 +91,6 @@ String8 const* Devices::pathOf(String8 const& devName) const {
 String8 Devices::nameAt(String8 const& pciPath) const {
   Device const* const device = devices_.find(pciPath);
   return device == nullptr ? String8() : device->name;
-}
-
-std::ostream& operator<<(std::ostream& out, DeviceParam const& param) {
-  return streamMembers(out, param);
-}
-
-std::ostream& operator<<(std::ostream& out, Device const& device) {
-  out << Mox::valueToStrep(device.name) << ", " << (device.up ? "up" : "down") << ", flips "
-      << device.flips;
-  return device.param ? out << ", " << *device.param : out << ", not registered";
 }
 
 }  // namespace Hardware::Kest::Sim

@@ -1,43 +1,13 @@
 #pragma once
 
-#include <iosfwd>
 #include <map>
-#include <optional>
 
 #include "driver/sim/Entries.h"
 #include "driver/sim/Export.h"
-#include "platform/hardware/kest/FapType.h"
+#include "driver/sim/Values.h"
 #include "platform/mox/String8.h"
 
 namespace Hardware::Kest::Sim {
-
-/// A device's parameters, in the order of `kestDmaDeviceParam`.
-struct DeviceParam {
-  unsigned numFaps = 1;
-  FapType fapType = FapType::fapTypeUnknown_;
-  unsigned cpuTmSysPort = 0;
-  unsigned cpuEthSysPort = 0;
-  unsigned cpuRawSysPort = 0;
-  unsigned sflowPort = 0;
-  unsigned cpuAradSysPort = 0;
-  unsigned cpuArad = 0;
-  unsigned cpuAradBridge = 0;
-
-  bool operator==(DeviceParam const&) const = default;
-};
-
-/// One chip.
-struct Device {
-  Mox::String8 name;                 ///< empty until the chip is given one
-  std::optional<DeviceParam> param;  ///< none until registered
-  bool up = false;
-  unsigned flips = 0;  ///< how often it went up or down by itself
-
-  bool operator==(Device const&) const = default;
-};
-
-KEST_SIM_API std::ostream& operator<<(std::ostream& out, DeviceParam const& param);
-KEST_SIM_API std::ostream& operator<<(std::ostream& out, Device const& device);
 
 /// The slice's chips. A chip is there from the first time that its PCI path is used and never
 /// leaves; its name is unique. Results are error numbers; an operation that fails changes nothing,

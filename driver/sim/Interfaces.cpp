@@ -1,11 +1,9 @@
 #include "driver/sim/Interfaces.h"
 
 #include <cerrno>
-#include <ostream>
 #include <utility>
 
 #include "driver/sim/Devices.h"
-#include "driver/sim/Members.h"
 #include "driver/sim/Names.h"
 #include "platform/mox/RangeException.h"
 #include "platform/pelk/EthAddr.h"
@@ -69,16 +67,6 @@ void Interfaces::deviceRenamed(String8 const& from, String8 const& to) {
     moved.param.devName = to;
     interfaces_.put(name, std::move(moved));  // in its place: the walk goes on
   }
-}
-
-std::ostream& operator<<(std::ostream& out, InterfaceParam const& param) {
-  return streamMembers(out, param);
-}
-
-std::ostream& operator<<(std::ostream& out, Interface const& interface) {
-  out << interface.param << ", nativeVlan ";
-  if (interface.nativeVlan == Interface::noVlan) return out << "none";
-  return out << interface.nativeVlan << ", mode " << Mox::valueToStrep(interface.mode);
 }
 
 }  // namespace Hardware::Kest::Sim

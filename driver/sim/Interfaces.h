@@ -1,49 +1,15 @@
 #pragma once
 
-#include <iosfwd>
 #include <map>
 #include <utility>
 
-#include "driver/KestDma.h"
 #include "driver/sim/Entries.h"
-#include "driver/sim/Export.h"
+#include "driver/sim/Values.h"
 #include "platform/mox/String8.h"
 
 namespace Hardware::Kest::Sim {
 
 class Devices;
-
-/// What `kestDmaIfadd` asks for, in its order.
-struct InterfaceParam {
-  int destId = 0;
-  int shadowIntfId = -1;  ///< -1: none
-  int trafficClass = 0;
-  Mox::String8 devName;  ///< may be empty
-  int fapNum = 0;
-  bool ctrl = false;
-  bool hwLag = false;
-  Mox::String8 macAddr;  ///< as text
-
-  bool operator==(InterfaceParam const&) const = default;
-};
-
-/// One kernel network interface.
-struct Interface {
-  static constexpr unsigned short lastVlan = 4094;
-  static constexpr unsigned short noVlan = noVlanOrInterface;
-  static constexpr bool isNativeVlan(unsigned short vlanId) {
-    return (vlanId >= 1 && vlanId <= lastVlan) || vlanId == noVlan;
-  }
-
-  InterfaceParam param;
-  unsigned short nativeVlan = noVlan;
-  bool mode = false;  ///< the flag that the native VLAN was set with
-
-  bool operator==(Interface const&) const = default;
-};
-
-KEST_SIM_API std::ostream& operator<<(std::ostream& out, InterfaceParam const& param);
-KEST_SIM_API std::ostream& operator<<(std::ostream& out, Interface const& interface);
 
 /// The slice's interfaces by name. Results are error numbers; an operation that fails changes
 /// nothing. An operation on an interface that does not exist answers ENODEV.

@@ -8,7 +8,6 @@
 
 #include "driver/sim/ChangeLine.h"
 #include "driver/sim/Names.h"
-#include "driver/sim/StateMembers.h"
 #include "driver/sim/StateText.h"
 #include "platform/mox/RangeException.h"
 #include "platform/mox/Strep.h"

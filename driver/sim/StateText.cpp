@@ -6,7 +6,6 @@
 #include <optional>
 #include <utility>
 
-#include "driver/sim/StateMembers.h"
 #include "platform/mox/RangeException.h"
 #include "text/Escapes.h"
 #include "text/JsonDocument.h"

@@ -3,10 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "driver/sim/Devices.h"
-#include "driver/sim/Entries.h"
 #include "driver/sim/Export.h"
-#include "driver/sim/Interfaces.h"
+#include "driver/sim/SliceState.h"
 
 /// The text form of a slice's state: a JSON document, and what has changed since, a line for each
 /// call (`ChangeLine.h`).
@@ -23,22 +21,6 @@
 /// `Text::percentEncoded` makes them. A change has the entries that it is about, whole, or null for
 /// one that has gone. A last change without the end of its line is ignored: its writer was killed.
 namespace Hardware::Kest::Sim {
-
-/// What outlives the process: the interfaces and devices that the operations have made.
-struct SliceState {
-  Interfaces interfaces;
-  Devices devices;
-
-  bool operator==(SliceState const&) const = default;
-};
-
-/// Entries as they are now; none: gone.
-struct Change {
-  Entries<Interface>::Changed interfaces;
-  Entries<Device>::Changed devices;
-
-  bool empty() const { return interfaces.empty() && devices.empty(); }
-};
 
 /// The document alone: indented, ended by a newline.
 KEST_SIM_API std::string stateText(SliceState const& state);

@@ -38,6 +38,9 @@ expect 0 ""
 plant agent/Agent.h '#include "driver/sim/Sim.h"'
 plant agent/rules/Rules.cpp '#include "agent/access/Path.h"' '#include "agent/Agent.h"' '#include "agent/slice/Write.h"'
 plant agent/lost/Room.cpp '#include "agent/lost/Room.h"'
+plant model/Part.inc '  int part;' '#include "sm/Sm.h"'
+plant driver/sim/There.h '#pragma once' '#include "driver/sim/Back.inc"'
+plant driver/sim/Back.inc '#include "driver/sim/There.h"'
 plant agent/show/There.h '#pragma once' '#include "agent/show/Back.h"'
 plant agent/show/Back.cpp '#include "agent/show/There.h"'
 plant ctl/Client.cpp '#include "agent/Agent.h"' '#include "platform/mox/Ptr.h"'
@@ -60,6 +63,7 @@ ctl/Client.cpp:2: ctl/ may not include platform/mox/Ptr.h
 driver/KestDma.h:2: driver/ may not include driver/sim/Sim.h
 driver/sim/Up.cpp:1: driver/ may not include model/Entity.h
 driver/sim/Up.cpp:2: driver/ may not include driver/tap/Tap.h
+model/Part.inc:2: model/ may not include sm/Sm.h
 model/Up.cpp:3: model/ may not include sm/Sm.h
 model/Up.cpp:4: model/ may not include agent/Agent.h
 platform/mox/Up.h:2: platform/ may not include model/Entity.h
@@ -75,5 +79,5 @@ text/Up.cpp:1: text/ may not include platform/mox/Ptr.h
 text/Up.cpp:2: text/ may not include agent/Agent.h
 agent/Agent.h:1: no #pragma once
 test/sm/Bare.h:1: no #pragma once
-these files include each other: agent/show/Back agent/show/There
-25 defects"
+these files include each other: agent/show/Back agent/show/There driver/KestDma driver/sim/Sim driver/sim/Back driver/sim/There
+26 defects"

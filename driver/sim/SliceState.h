@@ -2,11 +2,30 @@
 
 #include <map>
 
-#include "driver/sim/Members.h"
-#include "driver/sim/StateText.h"
+#include "driver/sim/Devices.h"
+#include "driver/sim/Entries.h"
+#include "driver/sim/Interfaces.h"
+#include "driver/sim/Values.h"
 
-/// What a state's document holds, for its writer and its reader.
 namespace Hardware::Kest::Sim {
+
+/// What outlives the process: the interfaces and devices that the operations have made.
+struct SliceState {
+  Interfaces interfaces;
+  Devices devices;
+
+  bool operator==(SliceState const&) const = default;
+};
+
+/// Entries as they are now; none: gone.
+struct Change {
+  Entries<Interface>::Changed interfaces;
+  Entries<Device>::Changed devices;
+
+  bool empty() const { return interfaces.empty() && devices.empty(); }
+};
+
+// What a state's document holds, for its writer and its reader.
 
 inline constexpr char const* formatName = "kest-dma-sim-state/1";
 
