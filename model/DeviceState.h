@@ -15,10 +15,6 @@ enum class DeviceState : std::int32_t {
   deviceStateDown_ = 2,
 };
 
-/// Every enumerator, in order of value from 0.
-inline constexpr DeviceState deviceStates[] = {
-    DeviceState::deviceStateUnknown_, DeviceState::deviceStateUp_, DeviceState::deviceStateDown_};
-
 /// The enumerator's name, without the underscore; any other number as "DeviceState(%d)".
 KEST_SLICE_DMA_API Mox::String8 stringValue(DeviceState value);
 

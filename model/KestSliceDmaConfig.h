@@ -205,6 +205,9 @@ class KEST_SLICE_DMA_API KestSliceDmaConfig : public detail::ObservedEntity {
   using Self = KestSliceDmaConfig;
   using SwitchPortArg = SwitchPort const&;
   using DeviceArg = Device const&;
+  Mox::String8 scalarString(Mox::AttributeId id) const {
+    return id == sliceIdAttributeId ? sliceIdName : Entity::attributeString(id);
+  }
 
  public:
   static constexpr Mox::AttributeId firstCollectionId = sliceIdAttributeId + 1;

@@ -123,6 +123,7 @@ class KEST_SLICE_DMA_API KestSliceDmaStatus : public detail::ObservedEntity {
   using Self = KestSliceDmaStatus;
   using SwitchPortArg = SwitchPort;
   using DeviceArg = Device;
+  Mox::String8 scalarString(Mox::AttributeId id) const { return Entity::attributeString(id); }
 
  public:
   static constexpr Mox::AttributeId firstCollectionId = firstOwnAttributeId;

@@ -16,12 +16,9 @@ std::unique_ptr<Mox::GenericIf> DeviceStateGenericIf_::genericIfListConstructor(
 }
 
 DeviceState_Type::DeviceState_Type() noexcept
-    : ValueType("Hardware::Kest::Slice::DeviceState", Kind::enumeration) {}
-
-std::vector<Mox::String8> DeviceState_Type::enumerators() const {
-  std::vector<Mox::String8> all;
-  for (DeviceState const state : deviceStates) all.push_back(stringValue(state));
-  return all;
+    : EnumType("Hardware::Kest::Slice::DeviceState", {stringValue(DeviceState::deviceStateUnknown_),
+                                                      stringValue(DeviceState::deviceStateUp_),
+                                                      stringValue(DeviceState::deviceStateDown_)}) {
 }
 
 }  // namespace Hardware::Kest::Slice

@@ -19,10 +19,9 @@ class KEST_SLICE_DMA_API DeviceStateGenericIf_ final
 };
 
 class KEST_SLICE_DMA_API DeviceState_Type final
-    : public Mox::ValueType<DeviceState, DeviceStateGenericIf_> {
+    : public Mox::EnumType<DeviceState, DeviceStateGenericIf_> {
  public:
   DeviceState_Type() noexcept;
-  std::vector<Mox::String8> enumerators() const override;
 };
 
 KEST_SLICE_DMA_API Mox::MoxType const* DeviceState_fwkType();

@@ -12,13 +12,16 @@ namespace Hardware::Kest::Slice {
 
 namespace detail {
 
+/// Whether two values or objects are compared as a whole, which has the number 0.
+inline bool comparesWhole(Mox::AttributeOp const& op) {
+  return op.attribute == 0 && op.code == Mox::AttributeOpCode::equality;
+}
+
 /// Comes first in every adapter's `attributeOp`, before the attribute is looked at.
 inline void checkOperation(Mox::GenericIf const& adapter, Mox::AttributeOp const& op,
                            Mox::GenericIf const* arg) {
-  if (adapter.isConst() && Mox::isModifying(op.code)) refuseConst();
-  bool const comparesWhole =
-      op.attribute == Mox::wholeAttributeId && op.code == Mox::AttributeOpCode::equality;
-  if (comparesWhole && (arg == nullptr || arg->type() != adapter.type())) {
+  if (adapter.isConst() && op.code >= Mox::AttributeOpCode::store) refuseConst();
+  if (comparesWhole(op) && (arg == nullptr || arg->type() != adapter.type())) {
     Mox::GenericIf::throwTypeException("moxOpArg");
   }
 }

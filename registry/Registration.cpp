@@ -10,7 +10,7 @@
 #include "platform/mox/IntrospectionReactor.h"
 #include "registry/SmType.h"
 #include "registry/detail/SmAttributes.h"
-#include "sm/detail/LogMessages.h"
+#include "sm/detail/Points.h"
 
 /// What the library registers when it is loaded, in order, and withdraws when it is unloaded.
 namespace Hardware::Kest::Slice {
@@ -34,26 +34,18 @@ template <class Entity>
 void registerEntity(IntrospectionReactor& reactor) {
   MoxType const& type = *Entity::_fwkType();
   reactor.onType(type);
-  reactor.onConstructorArgument(type, {"name", Mox::TypeOf<Mox::Name>::type()->fullName()});
+  reactor.onConstructorArgument(
+      type, {detail::entityArguments[0], Mox::TypeOf<Mox::Name>::type()->fullName()});
   reactor.onInheritedAttributes(type, *Mox::Entity::_fwkType());
-}
-
-template <class T>
-MoxType const* fieldType(T const*) {
-  return Mox::TypeOf<T>::type();
-}
-template <class T>
-MoxType const* fieldType(Mox::Ptr<T> const*) {
-  return Mox::TypeOf<std::remove_const_t<T>>::type();
 }
 
 template <class Record>
 void registerRecord(IntrospectionReactor& reactor) {
   MoxType const& type = *Record::_fwkType();
   reactor.onType(type);
-  typename Record::Fields const fields;
   detail::forEachFieldAttribute<Record>([&](auto const& field, Mox::AttributeId id) {
-    MoxType const* const valueType = fieldType(&(fields.*field.member));
+    using Value = std::decay_t<decltype(typename Record::Fields().*field.member)>;
+    MoxType const* const valueType = detail::typeOf<Value>();
     reactor.onConstructorArgument(type, {field.name, valueType->fullName()});
     reactor.onAttribute(type, {field.name, id, valueType});
   });
@@ -79,10 +71,10 @@ void registerCollections(IntrospectionReactor& reactor, Mox::AttributeFlags flag
 void registerSm(IntrospectionReactor& reactor) {
   MoxType const& type = *KestSliceDmaSm::_fwkType();
   reactor.onType(type);
-  reactor.onConstructorArgument(type, {detail::configArgument, KestSliceDmaConfig::typeName});
-  reactor.onConstructorArgument(type, {detail::statusArgument, KestSliceDmaStatus::typeName});
+  reactor.onConstructorArgument(type, {detail::smArguments[0], KestSliceDmaConfig::typeName});
+  reactor.onConstructorArgument(type, {detail::smArguments[1], KestSliceDmaStatus::typeName});
   for (detail::SmAttribute const& one : detail::smAttributes()) {
-    reactor.onAttribute(type, one.attribute);
+    reactor.onAttribute(type, one.registered());
   }
 }
 

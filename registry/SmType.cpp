@@ -8,7 +8,7 @@
 
 namespace Hardware::Kest::Slice {
 
-KestSliceDmaSm::_Type::_Type() noexcept : MoxType(typeName, Kind::object) {}
+KestSliceDmaSm::_Type::_Type() noexcept : MoxType(typeName) {}
 
 std::unique_ptr<Mox::GenericIf> KestSliceDmaSm::_Type::genericIf_(Mox::PtrInterface* object,
                                                                   bool isConst) const {
@@ -17,10 +17,10 @@ std::unique_ptr<Mox::GenericIf> KestSliceDmaSm::_Type::genericIf_(Mox::PtrInterf
 
 std::unique_ptr<Mox::GenericIf> KestSliceDmaSm::_Type::genericIfNew(
     Mox::GenericIf const& arguments) const {
-  detail::Arguments const given(arguments, *this);
+  detail::Arguments const given(&arguments, typeName, detail::smArguments);
   auto const config = given.value<Mox::Ptr<KestSliceDmaConfig const>>(0);
   auto const status = given.value<Mox::Ptr<KestSliceDmaStatus>>(1);
-  if (!status) given.refuse(1);
+  if (!status) Mox::GenericIf::throwTypeException(detail::smArguments[1]);
   return genericIf_(kestSliceDmaSmFactory(config, status).ptr(), false);
 }
 
@@ -32,14 +32,13 @@ void KestSliceDmaSm::GenericIf_::attributeOp(Mox::AttributeOp const& op, Mox::Ge
   using Code = Mox::AttributeOpCode;
   detail::checkOperation(*this, op, arg);
   auto const& all = detail::smAttributes();
-  auto const found = std::find_if(
-      all.begin(), all.end(), [&](auto const& one) { return one.attribute.id == op.attribute; });
-  bool const isWhole = op.attribute == Mox::wholeAttributeId && op.code == Code::equality;
-  if (found == all.end() || isWhole) {
+  auto const found =
+      std::find_if(all.begin(), all.end(), [&](auto const& one) { return one.id == op.attribute; });
+  if (found == all.end() || detail::comparesWhole(op)) {
     GenericIfPtrInterface::attributeOp(op, arg, result);
     return;
   }
-  if (op.index != nullptr) throwBadIndexAttrException(found->attribute.name);
+  if (op.index != nullptr) throwBadIndexAttrException(found->name);
   Mox::Ptr<KestSliceDmaSm> const sm(&objectAs<KestSliceDmaSm>());
   if (op.code == Code::read && found->read != nullptr) {
     result = found->read(*sm);
@@ -48,9 +47,9 @@ void KestSliceDmaSm::GenericIf_::attributeOp(Mox::AttributeOp const& op, Mox::Ge
   } else if (op.code == Code::remove && found->remove != nullptr) {
     result = found->remove(*sm);
   } else if (op.code == Code::invoke && found->invoke != nullptr) {
-    found->invoke(found->attribute, *sm, arg);
+    found->invoke(*found, *sm, arg);
   } else {
-    throwOpNotSupportedException(found->attribute.name, op.code);
+    throwOpNotSupportedException(found->name, op.code);
   }
 }
 

@@ -1,6 +1,7 @@
 #include "sm/KestSliceDmaSm.h"
 
 #include <cstdlib>
+#include <limits>
 #include <utility>
 
 #include "platform/mox/MoxType.h"
@@ -116,7 +117,8 @@ void KestSliceDmaSm::handleInitialized() {
   auto const self = kept();
   detail::traceSignature(2, detail::handler::handleInitialized, detail::line::handleInitialized);
   stateTimerIs(Mox::activityManager()->clock());
-  if (stateTimer_) stateTimer_->timeMinIs(Mox::Clock::never);  // a poll may have dropped it
+  // A poll may have dropped the timer.
+  if (stateTimer_) stateTimer_->timeMinIs(std::numeric_limits<double>::infinity());
 }
 
 }  // namespace Hardware::Kest::Slice

@@ -42,7 +42,7 @@ class KEST_SLICE_DMA_API KestSliceDmaSm : public Mox::PtrInterface {
   static constexpr char const* typeName = "Hardware::Kest::Slice::KestSliceDmaSm";
 
   /// Seconds between two polls of the devices' states.
-  static constexpr Mox::Seconds pollPeriodSeconds = 2.0;
+  static constexpr double pollPeriodSeconds = 2.0;
 
   /// Makes a machine and turns its notifications on. `config` may be null.
   static Mox::Ptr<KestSliceDmaSm> KestSliceDmaSmIs(Mox::Ptr<KestSliceDmaConfig const> const& config,

@@ -48,8 +48,8 @@ KestSliceDmaSm::MoxStateTimer::~MoxStateTimer() {
 }
 
 void KestSliceDmaSm::MoxStateTimer::notifierIs(Mox::Ptr<Mox::PtrInterface const> const& clock) {
-  auto const next = Mox::ptrCast<Mox::Clock const>(clock);
-  if (observes(next.ptr())) return;
+  auto const* const next = dynamic_cast<Mox::Clock const*>(clock.ptr());
+  if (observes(next)) return;
   Mox::Ptr<MoxStateTimer> const self(this);  // the poll may let go of it
   isRegisteredNotifieeIs(false);
   Mox::Clock::NotifieeConst::notifierIs(next);
@@ -57,7 +57,7 @@ void KestSliceDmaSm::MoxStateTimer::notifierIs(Mox::Ptr<Mox::PtrInterface const>
     bool const isBound = kestSliceDmaSm() != nullptr;  // the poll may have unbound it
     if (isBound) isRegisteredNotifieeIs(!observes(nullptr));
   });
-  if (next && !moxMarkedForDeletion()) kestSliceDmaSm()->handleTimerExpired();
+  if (next != nullptr && !moxMarkedForDeletion()) kestSliceDmaSm()->handleTimerExpired();
 }
 
 void KestSliceDmaSm::MoxStateTimer::onTime() {

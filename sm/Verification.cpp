@@ -5,7 +5,6 @@
 #include "driver/KestDma.h"
 #include "sm/KestSliceDmaSm.h"
 #include "sm/detail/AtEnd.h"
-#include "sm/detail/LogMessages.h"
 #include "sm/detail/Points.h"
 
 namespace Hardware::Kest::Slice {

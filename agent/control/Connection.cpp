@@ -24,7 +24,7 @@ constexpr std::size_t blockBytes = std::size_t{16} << 10;
 /// A client that has more than this to read is not served before it has read.
 constexpr std::size_t patience = std::size_t{64} << 10;
 /// How long, and how many, requests are served in one turn: one that takes longer ends it.
-constexpr Mox::Seconds together = 0.0005;
+constexpr Seconds together = 0.0005;
 constexpr int mostTogether = 64;
 constexpr std::uint32_t readable = EPOLLIN;
 constexpr std::uint32_t writable = EPOLLOUT;
@@ -101,7 +101,7 @@ void Connection::work() {
   if (canTell()) return tellOn();
   if (canSkip()) return takeFollowing();
   if (!canServe() && wantsInput()) read();
-  Mox::Seconds const end = Mox::now() + together;
+  Seconds const end = Mox::now() + together;
   for (int served = 0; served < mostTogether && canServe(); ++served) {
     serveNext();
     if (Mox::now() >= end) return;
@@ -280,7 +280,7 @@ void Connection::dismiss(std::string const& why) {
   });
 }
 
-Mox::Seconds Connection::silentAt() const noexcept {
+Seconds Connection::silentAt() const noexcept {
   bool const isWaiting = isServing_ && !long_ && !upload_;
   return watching_ || isWaiting ? Mox::never : heardAt_ + Wire::longestSilence;
 }

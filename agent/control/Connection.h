@@ -67,7 +67,7 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
 
   /// When the client will have been silent for too long, unless something comes before; the wait
   /// for its reply is not the client's silence.
-  Mox::Seconds silentAt() const noexcept;
+  Seconds silentAt() const noexcept;
   /// Bytes of memory that the client takes.
   std::size_t share() const noexcept { return share_.bytes(); }
 
@@ -112,7 +112,7 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   Turns::Member turns_;
   Inbox input_;
   Outbox output_;
-  Mox::Seconds heardAt_;
+  Seconds heardAt_;
 
   // The request that is being served.
   bool isServing_ = false;          // it waits for its reply

@@ -27,7 +27,7 @@ constexpr std::size_t mostHeldByTrusted = std::numeric_limits<std::size_t>::max(
 /// Memory is given back to the system after so many bytes of clients that have gone.
 constexpr std::size_t worthTrimming = std::size_t{1} << 20;
 /// How long to wait before `accept` is tried again after the system refused it.
-constexpr Mox::Seconds pauseWhenStuck = 1;
+constexpr Seconds pauseWhenStuck = 1;
 
 constexpr char const* noDescriptors =
     R"({"ok":false,"error":{"kind":"busy",)"
@@ -145,17 +145,17 @@ void ControlServer::relieve() {
 }
 
 /// Makes sure that the alarm comes no later than that.
-void ControlServer::alarmAt(Mox::Seconds at) {
+void ControlServer::alarmAt(Seconds at) {
   alarm_->timeMinIs(std::min(alarm_->timeMin(), at));
 }
 
 /// Ends connections that have been silent for too long, and looks for new clients again.
 void ControlServer::onAlarm() {
   taking_.watch(EPOLLIN);
-  Mox::Seconds const now = Mox::now();
+  Seconds const now = Mox::now();
   for (auto next = connections_.begin(); next != connections_.end();) {
     Client const connection = (next++)->second;
-    Mox::Seconds const silentAt = connection->silentAt();
+    Seconds const silentAt = connection->silentAt();
     if (silentAt <= now) {
       connection->dismiss("the connection was silent for too long");
     } else {

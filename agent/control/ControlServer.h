@@ -39,7 +39,7 @@ class ControlServer final : private Turns::Taker {
   void add(Text::Descriptor client, Peer const& peer);
   void leave(Connection& gone) noexcept;
   void relieve();
-  void alarmAt(Mox::Seconds at);
+  void alarmAt(Seconds at);
   void onAlarm();
   Answer serve(Connection& connection, Json const& request);
   void publish(std::string event);

@@ -98,7 +98,7 @@ class Turns::Round {
 
 void Turns::round() {
   Round const inRound(*this);
-  Mox::Seconds const end = Mox::now() + budget;
+  Seconds const end = Mox::now() + budget;
   collect();
   while (!isIdle()) {
     takeOne();

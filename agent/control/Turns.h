@@ -20,7 +20,7 @@ namespace Kest::Agent {
 /// Nothing here takes memory once a member has joined.
 class Turns {
  public:
-  static constexpr Mox::Seconds budget = 0.005;
+  static constexpr Seconds budget = 0.005;
 
   /// What takes turns.
   class Taker {

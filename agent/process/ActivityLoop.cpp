@@ -24,8 +24,8 @@ constexpr short writable = POLLOUT;
 constexpr short broken = POLLERR | POLLHUP | POLLNVAL;
 
 /// Rounded up, so that the loop does not spin before a wake-up; -1 is for ever.
-int pollMilliseconds(Mox::Seconds seconds) {
-  constexpr Mox::Seconds longest = 3600;
+int pollMilliseconds(Seconds seconds) {
+  constexpr Seconds longest = 3600;
   if (seconds == Mox::never) return -1;
   return static_cast<int>(std::ceil(std::clamp(seconds, 0.0, longest) * 1000));
 }
@@ -35,7 +35,7 @@ int pollMilliseconds(Mox::Seconds seconds) {
 }
 
 /// How many of `waiting` are ready: none when the time is up or a signal came between.
-int wait(std::vector<pollfd>& waiting, Mox::Seconds time) {
+int wait(std::vector<pollfd>& waiting, Seconds time) {
   int const ready = poll(waiting.data(), waiting.size(), pollMilliseconds(time));
   if (ready >= 0) return ready;
   if (errno != EINTR) refuse(errno, "poll");
@@ -122,7 +122,7 @@ void ActivityLoop::run() {
   stopped_ = false;
 }
 
-void ActivityLoop::runOnce(Mox::Seconds timeout) {
+void ActivityLoop::runOnce(Seconds timeout) {
   std::size_t const putOff = later_.size();
   std::uint64_t const before = additions_;
   std::vector<pollfd> waiting;
@@ -156,7 +156,7 @@ void ActivityLoop::carryOut(Work const& work) {
   if (clock_) clock_->dispatch();
 }
 
-Mox::Seconds ActivityLoop::waitTime(Mox::Seconds timeout) const {
+Seconds ActivityLoop::waitTime(Seconds timeout) const {
   if (!later_.empty()) return 0;
   if (!clock_) return timeout;
   return std::min(timeout, Mox::timeSource().waitTime(clock_->timeMin()));

@@ -11,6 +11,9 @@
 
 namespace Kest::Agent {
 
+/// A time, or a length of time, of the time source.
+using Seconds = double;
+
 /// The agent's activity: one thread that waits for file descriptors, signals and the clock, and
 /// runs what belongs to each, one at a time.
 ///
@@ -61,7 +64,7 @@ class ActivityLoop {
   /// Runs rounds until `stop()`; returns at once if that was called before.
   void run();
   /// One round; waits at most `timeout` seconds. A timeout alone is no error.
-  void runOnce(Mox::Seconds timeout);
+  void runOnce(Seconds timeout);
   /// Ends `run()` after the current round.
   void stop() noexcept { stopped_ = true; }
 
@@ -79,7 +82,7 @@ class ActivityLoop {
     bool wasBlocked;
   };
 
-  Mox::Seconds waitTime(Mox::Seconds timeout) const;
+  Seconds waitTime(Seconds timeout) const;
   /// @param lastAddition that the round knows; later ones wait for the next
   void runWatch(Watched watched, std::uint64_t lastAddition);
   void takeSignals();

@@ -55,7 +55,7 @@ Heartbeat::Heartbeat(Mox::Ptr<Mox::Clock> const& clock) {
 }
 
 void Heartbeat::onTime() {
-  constexpr Mox::Seconds period = 2;  // watchers look less often
+  constexpr Seconds period = 2;  // watchers look less often
   giveSignOfLife();
   timeMinIs(Mox::now() + period);
 }

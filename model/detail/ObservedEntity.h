@@ -4,23 +4,19 @@
 
 #include "model/detail/ObserverList.h"
 #include "platform/mox/Entity.h"
-#include "platform/mox/MoxType.h"
-#include "platform/mox/TypeNode.h"
 
 namespace Hardware::Kest::Slice::detail {
 
 /// An entity that tells observers of its own what changes.
 class ObservedEntity : public Mox::Entity {
  public:
+  /// Attribute number of the zero-references event.
+  static constexpr Mox::AttributeId zeroReferencesAttributeId = 5;
+  /// Number of an entity's first attribute of its own; the others follow.
+  static constexpr Mox::AttributeId firstOwnAttributeId = 258;
+
   /// The observers registered now. An observer joins and leaves by itself.
   ObserverList& observers() const noexcept { return observers_; }
-
-  /// Name of the registered attribute of that number; empty when the entity has none.
-  Mox::String8 attributeString(Mox::AttributeId id) const override {
-    Mox::TypeNode const* const node = fwkType()->typeNode();
-    Mox::Attribute const* const attribute = node == nullptr ? nullptr : node->attribute(id);
-    return attribute == nullptr ? Mox::String8() : attribute->name;
-  }
 
   /// Called by the framework when only observers still hold the entity.
   void zeroReferencesIs(bool zero) override {
@@ -57,8 +53,8 @@ class EntityNotifiee : public ListedNotifiee {
   /// Accepts any framework object; one that is no `Entity` counts as no notifier. A registered
   /// observer leaves the old notifier's observers and joins the new one's.
   void notifierIs(Mox::Ptr<Mox::PtrInterface const> const& notifier) override {
-    auto const next = Mox::ptrCast<Entity const>(notifier);
-    if (next.ptr() == entity()) return;
+    auto const* const next = dynamic_cast<Entity const*>(notifier.ptr());
+    if (next == entity()) return;
     bool const registered = this->registered_;
     EntityNotifiee::isRegisteredNotifieeIs(false);
     Mox::Entity::NotifieeConst::notifierIs(next);
@@ -71,7 +67,7 @@ class EntityNotifiee : public ListedNotifiee {
   Mox::Ptr<Entity const> notifier() const noexcept { return this->template lentNotifier<Entity>(); }
 
  private:
-  Entity const* entity() const noexcept { return static_cast<Entity const*>(rawNotifier()); }
+  Entity const* entity() const noexcept { return notifier().ptr(); }
 };
 
 }  // namespace Hardware::Kest::Slice::detail

@@ -8,6 +8,13 @@
 
 namespace Mox {
 
+namespace {
+
+/// Stands for the time, which is no registered attribute, where a clock reports exceptions.
+constexpr AttributeId timeAttributeId = 258;
+
+}  // namespace
+
 Clock::Clock(Name name) noexcept : Entity(std::move(name)) {}
 
 Clock::~Clock() = default;
@@ -21,8 +28,8 @@ MoxType const* Clock::fwkType() const {
   return _fwkType();
 }
 
-Seconds Clock::timeMin() const noexcept {
-  Seconds earliest = never;
+double Clock::timeMin() const noexcept {
+  double earliest = never;
   for (auto const* observer = first_; observer != nullptr; observer = observer->next_) {
     earliest = std::min(earliest, observer->dueAt());
   }
@@ -31,7 +38,7 @@ Seconds Clock::timeMin() const noexcept {
 
 void Clock::dispatch() {
   Ptr<Clock> const self(this);  // a woken observer may let go of the clock
-  Seconds const now = Mox::now();
+  double const now = Mox::now();
   std::vector<Ptr<NotifieeConst>> due;
   for (auto const* observer = first_; observer != nullptr; observer = observer->next_) {
     if (observer->dueAt() <= now) due.emplace_back(const_cast<NotifieeConst*>(observer));
@@ -71,7 +78,7 @@ void Clock::wake(NotifieeConst& observer) noexcept {
 
 void Clock::report(NotifieeConst& observer) noexcept {
   try {
-    observer.onNotificationException(firstOwnAttributeId);
+    observer.onNotificationException(timeAttributeId);
   } catch (...) {  // NOLINT(bugprone-empty-catch): nobody is left to tell
   }
 }

@@ -13,8 +13,6 @@ class MOX_API Clock : public Entity {
  public:
   class NotifieeConst;
 
-  static constexpr Seconds never = Mox::never;
-
   explicit Clock(Name name) noexcept;
   ~Clock() override;  // by then it has no observers: they hold it
 
@@ -22,7 +20,7 @@ class MOX_API Clock : public Entity {
   static MoxType const* _fwkType();
 
   /// The earliest wake-up that an observer waits for; `never` when there is none.
-  Seconds timeMin() const noexcept;
+  double timeMin() const noexcept;
 
   /// Wakes every observer whose time has come, by wake-up time, then in order of registration, each
   /// at most once. An observer's `timeMin` goes back to `never` just before its `onTime()`. One
@@ -58,18 +56,18 @@ class MOX_API Clock::NotifieeConst : public Mox::Entity::NotifieeConst {
   Ptr<Clock const> notifier() const noexcept { return lentNotifier<Clock>(); }
   bool isRegisteredNotifiee() const noexcept { return registered_; }
   /// When to be woken: 0 at first, that is at the next dispatch; `never` for not at all.
-  Seconds timeMin() const noexcept { return timeMin_; }
-  void timeMinIs(Seconds at) noexcept { timeMin_ = at; }
+  double timeMin() const noexcept { return timeMin_; }
+  void timeMinIs(double at) noexcept { timeMin_ = at; }
 
  private:
   friend class Clock;
   Clock const* clock() const noexcept { return static_cast<Clock const*>(rawNotifier()); }
-  Seconds dueAt() const noexcept {
+  double dueAt() const noexcept {
     if (moxMarkedForDeletion()) return never;
     return timeMin_;
   }
 
-  Seconds timeMin_ = 0;
+  double timeMin_ = 0;
   bool mutable registered_ = false;
   mutable NotifieeConst const* next_ = nullptr;  // on the clock's list
 };

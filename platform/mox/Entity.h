@@ -18,11 +18,6 @@ class MOX_API Entity : public PtrInterface {
  public:
   class NotifieeConst;
 
-  /// Attribute number of the zero-references event.
-  static constexpr AttributeId zeroReferencesAttributeId = 5;
-  /// Attributes of derived entities are numbered from here.
-  static constexpr AttributeId firstOwnAttributeId = 258;
-
   explicit Entity(Name name) noexcept;
   ~Entity() override;
 

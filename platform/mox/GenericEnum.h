@@ -38,12 +38,12 @@ class GenericEnum : public GenericValue<Enum> {
   }
 };
 
-/// Type object of an enumeration.
-template <class Enum>
-class EnumType : public ValueType<Enum, GenericEnum<Enum>> {
+/// Type object of an enumeration. `Adapter` is `GenericEnum<Enum>` or derived from it.
+template <class Enum, class Adapter = GenericEnum<Enum>>
+class EnumType : public ValueType<Enum, Adapter> {
  public:
   EnumType(String8 fullName, std::vector<String8> enumerators) noexcept
-      : ValueType<Enum, GenericEnum<Enum>>(std::move(fullName), MoxType::Kind::enumeration),
+      : ValueType<Enum, Adapter>(std::move(fullName), MoxType::Kind::enumeration),
         enumerators_(std::move(enumerators)) {}
 
   std::vector<String8> enumerators() const override { return enumerators_; }

@@ -24,10 +24,6 @@ enum class AttributeOpCode : std::uint32_t {
   invoke = 131,    ///< calls a handler; argument: a list of its arguments, or none
 };
 
-constexpr bool isModifying(AttributeOpCode code) {
-  return code >= AttributeOpCode::store;
-}
-
 /// The whole value or object, as an attribute of itself.
 inline constexpr AttributeId wholeAttributeId = 0;
 

@@ -75,8 +75,7 @@ void GenericValue<T>::attributeOp(AttributeOp const& op, GenericIf const* arg,
 template <class T, class Adapter = GenericValue<T>>
 class ValueType : public MoxType {
  public:
-  explicit ValueType(String8 fullName, Kind kind = Kind::value) noexcept
-      : MoxType(std::move(fullName), kind) {}
+  explicit ValueType(String8 fullName) noexcept : ValueType(std::move(fullName), Kind::value) {}
 
   std::unique_ptr<GenericIf> genericIf(void const* value, bool isConst) const override {
     return std::make_unique<Adapter>(*static_cast<T const*>(value), isConst);
@@ -92,6 +91,9 @@ class ValueType : public MoxType {
   std::unique_ptr<GenericIf> genericIfNew(GenericIf const& arguments) const override {
     return Adapter(T(), true).genericIfListConstructor(arguments);
   }
+
+ protected:
+  ValueType(String8 fullName, Kind kind) noexcept : MoxType(std::move(fullName), kind) {}
 };
 
 // The platform's basic types.

@@ -28,8 +28,9 @@ class MOX_API MoxType {
     untyped,      // a pointer to anything
   };
 
-  explicit MoxType(String8 fullName, Kind kind = Kind::object) noexcept
-      : fullName_(std::move(fullName)), kind_(kind) {}
+  /// Of counted objects.
+  explicit MoxType(String8 fullName) noexcept : MoxType(std::move(fullName), Kind::object) {}
+  MoxType(String8 fullName, Kind kind) noexcept : fullName_(std::move(fullName)), kind_(kind) {}
   MoxType(MoxType const&) = delete;
   MoxType& operator=(MoxType const&) = delete;
   virtual ~MoxType();
@@ -41,8 +42,7 @@ class MOX_API MoxType {
   /// Of an enumeration: the names of its enumerators, whose values count from 0.
   virtual std::vector<String8> enumerators() const;
 
-  /// The type's place in the type tree, with what is registered of it; null while it is not
-  /// registered.
+  /// What is registered of the type; null while it is not registered.
   TypeNode const* typeNode() const noexcept { return typeNode_; }
   void typeNodeIs(TypeNode const* node) const noexcept { typeNode_ = node; }
 

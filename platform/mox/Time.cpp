@@ -14,12 +14,11 @@ TimeSource const* current = &realTime;
 
 TimeSource::~TimeSource() = default;
 
-Seconds RealTimeSource::now() const {
-  return std::chrono::duration<Seconds>(std::chrono::steady_clock::now().time_since_epoch())
-      .count();
+double RealTimeSource::now() const {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-Seconds RealTimeSource::waitTime(Seconds time) const {
+double RealTimeSource::waitTime(double time) const {
   return std::max(time - now(), 0.0);
 }
 
@@ -31,7 +30,7 @@ void timeSourceIs(TimeSource const* source) {
   current = source != nullptr ? source : &realTime;
 }
 
-Seconds now() {
+double now() {
   return current->now();
 }
 

@@ -147,10 +147,13 @@ class EntityAdapter : public Mox::GenericIfEntity {
   template <class Collection, class... Key>
   std::unique_ptr<Mox::AttributeIterator> start(Collection const& collection,
                                                 Key const&... key) const {
-    return std::make_unique<CollectionIterator<Collection>>(object(),
+    return std::make_unique<CollectionIterator<Collection>>(&entity(),
                                                             collection.iteratorConst(key...));
   }
 };
+
+/// The constructor arguments of an entity.
+inline constexpr char const* entityArguments[] = {"name"};
 
 /// Type object of an entity type whose adapter is `Entity::GenericIf_`.
 template <class Entity>
@@ -169,7 +172,7 @@ class EntityTypeObject : public Mox::EntityType {
   }
   /// From the constructor's one argument, the name.
   std::unique_ptr<Mox::GenericIf> genericIfNew(Mox::GenericIf const& list) const override {
-    Arguments const arguments(list, *this);
+    Arguments const arguments(&list, Entity::typeName, entityArguments);
     return genericIf_(newEntity(arguments.value<Mox::Name>(0), nullptr).ptr(), false);
   }
 };

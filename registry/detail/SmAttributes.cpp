@@ -1,5 +1,7 @@
 #include "registry/detail/SmAttributes.h"
 
+#include <functional>
+#include <type_traits>
 #include <utility>
 
 #include "model/detail/SliceCollections.h"
@@ -15,17 +17,14 @@ using Mox::GenericIf;
 using Mox::genericOf;
 using Sm = KestSliceDmaSm;
 
-constexpr char const* stateTimerName = "stateTimer";
-constexpr char const* modeName = "mode";
-
 // What a handler works on; without it the handler would fail on a null reference.
 
 void needConfig(Sm const& sm) {
-  if (!sm.config()) GenericIf::throwNotBoundException(configArgument);
+  if (!sm.config()) GenericIf::throwNotBoundException("config");
 }
 
 void needTimer(Sm const& sm) {
-  if (!sm.stateTimer()) GenericIf::throwNotBoundException(stateTimerName);
+  if (!sm.stateTimer()) GenericIf::throwNotBoundException("stateTimer");
 }
 
 void needTimerToPoll(Sm const& sm) {
@@ -34,50 +33,38 @@ void needTimerToPoll(Sm const& sm) {
 
 void needNothing(Sm const&) {}
 
-template <class T>
-Mox::Attribute attribute(char const* name, Mox::AttributeId id, Mox::AttributeFlags flags = 0) {
-  return {name, id, Mox::TypeOf<T>::type(), Mox::IntrospectionClass::scalar,
-          Mox::attributeVisible | flags};
-}
-
-Mox::Attribute handlerAttribute(char const* name, Mox::AttributeId id,
-                                std::vector<Mox::Argument> arguments) {
-  Mox::Attribute handler{name, id, Mox::untypedPointer(), Mox::IntrospectionClass::handler};
-  handler.arguments = std::move(arguments);
-  return handler;
-}
-
 /// A handler without arguments.
 template <void (Sm::*handler)(), void (*need)(Sm const&) = needNothing>
 SmAttribute call(Handler const& point, Mox::AttributeId id) {
-  return {.attribute = handlerAttribute(point.name, id, {}),
-          .invoke = [](Mox::Attribute const& self, Sm& sm, GenericIf const* list) {
-            Arguments(list, self);
+  return {.name = point.name,
+          .id = id,
+          .type = Mox::untypedPointer(),
+          .invoke = [](SmAttribute const& self, Sm& sm, GenericIf const* list) {
+            Arguments(list, self.name, {});
             need(sm);
             (sm.*handler)();
           }};
 }
 
-/// A handler that takes the key of what changed.
-template <void (Sm::*handler)(Mox::String)>
-SmAttribute callWithKey(Handler const& point, Mox::AttributeId id, char const* argument) {
-  return {.attribute = handlerAttribute(point.name, id,
-                                        {{argument, Mox::TypeOf<Mox::String>::type()->fullName()}}),
-          .invoke = [](Mox::Attribute const& self, Sm& sm, GenericIf const* list) {
-            Mox::String const key = Arguments(list, self).value<Mox::String>(0);
-            needConfig(sm);
-            (sm.*handler)(key);
+/// A handler with one argument. What takes the key of a change works on the configuration.
+template <class Argument, void (Sm::*handler)(Argument)>
+SmAttribute callWith(char const* name, Mox::AttributeId id, char const* argument) {
+  return {.name = name,
+          .id = id,
+          .type = Mox::untypedPointer(),
+          .argument = argument,
+          .argumentType = Mox::TypeOf<Argument>::type(),
+          .invoke = [](SmAttribute const& self, Sm& sm, GenericIf const* list) {
+            Arguments const arguments(list, self.name, {&self.argument, 1});
+            Argument const value = arguments.value<Argument>(0);
+            if constexpr (std::is_same_v<Argument, Mox::String>) needConfig(sm);
+            (sm.*handler)(value);
           }};
 }
 
-/// An operation of the framework on every object that reacts.
-template <void (Sm::*operation)(bool)>
-SmAttribute callWithFlag(char const* name, Mox::AttributeId id, char const* argument) {
-  return {
-      .attribute = handlerAttribute(name, id, {{argument, Mox::TypeOf<bool>::type()->fullName()}}),
-      .invoke = [](Mox::Attribute const& self, Sm& sm, GenericIf const* list) {
-        (sm.*operation)(Arguments(list, self).value<bool>(0));
-      }};
+template <void (Sm::*handler)(Mox::String)>
+SmAttribute callWithKey(Handler const& point, Mox::AttributeId id, char const* argument) {
+  return callWith<Mox::String, handler>(point.name, id, argument);
 }
 
 /// The adapter of what is bound. It is made before `unbind` lets go, since afterwards there may be
@@ -89,52 +76,56 @@ std::unique_ptr<GenericIf> unbound(Mox::Ptr<T> const& bound, Unbind const& unbin
   return adapter;
 }
 
-SmAttribute activity() {
-  return {.attribute = attribute<Mox::ActivityConfig>("moxFwkActivity", 0),
-          .read = [](Sm const& sm) { return genericOf(sm.moxFwkActivity()); }};
+/// What `get` returns can be read.
+template <auto get>
+SmAttribute readable(char const* name, Mox::AttributeId id, Mox::AttributeFlags flags = 0) {
+  using Value = std::decay_t<std::invoke_result_t<decltype(get), Sm const&>>;
+  return {.name = name,
+          .id = id,
+          .type = typeOf<Value>(),
+          .flags = Mox::attributeVisible | flags,
+          .read = [](Sm const& sm) { return genericOf(std::invoke(get, sm)); }};
 }
 
 SmAttribute config() {
-  return {.attribute = attribute<KestSliceDmaConfig>(configArgument, 130),
-          .read = [](Sm const& sm) { return genericOf(sm.config()); },
-          .remove = [](Sm& sm) { return unbound(sm.config(), [&] { sm.configDel(); }); }};
+  SmAttribute config = readable<&Sm::config>("config", 130);
+  config.remove = [](Sm& sm) { return unbound(sm.config(), [&] { sm.configDel(); }); };
+  return config;
 }
 
 /// Read-only as an attribute, and so what it refers to is read-only here.
-SmAttribute status() {
-  return {.attribute = attribute<KestSliceDmaStatus>(statusArgument, 131),
-          .read = [](Sm const& sm) {
-            return genericOf(Mox::Ptr<KestSliceDmaStatus const>(sm.status()));
-          }};
-}
-
-SmAttribute pollPeriod() {
-  return {.attribute = attribute<double>("pollPeriod", 141),
-          .read = [](Sm const& sm) { return genericOf(sm.pollPeriod()); }};
+Mox::Ptr<KestSliceDmaStatus const> status(Sm const& sm) {
+  return sm.status();
 }
 
 SmAttribute stateTimer() {
-  return {.attribute = attribute<Mox::Clock>(stateTimerName, 143, Mox::attributeWritable),
-          .read = [](Sm const& sm) { return genericOf(sm.stateTimer()); },
-          .store =
-              [](Sm& sm, GenericIf const* value) {
-                sm.stateTimerIs(held<Mox::Ptr<Mox::Clock const>>(value, stateTimerName));
-              },
-          .remove = [](Sm& sm) { return unbound(sm.stateTimer(), [&] { sm.stateTimerDel(); }); }};
+  SmAttribute timer = readable<&Sm::stateTimer>("stateTimer", 143, Mox::attributeWritable);
+  timer.store = [](Sm& sm, GenericIf const* value) {
+    sm.stateTimerIs(held<Mox::Ptr<Mox::Clock const>>(value, "stateTimer"));
+  };
+  timer.remove = [](Sm& sm) { return unbound(sm.stateTimer(), [&] { sm.stateTimerDel(); }); };
+  return timer;
 }
 
 SmAttribute mode() {
-  return {.attribute = attribute<SmMode>(modeName, 145, Mox::attributeWritable),
-          .read = [](Sm const& sm) { return genericOf(sm.mode()); },
-          .store =
-              [](Sm& sm, GenericIf const* value) {
-                SmMode const mode = held<SmMode>(value, modeName);
-                if (mode != sm.mode() && Sm::armsPoll(mode)) needTimer(sm);
-                sm.modeIs(mode);
-              }};
+  SmAttribute mode = readable<&Sm::mode>("mode", 145, Mox::attributeWritable);
+  mode.store = [](Sm& sm, GenericIf const* value) {
+    SmMode const wanted = held<SmMode>(value, "mode");
+    if (wanted != sm.mode() && Sm::armsPoll(wanted)) needTimer(sm);
+    sm.modeIs(wanted);
+  };
+  return mode;
 }
 
 }  // namespace
+
+Mox::Attribute SmAttribute::registered() const {
+  using Class = Mox::IntrospectionClass;
+  std::vector<Mox::Argument> arguments;
+  if (argument != nullptr) arguments.push_back({argument, argumentType->fullName()});
+  Class const kind = invoke == nullptr ? Class::scalar : Class::handler;
+  return {name, id, type, kind, flags, {}, nullptr, std::move(arguments)};
+}
 
 std::vector<SmAttribute> const& smAttributes() {
   constexpr char const* ifName = SwitchPortCollection::keyName;
@@ -142,23 +133,23 @@ std::vector<SmAttribute> const& smAttributes() {
   // 128 and 129, below the machine's own, are operations of the framework; the numbers that are
   // left out belong to the arguments of the handlers before them.
   static std::vector<SmAttribute> const all{
-      activity(),
+      readable<&Sm::moxFwkActivity>("moxFwkActivity", 0),
       config(),
-      status(),
+      readable<status>("status", 131),
       callWithKey<&Sm::handleSwitchPort>(handler::handleSwitchPort, 132, ifName),
       callWithKey<&Sm::handleNativeVlan>(handler::handleNativeVlan, 134, "ifname"),
       callWithKey<&Sm::handleDevice>(handler::handleDevice, 137, devName),
       callWithKey<&Sm::handleDeviceState>(handler::handleDeviceState, 139, devName),
-      pollPeriod(),
+      readable<&Sm::pollPeriod>("pollPeriod", 141),
       call<&Sm::handleTimerExpired, needTimer>(handler::handleTimerExpired, 142),
       stateTimer(),
       call<&Sm::handleMode, needTimerToPoll>(handler::handleMode, 144),
       mode(),
       call<&Sm::doVerify, needConfig>(handler::doVerify, 146),
       call<&Sm::handleInitialized>(handler::handleInitialized, 147),
-      callWithFlag<&Sm::hasNotificationActiveIs>("hasNotificationActiveIs", 128,
-                                                 "hasNotificationActiveIs"),
-      callWithFlag<&Sm::moxDoZombieReactors>("moxDoZombieReactors", 129, "on"),
+      callWith<bool, &Sm::hasNotificationActiveIs>("hasNotificationActiveIs", 128,
+                                                   "hasNotificationActiveIs"),
+      callWith<bool, &Sm::moxDoZombieReactors>("moxDoZombieReactors", 129, "on"),
   };
   return all;
 }

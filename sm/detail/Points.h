@@ -2,12 +2,13 @@
 
 #include <sstream>
 
+#include "platform/mox/Log.h"
 #include "platform/mox/Trace.h"
 
-/// Trace points and assertions of the state machine.
+/// What the state machine reports: trace points, assertions and a log message.
 ///
-/// Each is known to its readers by source name, line number and handler. The numbers are stable
-/// identifiers: they never follow the source text.
+/// A trace point or an assertion is known to its readers by source name, line number and handler.
+/// The numbers are stable identifiers: they never follow the source text.
 namespace Hardware::Kest::Slice::detail {
 
 /// The source name that traces and assertions carry.
@@ -89,5 +90,9 @@ inline void traceSignature(unsigned level, Handler const& handler, unsigned line
 /// Fails the standard assertion `expression`: reports it on standard error and aborts.
 [[noreturn]] void assertionFailed(char const* expression, Handler const& handler,
                                   unsigned lineNumber);
+
+/// The log message of a device that went up or down unexpectedly. Arguments: device, expected and
+/// actual state. Defined at the first call, which the library makes when it is loaded.
+Mox::LogHandle const& deviceStateError();
 
 }  // namespace Hardware::Kest::Slice::detail

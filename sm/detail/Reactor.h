@@ -21,9 +21,9 @@ class Reactor : public Notifiee {
   KestSliceDmaSm* kestSliceDmaSm() const noexcept { return kestSliceDmaSm_; }
   void kestSliceDmaSmIs(KestSliceDmaSm* sm) noexcept { kestSliceDmaSm_ = sm; }
 
-  /// Whether that is the notifier; null asks whether there is none. Takes no reference.
+  /// Whether that is the notifier; null asks whether there is none.
   bool observes(Mox::PtrInterface const* object) const noexcept {
-    return this->rawNotifier() == object;
+    return this->notifier().ptr() == object;
   }
 
   /// Deactivating leaves the notifier's observers; activating joins them again if the reactor was

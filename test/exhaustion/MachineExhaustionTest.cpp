@@ -107,7 +107,7 @@ TEST(MachineExhaustion, ItIsSilencedBoundAnewAndBroughtBackWithoutMemory) {
                     [](Scene& scene, End end) {
                       EXPECT_EQ(end, End::done);
                       EXPECT_EQ(scene.nextConfig->observers().count(), 1U);
-                      EXPECT_NE(scene.nextClock->timeMin(), Mox::Clock::never);
+                      EXPECT_NE(scene.nextClock->timeMin(), Mox::never);
                     });
 }
 
@@ -135,7 +135,7 @@ auto makeTracedScene() {
 
 TEST(MachineExhaustion, ThePollIsArmedThoughItCannotBeTraced) {
   auto const isArmed = [](std::unique_ptr<TracedScene>& scene, End) {
-    EXPECT_NE(scene->clock->timeMin(), Mox::Clock::never);
+    EXPECT_NE(scene->clock->timeMin(), Mox::never);
   };
   atEveryAllocation(
       makeTracedScene,

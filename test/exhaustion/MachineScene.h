@@ -54,7 +54,7 @@ struct MachineScene {
     Mox::Ptr<Mox::Clock const> const bound = sm->stateTimer();
     if (!bound) return "";
     return std::string(" timer on ").append(bound->fullName().view()) +
-           (bound->timeMin() == Mox::Clock::never ? "" : ", set");
+           (bound->timeMin() == Mox::never ? "" : ", set");
   }
 
   Mox::String8 key{"Ethernet et3/1, a name that takes memory"};

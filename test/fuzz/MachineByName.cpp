@@ -186,7 +186,7 @@ void MachineByName::requireWhole() const {
 
 bool mayEnd(std::vector<Generic> const& all, GenericIf const& on, Mox::AttributeOp const& op,
             GenericIf const* arg) {
-  if (on.isConst() || !isModifying(op.code)) return false;
+  if (on.isConst() || op.code < Mox::AttributeOpCode::store) return false;
   if (on.type() == KestSliceDmaConfig::_fwkType()) return changeMayEnd(World(all), op, arg);
   if (on.type() == KestSliceDmaSm::_fwkType()) return machineMayEnd(World(all), on, op, arg);
   return false;

@@ -47,7 +47,7 @@ class ClockTest : public ::testing::Test {
   ClockTest() { timeSourceIs(&time); }
   ~ClockTest() override { timeSourceIs(nullptr); }
 
-  Ptr<Sleeper> sleeper(char const* name, Seconds at) {
+  Ptr<Sleeper> sleeper(char const* name, double at) {
     Ptr<Sleeper> made(new Sleeper(events, name));
     made->notifierIs(clock);
     made->isRegisteredNotifieeIs(true);
@@ -55,7 +55,7 @@ class ClockTest : public ::testing::Test {
     return made;
   }
 
-  void dispatchAt(Seconds now) {
+  void dispatchAt(double now) {
     time.nowIs(now);
     clock->dispatch();
   }
@@ -84,10 +84,10 @@ TEST_F(ClockTest, ANewObserverAsksForTheNextDispatch) {
 
 TEST_F(ClockTest, AWakeUpIsUsedUpBeforeTheHandlerRuns) {
   Ptr<Sleeper> const a = sleeper("a", 1.0);
-  Seconds atHandler = 0;
+  double atHandler = 0;
   a->whenWoken = [&](Sleeper& self) { atHandler = self.timeMin(); };
   dispatchAt(5.0);
-  EXPECT_EQ(atHandler, Clock::never);
+  EXPECT_EQ(atHandler, never);
   dispatchAt(6.0);
   EXPECT_THAT(events, ElementsAre("a"));
 }
@@ -103,14 +103,14 @@ TEST_F(ClockTest, AHandlerThatAsksAgainIsWokenAtTheNextDispatchAtTheEarliest) {
 }
 
 TEST_F(ClockTest, KnowsTheEarliestWakeUp) {
-  EXPECT_EQ(clock->timeMin(), Clock::never);
+  EXPECT_EQ(clock->timeMin(), never);
   Ptr<Sleeper> const a = sleeper("a", 3.0);
   Ptr<Sleeper> b = sleeper("b", 2.0);
   EXPECT_EQ(clock->timeMin(), 2.0);
   b = nullptr;
   EXPECT_EQ(clock->timeMin(), 3.0);
-  a->timeMinIs(Clock::never);
-  EXPECT_EQ(clock->timeMin(), Clock::never);
+  a->timeMinIs(never);
+  EXPECT_EQ(clock->timeMin(), never);
   dispatchAt(1e300);
   EXPECT_THAT(events, ElementsAre("b gone"));
 }
@@ -130,7 +130,7 @@ TEST_F(ClockTest, AnObserverThatIsNotRegisteredIsNotWoken) {
   Ptr<Sleeper> const a = sleeper("a", 1.0);
   a->isRegisteredNotifieeIs(false);
   EXPECT_FALSE(a->isRegisteredNotifiee());
-  EXPECT_EQ(clock->timeMin(), Clock::never);
+  EXPECT_EQ(clock->timeMin(), never);
   dispatchAt(1.0);
   EXPECT_THAT(events, IsEmpty());
 }
@@ -176,7 +176,7 @@ TEST_F(ClockTest, AnObserverThatReleasesItselfLivesThroughItsHandler) {
   };
   dispatchAt(1.0);
   EXPECT_THAT(events, ElementsAre("a", "handled", "a gone"));
-  EXPECT_EQ(clock->timeMin(), Clock::never);
+  EXPECT_EQ(clock->timeMin(), never);
 }
 
 TEST_F(ClockTest, LivesThroughADispatchThatLetsGoOfIt) {
@@ -220,11 +220,11 @@ TEST_F(ClockTest, ARegisteredObserverMovesBetweenClocks) {
   a->notifierIs(other);
   EXPECT_EQ(a->notifier(), other);
   EXPECT_TRUE(a->isRegisteredNotifiee());
-  EXPECT_EQ(clock->timeMin(), Clock::never);
+  EXPECT_EQ(clock->timeMin(), never);
   EXPECT_EQ(other->timeMin(), 1.0);
   EXPECT_EQ(clock->notifierReferences(), 0U);
   a->notifierIs(nullptr);
-  EXPECT_EQ(other->timeMin(), Clock::never);
+  EXPECT_EQ(other->timeMin(), never);
   a->notifierIs(clock);
   EXPECT_EQ(clock->timeMin(), 1.0);
 }
@@ -234,7 +234,7 @@ TEST_F(ClockTest, WhatIsNoClockCountsAsNone) {
   a->notifierIs(Ptr<PtrInterface const>(new Dir("dir")));
   EXPECT_EQ(a->notifier(), nullptr);
   EXPECT_EQ(a->name(), "");
-  EXPECT_EQ(clock->timeMin(), Clock::never);
+  EXPECT_EQ(clock->timeMin(), never);
 }
 
 TEST_F(ClockTest, AnObserverIsNamedAfterItsClock) {

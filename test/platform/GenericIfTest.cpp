@@ -56,15 +56,6 @@ TEST(GenericIfRefusals, CarryTheirTextTwice) {
   }
 }
 
-TEST(OperationCodes, ModifyFrom128On) {
-  EXPECT_FALSE(Mox::isModifying(Code::read));
-  EXPECT_FALSE(Mox::isModifying(Code::equality));
-  EXPECT_FALSE(Mox::isModifying(static_cast<Code>(127)));
-  EXPECT_TRUE(Mox::isModifying(static_cast<Code>(128)));
-  EXPECT_TRUE(Mox::isModifying(Code::invoke));
-  EXPECT_TRUE(Mox::isModifying(static_cast<Code>(0xffffffff)));
-}
-
 bool equal(GenericIf& a, GenericIf const* b) {
   return *genericVal<bool>(operate(a, {wholeAttributeId, Code::equality}, b).get());
 }

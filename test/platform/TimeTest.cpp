@@ -19,12 +19,12 @@ TEST(TimeTest, IsRealUnlessAnotherSourceIsInPlace) {
 
 TEST(TimeTest, RealTimeMovesOnAndWaitingBringsItNearer) {
   RealTimeSource const real;
-  Seconds const first = real.now();
+  double const first = real.now();
   while (real.now() == first) continue;
   EXPECT_GT(real.now(), first);
   EXPECT_EQ(real.waitTime(first), 0.0);
   EXPECT_EQ(real.waitTime(never), never);
-  Seconds const wait = real.waitTime(first + 100);
+  double const wait = real.waitTime(first + 100);
   EXPECT_GT(wait, 0.0);
   EXPECT_LT(wait, 100.0);
 }

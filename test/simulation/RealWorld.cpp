@@ -207,7 +207,7 @@ std::string RealWorld::differenceFrom(PlainState const& plain) {
     if (!same) found += text("timer ", i, " waits for another time\n");
   }
   for (unsigned i = 0; i < clockCount; ++i) {
-    Mox::Seconds earliest = Mox::never;
+    double earliest = Mox::never;
     for (unsigned const timer : plain.listedTimers[i]) {
       PlainTimer const& waiting = plain.timers[timer];
       if (!waiting.zombie) earliest = std::min(earliest, waiting.timeMin);

@@ -21,7 +21,7 @@ TEST_F(BindingTest, FactoryMakesAnActiveMachineThatObservesConfigAndClock) {
   EXPECT_EQ(sm->stateTimer(), clock);
   EXPECT_EQ(sm->mode(), SmMode::smModeInitial_);
   EXPECT_EQ(sm->moxFwkActivity(), nullptr);
-  EXPECT_EQ(timeMin(), Mox::Clock::never);
+  EXPECT_EQ(timeMin(), Mox::never);
   EXPECT_TRUE(sm->hasNotificationActive());
   EXPECT_TRUE(sm->configReactor()->hasNotificationActive());
   EXPECT_TRUE(sm->configReactor()->isRegisteredNotifiee());
@@ -41,7 +41,7 @@ TEST_F(BindingTest, MachineWithoutConfigIsBoundLater) {
   sm = kestSliceDmaSmFactory(nullptr, status);
   EXPECT_EQ(sm->configReactor(), nullptr);
   EXPECT_EQ(sm->config(), nullptr);
-  EXPECT_EQ(timeMin(), Mox::Clock::never);
+  EXPECT_EQ(timeMin(), Mox::never);
   EXPECT_EQ(sm->mode(), SmMode::smModeInitial_);
 
   sm->configIs(config);
@@ -150,7 +150,7 @@ TEST_F(BindingTest, SameClockAgainDoesNothing) {
 
   sm->stateTimerIs(clock);
   EXPECT_EQ(sm->stateTimerReactor(), reactor);
-  EXPECT_EQ(timeMin(), Mox::Clock::never);
+  EXPECT_EQ(timeMin(), Mox::never);
   EXPECT_THAT(journal.taken(), IsEmpty());
 }
 
@@ -165,7 +165,7 @@ TEST_F(BindingTest, AnotherClockMovesTheSameTimerAndPollsAtOnce) {
   EXPECT_EQ(sm->stateTimer(), other);
   EXPECT_THAT(journal.taken(), ElementsAre(poll));
   EXPECT_EQ(timeMin(), 2.5);
-  EXPECT_EQ(clock->timeMin(), Mox::Clock::never);
+  EXPECT_EQ(clock->timeMin(), Mox::never);
 
   time.advance(2000000);
   clock->dispatch();
@@ -179,7 +179,7 @@ TEST_F(BindingTest, TimerThatIsLeftWithoutAClockPollsNoMore) {
   sm->stateTimerReactor()->notifierIs(nullptr);
   EXPECT_EQ(sm->stateTimer(), nullptr);
   EXPECT_FALSE(sm->stateTimerReactor()->isRegisteredNotifiee());
-  EXPECT_EQ(clock->timeMin(), Mox::Clock::never);
+  EXPECT_EQ(clock->timeMin(), Mox::never);
   EXPECT_THAT(journal.taken(), IsEmpty());
 }
 
@@ -207,7 +207,7 @@ TEST_F(BindingTest, TimerIsDroppedAndMadeAnewWithoutAPoll) {
   EXPECT_EQ(sm->stateTimerReactor(), nullptr);
   EXPECT_EQ(sm->stateTimer(), nullptr);
   EXPECT_TRUE(reactor->moxMarkedForDeletion());
-  EXPECT_EQ(clock->timeMin(), Mox::Clock::never);
+  EXPECT_EQ(clock->timeMin(), Mox::never);
   sm->stateTimerIs(nullptr);
   EXPECT_EQ(sm->stateTimerReactor(), nullptr);
 
@@ -239,7 +239,7 @@ TEST_F(BindingTest, InitializationBindsTheAgentsClockAndDisarmsTheTimer) {
   sm->handleInitialized();
   EXPECT_EQ(sm->stateTimer(), other);
   EXPECT_THAT(journal.taken(), ElementsAre(poll));
-  EXPECT_EQ(timeMin(), Mox::Clock::never);
+  EXPECT_EQ(timeMin(), Mox::never);
 }
 
 }  // namespace

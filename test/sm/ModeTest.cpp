@@ -48,17 +48,17 @@ TEST_F(ModeTest, OtherModesArmNothing) {
   for (int mode : {1, 3, -2, 0}) {
     sm->modeIs(static_cast<SmMode>(mode));
     EXPECT_EQ(sm->mode(), static_cast<SmMode>(mode));
-    EXPECT_EQ(timeMin(), Mox::Clock::never) << mode;
+    EXPECT_EQ(timeMin(), Mox::never) << mode;
   }
 }
 
 TEST_F(ModeTest, CurrentModeIsNotHandledAgain) {
   sm->modeIs(SmMode::smModePolling_);
-  sm->stateTimerReactor()->timeMinIs(Mox::Clock::never);
+  sm->stateTimerReactor()->timeMinIs(Mox::never);
   traceOn("*");
 
   sm->modeIs(SmMode::smModePolling_);
-  EXPECT_EQ(timeMin(), Mox::Clock::never);
+  EXPECT_EQ(timeMin(), Mox::never);
   EXPECT_THAT(journal.taken(), IsEmpty());
 
   sm->handleMode();
@@ -70,7 +70,7 @@ TEST_F(ModeTest, SimulationNeverArms) {
     setenv("SIMULATION_VMID", value, 1);
     sm->modeIs(SmMode::smModePolling_);
     EXPECT_EQ(sm->mode(), SmMode::smModePolling_);
-    EXPECT_EQ(timeMin(), Mox::Clock::never) << value;
+    EXPECT_EQ(timeMin(), Mox::never) << value;
     sm->modeIs(SmMode::smModeInitial_);
   }
   unsetenv("SIMULATION_VMID");

@@ -115,7 +115,7 @@ TEST_F(ReactorTest, WakeUpOfAZombieTimerWaitsUntilItIsBroughtBack) {
   sm->stateTimerIs(other);
   timer()->timeMinIs(Mox::now() + 2.0);
   time.advance(3000000);
-  EXPECT_EQ(other->timeMin(), Mox::Clock::never);
+  EXPECT_EQ(other->timeMin(), Mox::never);
   other->dispatch();
   EXPECT_EQ(timer()->timeMin(), Mox::now() - 1.0);
 

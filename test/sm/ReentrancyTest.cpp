@@ -159,7 +159,7 @@ TEST_F(ReentrancyTest, PollWhoseTimerIsDroppedGoesOnUnarmed) {
   pass(2000000);
   EXPECT_EQ(journal.taken(), polled);
   EXPECT_EQ(sm->stateTimer(), nullptr);
-  EXPECT_EQ(timer->timeMin(), Mox::Clock::never);
+  EXPECT_EQ(timer->timeMin(), Mox::never);
 }
 
 TEST_F(ReentrancyTest, PollWhoseTimerIsMadeAnewArmsTheNewOne) {
@@ -177,7 +177,7 @@ TEST_F(ReentrancyTest, TimerThatIsMovedByItsPollPollsAtOnceAndGoesOnThere) {
   driver.reaction = [&] { sm->stateTimerIs(otherClock); };
   pass(2000000);
   EXPECT_THAT(journal.taken(), ElementsAre(polled[0], polled[0], polled[1], polled[1]));
-  EXPECT_EQ(clock->timeMin(), Mox::Clock::never);
+  EXPECT_EQ(clock->timeMin(), Mox::never);
   EXPECT_EQ(otherClock->timeMin(), 4.0);
 }
 
@@ -185,7 +185,7 @@ TEST_F(ReentrancyTest, TimerThatIsMovedByThePollOfItsMoveStaysWhereItWasMovedLas
   driver.reaction = [&] { sm->stateTimerIs(thirdClock); };
   sm->stateTimerIs(otherClock);
   EXPECT_EQ(sm->stateTimer(), thirdClock);
-  EXPECT_EQ(otherClock->timeMin(), Mox::Clock::never);
+  EXPECT_EQ(otherClock->timeMin(), Mox::never);
   EXPECT_EQ(thirdClock->timeMin(), 2.0);
 }
 

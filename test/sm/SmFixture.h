@@ -48,7 +48,7 @@ class SmTest : public testing::Test {
   void traceOn(std::string const& levels);
   /// Lets time pass and wakes whom the clock has to wake.
   void pass(std::int64_t microseconds);
-  Mox::Seconds timeMin() const { return sm->stateTimerReactor()->timeMin(); }
+  double timeMin() const { return sm->stateTimerReactor()->timeMin(); }
   /// A port whose interface is created; nothing of it is left in the journal.
   void createPort(char const* ifName);
   /// A registered device that was brought to `state`; nothing of it is left in the journal.

@@ -55,7 +55,7 @@ class TurnsTest : public testing::Test {
   Mox::ManualTimeSource time;
   ActivityLoop loop{nullptr};
   Turns turns{loop};
-  Mox::Seconds turnTime = Turns::budget / 3.9;  // so that four fill a round
+  double turnTime = Turns::budget / 3.9;  // so that four fill a round
   std::string taken;
   std::deque<Writer> writers;
 };

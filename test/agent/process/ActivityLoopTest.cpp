@@ -41,7 +41,6 @@ namespace {
 using Mox::Clock;
 using Mox::never;
 using Mox::Ptr;
-using Mox::Seconds;
 using Mox::timeSourceIs;
 using Test::Events;
 using Test::Pipe;

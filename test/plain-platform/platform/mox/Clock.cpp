@@ -23,16 +23,16 @@ Ptr<ActivityManagerConfig> activityManager() {
   return manager;
 }
 
-Seconds Clock::timeMin() const {
-  Seconds earliest = never;
+double Clock::timeMin() const {
+  double earliest = never;
   for (NotifieeConst const* observer : observers_) earliest = std::min(earliest, observer->dueAt());
   return earliest;
 }
 
 void Clock::dispatch() {
   Ptr<Clock> const self(this);
-  Seconds const now = Mox::now();
-  std::multimap<Seconds, Ptr<NotifieeConst>> due;  // equal times stay in the order of registration
+  double const now = Mox::now();
+  std::multimap<double, Ptr<NotifieeConst>> due;  // equal times stay in the order of registration
   for (NotifieeConst const* one : observers_) {
     if (one->dueAt() <= now) due.emplace(one->dueAt(), const_cast<NotifieeConst*>(one));
   }
@@ -45,7 +45,7 @@ void Clock::dispatch() {
       one->onTime();
     } catch (...) {
       try {
-        one->onNotificationException(firstOwnAttributeId);
+        one->onNotificationException(258);
       } catch (...) {
       }
     }

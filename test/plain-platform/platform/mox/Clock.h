@@ -11,14 +11,12 @@ class Clock : public Entity {
  public:
   class NotifieeConst;
 
-  static constexpr Seconds never = Mox::never;
-
   using Entity::Entity;
 
   MoxType const* fwkType() const override { return _fwkType(); }
   static MoxType const* _fwkType();
 
-  Seconds timeMin() const;
+  double timeMin() const;
   void dispatch();
 
  private:
@@ -35,15 +33,15 @@ class Clock::NotifieeConst : public Mox::Entity::NotifieeConst {
 
   Ptr<Clock const> notifier() const { return lentNotifier<Clock>(); }
   bool isRegisteredNotifiee() const { return registered_; }
-  Seconds timeMin() const { return timeMin_; }
-  void timeMinIs(Seconds at) { timeMin_ = at; }
+  double timeMin() const { return timeMin_; }
+  void timeMinIs(double at) { timeMin_ = at; }
 
  private:
   friend class Clock;
   Clock const* clock() const { return static_cast<Clock const*>(rawNotifier()); }
-  Seconds dueAt() const { return moxMarkedForDeletion() ? never : timeMin_; }
+  double dueAt() const { return moxMarkedForDeletion() ? never : timeMin_; }
 
-  Seconds timeMin_ = 0;
+  double timeMin_ = 0;
   bool mutable registered_ = false;
 };
 

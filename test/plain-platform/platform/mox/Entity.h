@@ -14,9 +14,6 @@ class Entity : public PtrInterface {
  public:
   class NotifieeConst;
 
-  static constexpr AttributeId zeroReferencesAttributeId = 5;
-  static constexpr AttributeId firstOwnAttributeId = 258;
-
   explicit Entity(Name name) noexcept : name_(std::move(name)) {}
 
   Name const& name() const { return name_; }
