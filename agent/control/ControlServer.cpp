@@ -8,6 +8,7 @@
 #include <limits>
 #include <new>
 #include <nlohmann/json.hpp>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -53,7 +54,7 @@ std::size_t raiseDescriptorLimit() {
 }  // namespace
 
 ControlServer::ControlServer(ActivityLoop& loop, std::string const& path, RunningAgent const& agent,
-                             SocketAccess const& access)
+                             SocketAccess const& access) try
     : listener_(path, access),
       verbs_(agent),
       admission_(raiseDescriptorLimit()),
@@ -69,6 +70,9 @@ ControlServer::ControlServer(ActivityLoop& loop, std::string const& path, Runnin
           agent.status, "status", [this] { return watchers_ > 0; },
           [this](std::string event) { publish(std::move(event)); })) {
   taking_.watch(EPOLLIN);
+} catch (std::system_error const& refused) {
+  throw ControlSocketError("control socket " + path +
+                           " cannot be served: " + refused.code().message());
 }
 
 ControlServer::~ControlServer() {

@@ -1,6 +1,7 @@
 #include "agent/control/Listener.h"
 
 #include <gmock/gmock.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -109,6 +110,14 @@ TEST_F(ListenerTest, ASocketThatSomebodyListensToIsLeftAloneWithoutALockToo) {
   ino_t const before = inode(path);
   EXPECT_EQ(refusal(path), "control socket " + path + " is in use by another agent");
   EXPECT_EQ(inode(path), before);
+}
+
+/// It holds the lock, and has no socket yet.
+TEST_F(ListenerTest, AnAgentThatIsJustStartingGoesFirst) {
+  Text::Descriptor const lock(open((path + ".lock").c_str(), O_CREAT | O_RDWR, 0600));
+  ASSERT_EQ(flock(lock.fd(), LOCK_EX), 0);
+  EXPECT_EQ(refusal(path), "control socket " + path + " is in use by another agent");
+  EXPECT_FALSE(fs::exists(path));
 }
 
 TEST_F(ListenerTest, WhatIsNoSocketIsLeftAlone) {

@@ -47,6 +47,18 @@ TEST_F(LongAnswerTest, ItIsMadeAsTheClientReads) {
   EXPECT_TRUE(all + readAll(pair.client) == told(count) + echoed("next"));
 }
 
+TEST_F(LongAnswerTest, WhoReadsItSlowlyIsNotSilent) {
+  Pair pair = connected(false);
+  pair.client.send(pieces(1000));
+  for (int times = 0; times < 4; ++times) {
+    rounds(10);
+    EXPECT_GT(pair.connection->silentAt(), Mox::now());
+    time.advance(Wire::longestSilence - 1);
+    while (!pair.client.receivedSome(50000).empty()) {
+    }
+  }
+}
+
 TEST_F(LongAnswerTest, ARoundDoesAsMuchOfItAsThereIsTimeFor) {
   Pair pair = connected();
   Pair other = connected();

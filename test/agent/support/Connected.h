@@ -19,9 +19,9 @@ namespace Kest::Agent {
 
 /// Connections of clients to a server that knows these verbs: `echo` replies with `text`, `later`
 /// replies when the test says so, `times` with as many letters as `count` says, `pieces` with as
-/// many pieces of a list as `count` says, `upload` with how many bytes have followed the request;
-/// `refuse`, `fail` and `starve` (for a lack of memory) do so. Time stands still unless it is
-/// moved.
+/// many pieces of a list as `count` says, `upload` with how many bytes have followed the request,
+/// while it holds as much memory as `held` says; `refuse`, `fail` and `starve` (for a lack of
+/// memory) do so. Time stands still unless it is moved.
 class Connected : public testing::Test {
  protected:
   struct Pair {
@@ -120,8 +120,10 @@ class Connected : public testing::Test {
   /// Refuses a `!`; ends with what is asked for in `end`.
   class Counted final : public Upload {
    public:
-    explicit Counted(Json const& what) : end_(what.value("end", Json("count"))) {}
+    explicit Counted(Json const& what)
+        : end_(what.value("end", Json("count"))), held_(what.value("held", std::size_t{0})) {}
 
+    std::size_t held() const override { return held_; }
     void take(std::string_view bytes) override {
       if (bytes.find('!') != bytes.npos) throw ControlError(Wire::ErrorKind::file, "a '!'");
       count_ += bytes.size();
@@ -133,6 +135,7 @@ class Connected : public testing::Test {
 
    private:
     Json end_;
+    std::size_t held_;
     std::size_t count_ = 0;
   };
 
