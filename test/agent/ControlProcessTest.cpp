@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "test/agent/support/AgentProcess.h"
+#include "test/agent/support/AgentSlices.h"
 #include "test/agent/support/Client.h"
 #include "test/agent/support/ScratchDirectory.h"
 
@@ -25,8 +26,6 @@ class ControlledAgent : public ScratchDirectory {
   std::string ask(std::string const& request) const {
     return Client(directory + "/control.sock").ask(request);
   }
-
-  std::string slice(char const* name) const { return std::string(KEST_EXAMPLES "/") + name; }
 };
 
 /// The text from `from` on; nothing of it is taken for granted.
@@ -37,10 +36,7 @@ std::string from(std::string const& text, std::string const& from) {
 
 /// What the machine does not see while it looks away it must be told before the rest goes.
 TEST_F(ControlledAgent, RefusesToReloadAFileThatBreaksTheMachinesRules) {
-  fileIs("slice",
-         "pciHam '/pci/5'\ndeviceState 'fap0' 'deviceStateUp'\n"
-         "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** "
-         "{'devName': 'fap0', 'pciHam': EntityPtr('/pci/5', 'Fru::PciHam')})\n");
+  fileIs("slice", device("fap0"));
   AgentProcess agent(directory, {"slice"});
   agent.outputUntil("registered=yes state=up\n");
   ask(R"({"verb":"call","handler":"hasNotificationActiveIs","args":[false]})");
@@ -56,7 +52,7 @@ TEST_F(ControlledAgent, RefusesToReloadAFileThatBreaksTheMachinesRules) {
 TEST_F(ControlledAgent, RecoversByRestartFromADeviceThatChangesBehindItsBack) {
   AgentProcess agent(
       directory,
-      {"--supervise", "--verbose", "--driver-state", "driver.json", slice("small.slice")},
+      {"--supervise", "--verbose", "--driver-state", "driver.json", examples + "small.slice"},
       AgentProcess::Output::terminal, {{"TERM", "dumb"}});
   EXPECT_THAT(agent.outputUntil("unchanged entries left alone\n"), StartsWith("cold start\n"));
   EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
@@ -103,7 +99,7 @@ TEST_F(ControlledAgent, RecoversByRestartFromADeviceThatChangesBehindItsBack) {
 TEST_F(ControlledAgent, UnderALowLimitOfDescriptorsKeepsHalfOfThemForItself) {
   if (sanitizersNeedDescriptors) GTEST_SKIP();
   constexpr std::size_t most = 40;
-  AgentProcess agent(directory, {slice("small.slice")}, AgentProcess::Output::pipes, {}, most);
+  AgentProcess agent(directory, {examples + "small.slice"}, AgentProcess::Output::pipes, {}, most);
   agent.outputUntil("left alone\n");
   std::vector<Client> clients;
   for (std::size_t i = 0; i < most / 2; ++i) {
@@ -129,7 +125,8 @@ TEST_F(ControlledAgent, UnderALowLimitOfDescriptorsKeepsHalfOfThemForItself) {
 TEST_F(ControlledAgent, SaysSoWhenItMayNotHaveTheDescriptorsToStart) {
   if (sanitizersNeedDescriptors) GTEST_SKIP();
   for (std::size_t most = 4; most <= 8; ++most) {
-    AgentProcess agent(directory, {slice("small.slice")}, AgentProcess::Output::pipes, {}, most);
+    AgentProcess agent(directory, {examples + "small.slice"}, AgentProcess::Output::pipes, {},
+                       most);
     EXPECT_EQ(agent.ended(), 2) << most;
     EXPECT_THAT(agent.errors(), StartsWith("kest-slice-agent: ")) << most;
     EXPECT_THAT(agent.errors(), EndsWith("Too many open files\n")) << most;
@@ -143,7 +140,7 @@ class SmallAgent : public ControlledAgent {
 
   // The address sanitizer would report signal 7 as a defect and end the process in its own way.
   AgentProcess agent{directory,
-                     {slice("small.slice")},
+                     {examples + "small.slice"},
                      AgentProcess::Output::pipes,
                      {{"ASAN_OPTIONS", "handle_sigbus=0"}}};
 };
@@ -167,8 +164,7 @@ TEST_F(SmallAgent, IsEndedByAPollOfADeviceThatTheDriverDoesNotKnow) {
   EXPECT_EQ(ask(R"({"verb":"driver","action":"fault",)"
                 R"("text":"fail kestDmaIsDeviceUp 'fap0' 19 always"})"),
             faultsTaken);
-  EXPECT_EQ(ask(R"({"verb":"mode","mode":"polling"})"),
-            R"({"ok":true,"result":{"mode":"smModePolling","number":2}})");
+  EXPECT_EQ(ask(R"({"verb":"call","handler":"handleTimerExpired"})"), "");
   EXPECT_EQ(agent.ended(), -7);
   EXPECT_EQ(agent.errors(), "kestDmaIsDeviceUp fap0 returned 19\n");
 }
@@ -184,22 +180,6 @@ TEST_F(SmallAgent, IsEndedByAPollThatTheDriverDoesNotAnswer) {
             "kest-slice-agent: KestSliceDmaSm:97: void "
             "Hardware::Kest::Slice::KestSliceDmaSm::handleTimerExpired(): Assertion `false' "
             "failed.\n");
-}
-
-TEST_F(SmallAgent, LivesOnAfterWhatItRefuses) {
-  EXPECT_EQ(ask("nonsense"),
-            R"({"ok":false,"error":{"kind":"request","message":"expected a JSON object; at byte )"
-            R"(2: syntax error while parsing value - invalid literal; last read: 'no'"}})");
-  EXPECT_EQ(ask(R"({"verb":"set","path":"config/nativeVlan/et1","value":4095})"),
-            R"({"ok":false,"error":{"kind":"value","message":"expected a VLAN id from 1 to 4094, )"
-            R"(or 0 for none, found 4095"}})");
-  EXPECT_EQ(ask(R"({"verb":"get","path":"confg"})"),
-            R"({"ok":false,"error":{"kind":"path","message":"a path begins with one of config, )"
-            R"(status, sm, not with 'confg'","suggestion":"config"}})");
-  EXPECT_EQ(ask(R"({"verb":"verify"})"), clean);
-  agent.signalIs(SIGTERM);
-  EXPECT_EQ(agent.ended(), 0);
-  EXPECT_EQ(agent.errors(), "");
 }
 
 }  // namespace

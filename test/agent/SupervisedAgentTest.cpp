@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "test/agent/support/AgentProcess.h"
+#include "test/agent/support/AgentSlices.h"
 #include "test/agent/support/NotifySocket.h"
 #include "test/agent/support/ScratchDirectory.h"
 
@@ -71,9 +72,7 @@ TEST_F(SupervisedAgent, ComesAgainAfterAnEndThatNobodyForesaw) {
 /// It would otherwise keep the next agent from the control socket for as long as its driver asks to
 /// be tried again.
 TEST_F(SupervisedAgent, EndsWithItsSupervisorWhileItWaitsForItsDriver) {
-  fileIs("slice",
-         "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'ifName': "
-         "'et1'})\n");
+  fileIs("slice", port(1));
   fileIs("faults", "fail kestDmaIfadd 'et1' 11 times 20\n");
   AgentProcess agent(directory, {"--supervise", "slice", "--driver-faults", "faults"});
   agent.outputUntil("config  + switchPort et1\n");
@@ -132,7 +131,9 @@ TEST_F(SupervisedAgent, TellsItsServiceManagerThatItServesAndThatItLives) {
   EXPECT_EQ(socket.told(), "READY=1");
   EXPECT_EQ(socket.told(), "WATCHDOG=1");
   agent.outputUntil("left alone\n");
-  EXPECT_EQ(socket.told(), "WATCHDOG=1");  // on and on
+  fileIs("slice", port(1));
+  agent.signalIs(SIGHUP);
+  EXPECT_EQ(socket.told(), "WATCHDOG=1");  // before a call to the driver, too
   agent.signalIs(SIGTERM);
   EXPECT_EQ(agent.ended(), 0);
 }

@@ -356,18 +356,6 @@ TEST_F(Kestctl, WatchEndsWithWhatTheAgentSaysAtItsEnd) {
   EXPECT_EQ(outcome.exit, 1);
 }
 
-/// It would take minutes if each member were looked for among those before.
-TEST_F(Kestctl, AReplyOfManyMembersIsRead) {
-  std::string members;
-  for (int i = 0; i < 100000; ++i) {
-    members += (i == 0 ? "\"" : ",\"") + std::to_string(i) + "\":1";
-  }
-  Outcome const outcome =
-      run({"get", "x", "--json"}, {ok(R"({"path":"x","value":{)" + members + "}}")});
-  EXPECT_EQ(outcome.exit, 0);
-  EXPECT_TRUE(outcome.out.ends_with("\"99999\": 1\n  }\n}\n"));
-}
-
 TEST_F(Kestctl, JsonIsTheResultAsItIs) {
   Outcome const outcome =
       run({"get", "sm/mode", "--json"}, {ok(R"({"path":"sm/mode","value":7})")});

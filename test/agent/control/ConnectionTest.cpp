@@ -24,15 +24,6 @@ TEST_F(ConnectionTest, ARequestMayBeSplitAnywhere) {
   }
 }
 
-TEST_F(ConnectionTest, ARequestMayComeByteByByte) {
-  Pair pair = connected();
-  for (char const byte : echo("a") + echo("b")) {
-    pair.client.send({&byte, 1});
-    rounds(1);
-  }
-  EXPECT_EQ(pair.client.received(), echoed("a") + echoed("b"));
-}
-
 TEST_F(ConnectionTest, RepliesGoTogetherUnlessARequestTakesLong) {
   Pair pair = connected();
   std::string const three = echo("x") + echo("x") + echo("x");

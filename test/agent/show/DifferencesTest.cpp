@@ -1,7 +1,7 @@
 #include "agent/show/Differences.h"
 
 #include "platform/mox/Dir.h"
-#include "test/agent/support/ServedAgent.h"
+#include "test/agent/support/RefusedRequests.h"
 
 namespace Kest::Agent {
 namespace {
@@ -13,27 +13,20 @@ using Strings = std::vector<std::string>;
 
 /// Tampers with one side after the other. What `verify` reports must not change anything: that is
 /// checked each time.
-class Verify : public ServedAgent {
+class Verify : public RefusedRequests {
  protected:
   Json report() { return Json::parse(ask(R"({"verb":"verify"})")); }
 
   Strings messages() {
-    std::string const before = everything();
+    std::string const before = unasked();
     Json const found = report();
     Strings all;
     for (Json const& difference : found.at("differences")) {
       all.push_back(difference.at("message").get<std::string>());
     }
     EXPECT_EQ(found.at("clean"), all.empty());
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(unasked(), before);
     return all;
-  }
-
-  std::string everything() {
-    return std::to_string(config->changeCount()) + " " + std::to_string(status->changeCount()) +
-           simDriver().stateText() + ask(R"({"verb":"dump"})") +
-           ask(R"({"verb":"get","path":"status/device"})") +
-           ask(R"({"verb":"get","path":"status/switchPort"})");
   }
 
   /// The state machine looks away.

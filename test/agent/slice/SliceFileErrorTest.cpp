@@ -13,6 +13,9 @@ TEST_P(SliceFileError, SaysWhereWhatWasFoundAndWhatWasExpected) {
   EXPECT_EQ(Mox::root()->entities(), 0U) << "a refused file left something in the entity tree";
 }
 
+#define DEVICE "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** "
+#define PORT "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** "
+
 ErrorRow const fileErrors[] = {
     {"UnknownStatement", "bogus 'x'", "1:1",
      "expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, "
@@ -25,14 +28,10 @@ ErrorRow const fileErrors[] = {
      "deviceState, end, found ''et1''"},
     {"SliceIdWithoutValue", "sliceId", "1:8",
      "expected a string in apostrophes, found the end of the text"},
-    {"SliceIdWithoutApostrophes", "sliceId Linecard1", "1:9",
-     "expected a string in apostrophes, found 'L'"},
     {"SliceIdUnclosed", "sliceId 'Linecard1", "1:19",
      "expected the string's closing apostrophe, found the end of the text"},
     {"SliceIdBadEscape", R"(sliceId 'a\qb')", "1:12",
      R"(expected one of \ ' n t r x behind a backslash, found 'q')"},
-    {"SliceIdBadHexEscape", R"(sliceId 'a\x4')", "1:14",
-     R"(expected two hexadecimal digits behind \x, found ''')"},
     {"SliceIdTwoValues", "sliceId 'a' 'b'", "1:13", "expected the end of the line, found ''b''"},
     {"SliceIdTwice", R"(sliceId 'a'
 sliceId 'a')",
@@ -43,14 +42,10 @@ sliceId 'a')",
      "expected a path such as '/pci/0000:05:00.0', found 'pci'"},
     {"HandleAtRoot", "pciHam '/'", "1:8", "expected a path such as '/pci/0000:05:00.0', found '/'"},
     {"HandleEmpty", "pciHam ''", "1:8", "expected a path such as '/pci/0000:05:00.0', found ''"},
-    {"HandleRelative", "pciHam 'pci/x'", "1:8",
-     "expected a path such as '/pci/0000:05:00.0', found 'pci/x'"},
     {"HandleEmptyStep", "pciHam '/pci//x'", "1:8",
      "expected a path such as '/pci/0000:05:00.0', found '/pci//x'"},
     {"HandleIsDirectoryPath", "pciHam '/pci/'", "1:8",
      "expected a path such as '/pci/0000:05:00.0', found '/pci/'"},
-    {"HandleWithControlCharacter", R"(pciHam 'a\n')", "1:8",
-     R"(expected a path such as '/pci/0000:05:00.0', found 'a\n')"},
     {"EndFollowedByAStatement", R"(sliceId 'a'
 end
 
@@ -73,16 +68,7 @@ pciHam '/a/b')",
     {"HandleTrailingWord", R"(pciHam '/a/b' # one
 pciHam '/a/c' x # two)",
      "2:15", "expected the end of the line, found 'x'"},
-    {"VlanWithoutName", "nativeVlan", "1:11",
-     "expected a string in apostrophes, found the end of the text"},
-    {"VlanNameWithoutApostrophes", "nativeVlan et1 10", "1:12",
-     "expected a string in apostrophes, found 'e'"},
-    {"VlanWithoutNumber", "nativeVlan 'et1'", "1:17",
-     "expected a decimal number, found the end of the text"},
     {"VlanIsComment", "nativeVlan 'et1' # 10", "1:18", "expected a decimal number, found '#'"},
-    {"VlanIsWord", "nativeVlan 'et1' ten", "1:18", "expected a decimal number, found 't'"},
-    {"VlanIsString", "nativeVlan 'et1' '10'", "1:18", "expected a decimal number, found '''"},
-    {"VlanNegative", "nativeVlan 'et1' -1", "1:18", "expected a decimal number, found '-'"},
     {"VlanHexadecimal", "nativeVlan 'et1' 0x10", "1:19",
      "expected the end of the line, found 'x10'"},
     {"VlanAboveRange", "nativeVlan 'et1' 4095", "1:18",
@@ -90,8 +76,6 @@ pciHam '/a/c' x # two)",
     {"VlanAboveType", "nativeVlan 'et1' 65536", "1:18",
      "expected a number from 0 to 65535, found a larger one"},
     {"VlanTwoValues", "nativeVlan 'et1' 10 20", "1:21", "expected the end of the line, found '20'"},
-    {"VlanBeforeName", "nativeVlan 10 'et1'", "1:12",
-     "expected a string in apostrophes, found '1'"},
     {"VlanTwice", R"(nativeVlan 'et1' 10
 nativeVlan 'et2' 10
 nativeVlan 'et1' 20)",
@@ -103,8 +87,6 @@ nativeVlan 'et1' 20)",
     {"ModeUnknown", "switchportMode 'et1' 'trunk'", "1:22",
      "expected 'switchportModeAccess', 'switchportModeTrunk' or 'switchportModeDot1qTunnel', found "
      "'trunk'"},
-    {"ModeWithoutApostrophes", "switchportMode 'et1' switchportModeTrunk", "1:22",
-     "expected a string in apostrophes, found 's'"},
     {"ModeNameIsNoPort", "switchportMode '' 'switchportModeTrunk'", "1:16",
      "expected an interface name with 'et' in it, found ''"},
     {"ModeTwice", R"(switchportMode 'et1' 'switchportModeTrunk'
@@ -125,36 +107,13 @@ deviceState 'fap0' 'deviceStateDown')",
     {"DeviceOfOtherType",
      "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'ifName': 'et1'})",
      "1:58", "expected 'Hardware::Kest::Slice::KestSliceDmaConfig::Device', found 'S'"},
-    {"DeviceWithoutStars",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', * {})", "1:68",
-     "expected **, found ' '"},
-    {"DeviceUnclosed",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0'",
-     "1:88", "premature end of value type Device"},
-    {"DeviceHalfClosed",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0'}",
-     "1:89", "expected ), found the end of the text"},
-    {"DeviceUnknownField",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0', "
-     "'speed': 3})",
-     "1:90", "Device has no such attribute: speed"},
-    {"DeviceFieldWithoutColon",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName' 'fap0'})",
-     "1:81", "expected :, found '''"},
-    {"DeviceFieldsWithoutComma",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0' "
-     "'numFaps': 1})",
-     "1:89", "expected ,, found '''"},
-    {"DeviceTrailingWord",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0'}) up",
-     "1:91", "expected the end of the line, found 'up'"},
-    {"DeviceWithoutName",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'numFaps': 2})", "1:8",
+    {"DeviceUnclosed", DEVICE "{'devName': 'fap0'", "1:88", "premature end of value type Device"},
+    {"DeviceTrailingWord", DEVICE "{'devName': 'fap0'}) up", "1:91",
+     "expected the end of the line, found 'up'"},
+    {"DeviceWithoutName", DEVICE "{'numFaps': 2})", "1:8",
      "expected a device name, found an empty one"},
-    {"DeviceWithoutState",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0'})  # "
-     "no state",
-     "1:1", "expected a deviceState for this device, found none"},
+    {"DeviceWithoutState", DEVICE "{'devName': 'fap0'})  # no state", "1:1",
+     "expected a deviceState for this device, found none"},
     {"DevicesWithoutState", R"(deviceState 'fap1' 'deviceStateUp'
 device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap1'})
 device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap7'})
@@ -166,33 +125,12 @@ device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName':
 device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0'})
 device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0', 'numFaps': 2}))",
      "3:8", "device 'fap0' was given in line 2 already"},
-    {"DeviceNoFaps",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'devName': 'fap0', "
-     "'numFaps': 0})",
-     "1:104", "Device::numFaps < 1 or > 3 not allowed"},
-    {"DeviceTooManyFaps",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'numFaps': 4, "
-     "'devName': 'fap0'})",
-     "1:104", "Device::numFaps < 1 or > 3 not allowed"},
-    {"DeviceFapsAboveType",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'numFaps': "
-     "4294967296})",
-     "1:82", "numFaps: expected a number from 0 to 4294967295, found a larger one"},
-    {"DeviceNegativePort",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'cpuArad': -1})",
-     "1:82", "cpuArad: expected a decimal number, found '-'"},
-    {"DeviceChipTypeUnknown",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'fapType': "
-     "'fapTypeQuad'})",
-     "1:82",
-     "fapType: expected 'fapTypeUnknown', 'fapTypeArad' or 'fapTypeAradDual', found 'fapTypeQuad'"},
-    {"DeviceChipTypeNumber",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'fapType': 1})", "1:82",
-     "fapType: expected a string in apostrophes, found '1'"},
-    {"DeviceHandleUndeclared",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'pciHam': "
-     "EntityPtr('/pci/9', 'Fru::PciHam')})",
-     "1:91", "pciHam: there is no entity at '/pci/9'"},
+    {"DeviceTooManyFaps", DEVICE "{'numFaps': 4, 'devName': 'fap0'})", "1:104",
+     "Device::numFaps < 1 or > 3 not allowed"},
+    {"DeviceFapsAboveType", DEVICE "{'numFaps': 4294967296})", "1:82",
+     "numFaps: expected a number from 0 to 4294967295, found a larger one"},
+    {"DeviceHandleUndeclared", DEVICE "{'pciHam': EntityPtr('/pci/9', 'Fru::PciHam')})", "1:91",
+     "pciHam: there is no entity at '/pci/9'"},
     {"DeviceHandleDeclaredBelow",
      R"(device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'pciHam': EntityPtr('/pci/9', 'Fru::PciHam')})
 pciHam '/pci/9')",
@@ -203,57 +141,24 @@ device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'pciHam': 
     {"DeviceHandleIsDirectory", R"(pciHam '/pci/9'
 device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'pciHam': EntityPtr('/pci', 'Fru::PciHam')}))",
      "2:91", "pciHam: expected a 'Fru::PciHam' at '/pci', found a 'Mox::Dir'"},
-    {"DeviceHandleIsString",
-     "device Value('Hardware::Kest::Slice::KestSliceDmaConfig::Device', ** {'pciHam': '/pci/9'})",
-     "1:81", "pciHam: expected EntityPtr or None, found '''"},
     {"PortIsName", "switchPort 'et1'", "1:12", "expected Value, found '''"},
-    {"PortWithoutName",
-     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'destId': 1})",
-     "1:12", "expected an interface name with 'et' in it, found ''"},
-    {"PortNameIsNoPort",
-     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'ifName': "
-     "'Management1'})",
-     "1:12", "expected an interface name with 'et' in it, found 'Management1'"},
+    {"PortWithoutName", PORT "{'destId': 1})", "1:12",
+     "expected an interface name with 'et' in it, found ''"},
+    {"PortNameIsNoPort", PORT "{'ifName': 'Management1'})", "1:12",
+     "expected an interface name with 'et' in it, found 'Management1'"},
     {"PortTwice",
      R"(switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'ifName': 'et1'})
 switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'ifName': 'et1'}))",
      "2:12", "switchPort 'et1' was given in line 1 already"},
-    {"PortFlagLowerCase",
-     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'ctrl': true})",
-     "1:87", "ctrl: expected True or False, found 't'"},
-    {"PortFlagNumber",
-     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'hwLag': 1})",
-     "1:88", "hwLag: expected True or False, found '1'"},
-    {"PortAddressShort",
-     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'macAddr': "
-     "'00:1c:73'})",
-     "1:90", "macAddr: expected a MAC address such as '00:1c:73:0a:0b:0c', found '00:1c:73'"},
-    {"PortAddressWithoutApostrophes",
-     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'macAddr': "
-     "00:1c:73:00:00:01})",
-     "1:90", "macAddr: expected a string in apostrophes, found '0'"},
-    {"PortNumberIsWord",
-     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'destId': "
-     "one})",
-     "1:89", "destId: expected a decimal number, found 'o'"},
-    {"PortNumberAboveType",
-     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'destId': "
-     "4294967296})",
-     "1:89", "destId: expected a number from 0 to 4294967295, found a larger one"},
-    {"PortUnknownField",
-     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'macAddress': "
-     "''})",
-     "1:79", "SwitchPort has no such attribute: macAddress"},
-    {"PortFieldIsType",
-     "switchPort Value('Hardware::Kest::Slice::KestSliceDmaConfig::SwitchPort', ** {'EthAddr': "
-     "''})",
-     "1:79", "SwitchPort has no such attribute: EthAddr"},
-    {"StatementMisspelt", "natveVlan 'et1' 10", "1:1",
-     "expected one of pciHam, sliceId, switchPort, nativeVlan, switchportMode, device, "
-     "deviceState, end, found 'natveVlan'; did you mean 'nativeVlan'?"},
+    {"PortFlagNumber", PORT "{'hwLag': 1})", "1:88", "hwLag: expected True or False, found '1'"},
+    {"PortUnknownField", PORT "{'macAddress': ''})", "1:79",
+     "SwitchPort has no such attribute: macAddress"},
     {"ControlCharacter", "nativeVlan 'et1' \001", "1:18",
      "expected a decimal number, found character 0x01"},
 };
+
+#undef DEVICE
+#undef PORT
 
 INSTANTIATE_TEST_SUITE_P(Rows, SliceFileError, testing::ValuesIn(fileErrors),
                          [](auto const& row) { return row.param.name; });

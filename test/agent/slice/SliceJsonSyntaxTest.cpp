@@ -15,66 +15,35 @@ TEST_P(SliceJsonSyntaxError, SaysWhereTheTextIsNoJson) {
 
 ErrorRow const syntaxErrors[] = {
     {"Empty", "", "1:1", "no JSON: unexpected end of input; expected '[', '{', or a literal"},
-    {"NoJson", R"(pciHam '/pci/a'
-)",
-     "1:1", "no JSON: invalid literal"},
     {"Unclosed", R"({"sliceId": "a")", "1:16", "no JSON: unexpected end of input; expected '}'"},
-    {"UnclosedString", R"({"sliceId": "a)", "1:15",
-     "no JSON: invalid string: missing closing quote"},
     {"TrailingComma", R"({"sliceId": "a",})", "1:17",
      "no JSON: unexpected '}'; expected string literal"},
-    {"TrailingCommaInAnArray", R"({"pciHam": ["/pci/a",]})", "1:22",
-     "no JSON: unexpected ']'; expected '[', '{', or a literal"},
     {"MissingComma", R"({"sliceId": "a"
  "nativeVlan": {}})",
      "2:2", "no JSON: unexpected string literal; expected '}'"},
-    {"MissingColon", R"({"sliceId" "a"})", "1:12",
-     "no JSON: unexpected string literal; expected ':'"},
     {"NameWithoutQuotes", R"({sliceId: "a"})", "1:2",
      "no JSON: invalid literal; expected string literal"},
-    {"Apostrophes", "{'sliceId': 'a'}", "1:2", "no JSON: invalid literal; expected string literal"},
     {"Comment", R"({
   // the slice
   "sliceId": "a"
 })",
      "2:3", "no JSON: invalid literal; expected string literal"},
     {"TwoValues", "{} {}", "1:4", "no JSON: unexpected '{'; expected end of input"},
-    {"WordBehind", R"({"sliceId": "a"}
-end)",
-     "2:1", "no JSON: invalid literal; expected end of input"},
-    {"PythonFlag", R"({"switchPort": {"et1": {"ctrl": True}}})", "1:33",
-     "no JSON: invalid literal"},
-    {"BadEscape", R"({"sliceId": "a\qb"})", "1:16",
-     "no JSON: invalid string: forbidden character after backslash"},
     {"HalfASurrogate", R"({"sliceId": "\ud83d"})", "1:20",
      "no JSON: invalid string: surrogate U+D800..U+DBFF must be followed by U+DC00..U+DFFF"},
     {"LeadingZero", R"({"nativeVlan": {"et1": 007}})", "1:25",
      "no JSON: unexpected number literal; expected '}'"},
-    {"PlusSign", R"({"nativeVlan": {"et1": +7}})", "1:24", "no JSON: invalid literal"},
-    {"NumberWithoutEnd", R"({"nativeVlan": {"et1": 1.}})", "1:26",
-     "no JSON: invalid number; expected digit after '.'"},
     {"NumberTooLargeForAnything", R"({"nativeVlan": {"et1": 1e999}})", "1:28",
      "no JSON: number overflow"},
     {"MemberTwice", R"({"sliceId": "a",
  "sliceId": "a"})",
      "2:2", "/sliceId: given a second time"},
-    {"CollectionTwice", R"({"nativeVlan": {"et1": 1},
- "nativeVlan": {"et2": 2}})",
-     "2:2", "/nativeVlan: given a second time"},
     {"HandlesTwice", R"({"pciHam": ["/a"], "pciHam": ["/b"]})", "1:20",
      "/pciHam: given a second time"},
     {"VlanTwice", R"({"nativeVlan": {"et3/1": 10, "et2": 10, "et3/1": 10}})", "1:41",
      "/nativeVlan/et3~11: given a second time"},
     {"VlanTwiceByAnEscape", R"({"nativeVlan": {"et1": 10, "\u0065t1": 20}})", "1:28",
      "/nativeVlan/et1: given a second time"},
-    {"DeviceFieldTwice", R"({"deviceState": {"fap0": "deviceStateUp"},
- "device": {"fap0": {"numFaps": 1, "numFaps": 1}}})",
-     "2:36", "/device/fap0/numFaps: given a second time"},
-    {"PortTwice", R"({"switchPort": {
-  "et1": {},
-  "et1": {}
-}})",
-     "3:3", "/switchPort/et1: given a second time"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Rows, SliceJsonSyntaxError, testing::ValuesIn(syntaxErrors),
@@ -142,19 +111,6 @@ TEST(SliceJsonSyntax, TakesNoNulByteForTheEnd) {
             "slice.json:1:17: no JSON: character 0x00\n"
             "  {\"sliceId\": \"a\"} {}\n"
             "                  ^");
-}
-
-/// Members are neither found nor compared one by one: a large file is no way to keep an agent busy.
-TEST(SliceJsonSyntax, TakesAHundredThousandMembersInItsStride) {
-  std::string text = "{\"nativeVlan\": {";
-  for (int port = 0; port < 100000; ++port) text += "\"et" + std::to_string(port) + "\": 1,";
-  EXPECT_EQ(
-      jsonRefusal(text + "\"et100000\": 4095}}"),
-      "slice.json:1:1288907: /nativeVlan/et100000: expected a VLAN id from 1 to 4094, or 0 for "
-      "none, found 4095\n"
-      "  ...995\": 1,\"et99996\": 1,\"et99997\": 1,\"et99998\": 1,\"et99999\": 1,\"et100000\": "
-      "4095}}\n"
-      "                                                                 ^");
 }
 
 }  // namespace

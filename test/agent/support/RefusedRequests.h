@@ -24,6 +24,11 @@ class RefusedRequests : public ServedAgent {
 
   /// Configuration, status, state machine and driver, as far as a request can change them.
   std::string everything() {
+    return unasked() + std::to_string(Hardware::Kest::Sim::simDriver().log().total());
+  }
+
+  /// Everything but how often the driver was asked: `verify` and `show` ask it for states.
+  std::string unasked() {
     std::string all = std::to_string(config->changeCount()) + " " +
                       std::to_string(status->changeCount()) + ask(R"({"verb":"dump"})");
     for (char const* collection :
@@ -36,7 +41,7 @@ class RefusedRequests : public ServedAgent {
     all += sm->hasNotificationActive() ? "" : "inactive";
     all += ask(R"({"verb":"trace"})");
     Hardware::Kest::Sim::SimDriver const& sim = Hardware::Kest::Sim::simDriver();
-    return all + sim.stateText() + sim.faultsText() + std::to_string(sim.log().total());
+    return all + sim.stateText() + sim.faultsText();
   }
 };
 

@@ -6,98 +6,52 @@ namespace {
 using BadChange = RefusedRequests;
 
 TEST_F(BadChange, IsNotPossibleThere) {
+  auto const request = [](std::string const& verb, std::string const& path,
+                          char const* value = "0") {
+    std::string const member = verb == "set" ? std::string(R"(,"value":)") + value : "";
+    return R"({"verb":")" + verb + R"(","path":")" + path + "\"" + member + "}";
+  };
+  std::vector<Refusal> all;
+  auto const expect = [&](std::string const& verb, std::initializer_list<char const*> paths,
+                          std::string const& why, char const* value = "0") {
+    for (std::string const path : paths) {
+      all.push_back({request(verb, path, value), "refused: " + path + why});
+    }
+  };
+  for (std::string const verb : {"set", "del", "notify"}) {
+    expect(verb, {"config", "status", "sm"},
+           " is not changed as a whole: name one of its attributes");
+    expect(verb, {"config/nativeVlan", "status/switchPort"},
+           " is not changed as a whole: name one of its entries");
+    expect(verb, {"sm/doVerify"}, " is a handler: call it");
+    for (char const* path :
+         {"status/nativeVlan/et3/1", "sm/status/deviceState/fap0", "sm/config/nativeVlan/et3/1"}) {
+      all.push_back({request(verb, path), "refused: attempting to modify a const instance"});
+    }
+  }
+  expect("get", {"sm/doVerify"}, " is a handler: call it");
+  expect("set", {"config/changeCount", "config/lookupCount", "sm/pollPeriod"}, " cannot be set");
+  expect("set", {"config/name", "config/fullName"}, " cannot be set", "\"x\"");
+  expect("set", {"config/parent", "sm/config", "sm/status", "sm/moxFwkActivity"}, " cannot be set",
+         "null");
+  expect("del", {"config/sliceId", "config/name", "sm/status", "sm/mode"}, " cannot be removed");
+  expect("notify", {"config/sliceId", "sm/mode"}, " cannot be announced");
+  for (char const* verb : {"del", "notify"}) {
+    expect(verb, {"config/switchPort/et3/1:destId"}, " is a field: name its record");
+  }
+  expectRefused(all);
+  std::string const constant = "refused: attempting to modify a const instance";
   expectRefused({
-      {R"({"verb":"get","path":"sm/doVerify"})", "refused: sm/doVerify is a handler: call it"},
-      {R"({"verb":"set","path":"config","value":{}})",
-       "refused: config is not changed as a whole: name one of its attributes"},
-      {R"({"verb":"set","path":"status","value":{}})",
-       "refused: status is not changed as a whole: name one of its attributes"},
-      {R"({"verb":"set","path":"sm","value":null})",
-       "refused: sm is not changed as a whole: name one of its attributes"},
-      {R"({"verb":"set","path":"config/nativeVlan","value":{"et3/1":20}})",
-       "refused: config/nativeVlan is not changed as a whole: name one of its entries"},
-      {R"({"verb":"set","path":"status/nativeVlan","value":{}})",
-       "refused: status/nativeVlan is not changed as a whole: name one of its entries"},
-      {R"({"verb":"set","path":"config/name","value":"x"})", "refused: config/name cannot be set"},
-      {R"({"verb":"set","path":"config/fullName","value":"x"})",
-       "refused: config/fullName cannot be set"},
-      {R"({"verb":"set","path":"config/parent","value":null})",
-       "refused: config/parent cannot be set"},
-      {R"({"verb":"set","path":"config/changeCount","value":0})",
-       "refused: config/changeCount cannot be set"},
-      {R"({"verb":"set","path":"config/lookupCount","value":0})",
-       "refused: config/lookupCount cannot be set"},
-      {R"({"verb":"set","path":"sm/config","value":null})", "refused: sm/config cannot be set"},
-      {R"({"verb":"set","path":"sm/status","value":null})", "refused: sm/status cannot be set"},
-      {R"({"verb":"set","path":"sm/moxFwkActivity","value":null})",
-       "refused: sm/moxFwkActivity cannot be set"},
-      {R"({"verb":"set","path":"sm/pollPeriod","value":1.0})",
-       "refused: sm/pollPeriod cannot be set"},
-      {R"({"verb":"set","path":"sm/doVerify","value":1})",
-       "refused: sm/doVerify is a handler: call it"},
-      {R"({"verb":"set","path":"status/name","value":"x"})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"set","path":"status/nativeVlan/et3/1","value":20})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"set","path":"status/switchPort/et3/1","value":{"created":false}})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"set","path":"status/switchPort/et3/1:created","value":false})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"set","path":"status/device/fap0:registered","text":"False"})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"set","path":"status/deviceState/fap0","value":"deviceStateDown"})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"set","path":"sm/status/deviceState/fap0","value":"deviceStateDown"})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"set","path":"sm/config/sliceId","value":"x"})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"set","path":"sm/config/nativeVlan/et3/1","value":20})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"set","path":"sm/stateTimer/name","value":"x"})",
-       "refused: attempting to modify a const instance"},
+      {R"({"verb":"set","path":"status/name","value":"x"})", constant},
+      {R"({"verb":"set","path":"status/switchPort/et3/1:created","value":false})", constant},
+      {R"({"verb":"set","path":"sm/stateTimer/name","value":"x"})", constant},
+      {R"({"verb":"del","path":"status/deviceState/fap9"})", constant},
       {R"({"verb":"set","path":"config/switchPort/et3/1","value":{"ifName":"et3/2"}})",
-       "refused: 'switchPort' does not take that index"},
-      {R"({"verb":"set","path":"config/switchPort/et3/1:ifName","value":"et3/2"})",
        "refused: 'switchPort' does not take that index"},
       {R"({"verb":"set","path":"config/device/fap0:devName","value":"fap1"})",
        "refused: 'device' does not take that index"},
-      {R"({"verb":"del","path":"config"})",
-       "refused: config is not changed as a whole: name one of its attributes"},
-      {R"({"verb":"del","path":"config/switchPort"})",
-       "refused: config/switchPort is not changed as a whole: name one of its entries"},
-      {R"({"verb":"del","path":"config/sliceId"})", "refused: config/sliceId cannot be removed"},
-      {R"({"verb":"del","path":"config/name"})", "refused: config/name cannot be removed"},
-      {R"({"verb":"del","path":"config/switchPort/et3/1:destId"})",
-       "refused: config/switchPort/et3/1:destId is a field: name its record"},
-      {R"({"verb":"del","path":"status/switchPort/et3/1"})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"del","path":"status/deviceState/fap9"})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"del","path":"sm/config/nativeVlan/et3/1"})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"del","path":"sm/status"})", "refused: sm/status cannot be removed"},
-      {R"({"verb":"del","path":"sm/mode"})", "refused: sm/mode cannot be removed"},
-      {R"({"verb":"del","path":"sm/pollPeriod"})", "refused: sm/pollPeriod cannot be removed"},
-      {R"({"verb":"del","path":"sm/handleMode"})", "refused: sm/handleMode is a handler: call it"},
-      {R"({"verb":"notify","path":"config"})",
-       "refused: config is not changed as a whole: name one of its attributes"},
-      {R"({"verb":"notify","path":"config/nativeVlan"})",
-       "refused: config/nativeVlan is not changed as a whole: name one of its entries"},
-      {R"({"verb":"notify","path":"config/sliceId"})",
-       "refused: config/sliceId cannot be announced"},
-      {R"({"verb":"notify","path":"config/switchPort/et3/1:destId"})",
-       "refused: config/switchPort/et3/1:destId is a field: name its record"},
-      {R"({"verb":"notify","path":"status/nativeVlan/et3/1"})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"notify","path":"sm/config/nativeVlan/et3/1"})",
-       "refused: attempting to modify a const instance"},
-      {R"({"verb":"notify","path":"sm/mode"})", "refused: sm/mode cannot be announced"},
-      {R"({"verb":"notify","path":"sm/doVerify"})", "refused: sm/doVerify is a handler: call it"},
       {R"({"verb":"call","handler":"mode"})", "refused: sm/mode is no handler"},
       {R"({"verb":"call","handler":"sm"})", "path: sm has no attribute 'sm'"},
-      {R"({"verb":"call","handler":"sm/config"})", "refused: sm/config is no handler"},
-      {R"({"verb":"call","handler":"config/nativeVlan"})",
-       "refused: config/nativeVlan is no handler"},
       {R"({"verb":"call","handler":"config/nativeVlan/et3/1"})",
        "refused: config/nativeVlan/et3/1 is no handler"},
   });
@@ -125,65 +79,33 @@ TEST_F(BadChange, WouldEndTheProcess) {
 }
 
 TEST_F(BadChange, HasArgumentsThatItsHandlerDoesNotTake) {
+  auto const call = [](std::string const& handler, std::string const& args,
+                       std::string const& why) -> Refusal {
+    return {R"({"verb":"call","handler":")" + handler + R"(","args":)" + args + "}",
+            "value: " + why};
+  };
+  std::string const port = "expected an interface name with 'et' in it, found ";
+  std::string const noNul = "expected an interface name without NUL, found ";
   expectRefused({
-      {R"({"verb":"call","handler":"doVerify","args":[1]})",
-       "value: 'doVerify' does not take so many arguments"},
-      {R"({"verb":"call","handler":"doVerify","args":["x"]})",
-       "value: 'doVerify' does not take so many arguments"},
-      {R"({"verb":"call","handler":"handleMode","args":[null]})",
-       "value: 'handleMode' does not take so many arguments"},
-      {R"({"verb":"call","handler":"handleTimerExpired","args":[[]]})",
-       "value: 'handleTimerExpired' does not take so many arguments"},
-      {R"({"verb":"call","handler":"handleInitialized","args":[1]})",
-       "value: 'handleInitialized' does not take so many arguments"},
+      call("doVerify", "[1]", "'doVerify' does not take so many arguments"),
+      call("handleMode", "[null]", "'handleMode' does not take so many arguments"),
       {R"({"verb":"call","handler":"handleSwitchPort"})",
        "value: 'ifName' is missing or of the wrong type"},
-      {R"({"verb":"call","handler":"handleSwitchPort","args":[]})",
-       "value: 'ifName' is missing or of the wrong type"},
-      {R"({"verb":"call","handler":"handleSwitchPort","args":[7]})",
-       "value: expected a string, found 7"},
-      {R"({"verb":"call","handler":"handleSwitchPort","args":[null]})",
-       "value: expected a string, found null"},
-      {R"({"verb":"call","handler":"handleSwitchPort","args":[["et3/1"]]})",
-       R"(value: expected a string, found ["et3/1"])"},
-      {R"({"verb":"call","handler":"handleSwitchPort","args":["et3/1","et3/2"]})",
-       "value: 'handleSwitchPort' does not take so many arguments"},
-      {R"({"verb":"call","handler":"handleSwitchPort","args":["'et3/1"]})",
-       "value: expected the string's closing apostrophe, found the end of the text"},
-      {R"({"verb":"call","handler":"handleSwitchPort","args":["x"]})",
-       "value: expected an interface name with 'et' in it, found 'x'"},
-      {R"({"verb":"call","handler":"handleSwitchPort","args":[""]})",
-       "value: expected an interface name with 'et' in it, found ''"},
-      {R"({"verb":"call","handler":"handleSwitchPort","args":["et3/1\u0000"]})",
-       R"(value: expected an interface name without NUL, found 'et3/1\x00')"},
-      {R"({"verb":"call","handler":"handleSwitchPort","args":["'et3/1\\x00'"]})",
-       R"(value: expected an interface name without NUL, found 'et3/1\x00')"},
-      {R"({"verb":"call","handler":"handleNativeVlan"})",
-       "value: 'ifname' is missing or of the wrong type"},
-      {R"({"verb":"call","handler":"handleNativeVlan","args":["eth".]})",
-       R"(request: expected a JSON object; at byte 58: syntax error while parsing array - invalid literal; last read: '"eth".'; expected ']')"},
-      {R"({"verb":"call","handler":"handleNativeVlan","args":["port 1"]})",
-       "value: expected an interface name with 'et' in it, found 'port 1'"},
-      {R"({"verb":"call","handler":"sm/handleNativeVlan","args":["\u0000et"]})",
-       R"(value: expected an interface name without NUL, found '\x00et')"},
-      {R"({"verb":"call","handler":"handleDevice"})",
-       "value: 'devName' is missing or of the wrong type"},
-      {R"({"verb":"call","handler":"handleDevice","args":[{"devName":"fap0"}]})",
-       R"(value: expected a string, found {"devName":"fap0"})"},
-      {R"({"verb":"call","handler":"handleDeviceState"})",
-       "value: 'devName' is missing or of the wrong type"},
-      {R"({"verb":"call","handler":"handleDeviceState","args":[true]})",
-       "value: expected a string, found true"},
-      {R"({"verb":"call","handler":"hasNotificationActiveIs"})",
-       "value: 'hasNotificationActiveIs' is missing or of the wrong type"},
-      {R"({"verb":"call","handler":"hasNotificationActiveIs","args":["yes"]})",
-       "value: expected True or False, found 'y'"},
-      {R"({"verb":"call","handler":"hasNotificationActiveIs","args":[0]})",
-       "value: expected true or false, found 0"},
-      {R"({"verb":"call","handler":"moxDoZombieReactors","args":["on"]})",
-       "value: expected True or False, found 'o'"},
-      {R"({"verb":"call","handler":"moxDoZombieReactors","args":[true,true]})",
-       "value: 'moxDoZombieReactors' does not take so many arguments"},
+      call("handleSwitchPort", "[]", "'ifName' is missing or of the wrong type"),
+      call("handleSwitchPort", "[null]", "expected a string, found null"),
+      call("handleSwitchPort", R"(["et3/1","et3/2"])",
+           "'handleSwitchPort' does not take so many arguments"),
+      call("handleSwitchPort", R"(["'et3/1"])",
+           "expected the string's closing apostrophe, found the end of the text"),
+      call("handleSwitchPort", R"([""])", port + "''"),
+      call("handleSwitchPort", R"(["et3/1\u0000"])", noNul + R"('et3/1\x00')"),
+      call("handleSwitchPort", R"(["'et3/1\\x00'"])", noNul + R"('et3/1\x00')"),
+      call("sm/handleNativeVlan", R"(["port 1"])", port + "'port 1'"),
+      call("handleDevice", R"([{"devName":"fap0"}])",
+           R"(expected a string, found {"devName":"fap0"})"),
+      call("handleDeviceState", "[]", "'devName' is missing or of the wrong type"),
+      call("hasNotificationActiveIs", "[0]", "expected true or false, found 0"),
+      call("moxDoZombieReactors", R"(["on"])", "expected True or False, found 'o'"),
   });
 }
 

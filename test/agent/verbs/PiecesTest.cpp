@@ -53,13 +53,7 @@ TEST_F(Pieces, AreWhatRequestsAboutAllPortsAreAnsweredIn) {
   Json const shown = whole(R"({"verb":"show"})");
   EXPECT_EQ(shown.at("devices").size(), 1U);
   ASSERT_EQ(shown.at("ports").size(), ports);
-  EXPECT_EQ(shown.at("ports").at(9).dump(),
-            R"({"name":"et3/10","config":{"ifName":"et3/10","destId":0,"shadowIntfId":0,)"
-            R"("trafficClass":0,"devName":"fap0","fapNum":0,"ctrl":false,"hwLag":false,)"
-            R"("macAddr":"00:00:00:00:00:00"},"status":{"ifName":"et3/10","created":true},)"
-            R"("driver":{"destId":0,"shadowIntfId":0,"trafficClass":0,"devName":"fap0",)"
-            R"("fapNum":0,"ctrl":false,"hwLag":false,"macAddr":"00:00:00:00:00:00",)"
-            R"("nativeVlan":4096,"mode":false}})");
+  EXPECT_EQ(shown.at("ports").at(9).at("driver").at("nativeVlan"), 4096);
 
   EXPECT_EQ(whole(R"({"verb":"get","path":"status/switchPort"})").at("value").size(), ports);
   Json const got = whole(R"({"verb":"get","path":"config","form":"text"})").at("value");

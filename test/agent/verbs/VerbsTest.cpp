@@ -53,10 +53,6 @@ TEST_F(Verb, SetReplacesARecordWholeOrOneFieldOfIt) {
   ask(R"({"verb":"set","path":"config/switchPort/et3/9","value":{"destId":9,"devName":"fap0"}})");
   EXPECT_EQ(config->switchPort("et3/9").ifName(), "et3/9");
   EXPECT_TRUE(status->switchPort("et3/9").created());
-  EXPECT_EQ(ask(R"({"verb":"set","path":"config/switchPort/et3/9","value":{"ifName":"et3/8"}})"),
-            "refused: 'switchPort' does not take that index");
-  EXPECT_EQ(ask(R"({"verb":"set","path":"config/switchPort/et3/9:ifName","value":"et3/8"})"),
-            "refused: 'switchPort' does not take that index");
 }
 
 TEST_F(Verb, SetOfARecordChangesTheFieldsThatItNames) {
@@ -211,19 +207,6 @@ TEST_F(Verb, ApplyBringsTheConfigurationInLineAndDiffOnlyTells) {
   EXPECT_EQ(ask(request.dump()), R"({"announced":1,"unchanged":5,"notUp":[]})");
   EXPECT_EQ(status->nativeVlan("et3/1"), 30);
   EXPECT_EQ(ask(request.dump()), R"({"announced":0,"unchanged":6,"notUp":[]})");
-  request["content"] = "nonsense";
-  EXPECT_EQ(ask(request.dump()),
-            "file: new.slice:1:1: expected one of pciHam, sliceId, switchPort, nativeVlan, "
-            "switchportMode, device, deviceState, end, found 'nonsense'\n  nonsense\n  ^");
-}
-
-TEST_F(Verb, WhatDumpWritesApplyReadsBackToNoChange) {
-  for (std::string const format : {"slice", "json"}) {
-    Json const dumped = Json::parse(ask(R"({"verb":"dump","format":")" + format + "\"}"));
-    Json const diff{
-        {"verb", "diff"}, {"file", "dump." + format}, {"content", dumped.at("content")}};
-    EXPECT_EQ(ask(diff.dump()), R"({"steps":[],"unchanged":6})") << format;
-  }
 }
 
 TEST_F(Verb, ShowSetsConfigurationStatusAndDriverBesideEachOther) {
@@ -260,9 +243,6 @@ TEST_F(Verb, DriverSteersTheSimulatedOne) {
   EXPECT_EQ(dump.at("text"), Hardware::Kest::Sim::simDriver().dumpText());
   Json const state = Json::parse(ask(R"({"verb":"driver","action":"state"})"));
   EXPECT_EQ(state.at("state").at("interfaces").size(), 2U);
-  EXPECT_EQ(ask(R"({"verb":"driver","action":"flip","device":"fap7"})").substr(0, 6), "path: ");
-  EXPECT_EQ(ask(R"({"verb":"driver","action":"fault","text":"nonsense"})"),
-            "file: faults:1:1: expected fail or flip, found 'nonsense'");
 }
 
 TEST_F(Verb, TraceIsSwitchedAndTold) {
@@ -271,30 +251,6 @@ TEST_F(Verb, TraceIsSwitchedAndTold) {
   EXPECT_EQ(ask(R"({"verb":"trace","setting":"VerbsTest*/*"})"),
             R"({"setting":"VerbsTest/0128,VerbsTest*/*"})");
   EXPECT_EQ(ask(R"({"verb":"trace"})"), R"({"setting":"VerbsTest/0128,VerbsTest*/*"})");
-}
-
-TEST_F(Verb, WhoMayOnlyReadChangesNothing) {
-  std::uint64_t const changes = config->changeCount();
-  for (char const* request :
-       {R"({"verb":"set","path":"config/sliceId","value":"x"})",
-        R"({"verb":"del","path":"config/nativeVlan/et3/1"})",
-        R"({"verb":"notify","path":"config/nativeVlan/et3/1"})",
-        R"({"verb":"call","handler":"doVerify"})", R"({"verb":"apply","file":"x","content":""})",
-        R"({"verb":"trace","setting":"X/0"})", R"({"verb":"mode","mode":2})",
-        R"({"verb":"driver","action":"flip","device":"fap0"})",
-        R"({"verb":"driver","action":"fault","text":""})"}) {
-    std::string const verb = Json::parse(request).at("verb");
-    EXPECT_EQ(ask(request, false),
-              "denied: '" + verb +
-                  "' changes the agent or holds it up: only root and the agent's user may");
-  }
-  for (char const* request :
-       {R"({"verb":"get","path":"config"})", R"({"verb":"verify"})", R"({"verb":"show"})",
-        R"({"verb":"dump"})", R"({"verb":"mode"})", R"({"verb":"trace"})",
-        R"({"verb":"driver","action":"log"})", R"({"verb":"diff","file":"x","content":""})"}) {
-    EXPECT_EQ(Json::parse(ask(request, false)).is_structured(), true) << request;
-  }
-  EXPECT_EQ(config->changeCount(), changes);
 }
 
 TEST_F(Verb, WhileASliceIsBeingAppliedNothingElseIsChanged) {
