@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <sstream>
+#include <string>
 
 #include "driver/sim/FaultFile.h"
 #include "driver/sim/File.h"
@@ -14,20 +15,27 @@ using Mox::String8;
 
 namespace {
 
-/// A call's arguments as the log shows them: the name, then the rest as it streams.
-template <class... Rest>
-std::string argumentsText(String8 const& name, Rest const&... rest) {
-  std::ostringstream out;
-  out << Mox::valueToStrep(name);
-  ((out << ", " << rest), ...);
-  return out.str();
-}
-
 template <class Value>
 std::string streamed(Value const& value) {
   std::ostringstream out;
   out << value;
   return out.str();
+}
+
+// Most calls have no more than a name and perhaps one of these. A stream costs more than the call.
+std::string streamed(String8 const& text) {
+  return std::string(text.view());
+}
+std::string streamed(unsigned short number) {
+  return std::to_string(number);
+}
+
+/// A call's arguments as the log shows them: the name, then the rest as it streams.
+template <class... Rest>
+std::string argumentsText(String8 const& name, Rest const&... rest) {
+  std::string text = streamed(Mox::valueToStrep(name));
+  (text.append(", ").append(streamed(rest)), ...);
+  return text;
 }
 
 }  // namespace
