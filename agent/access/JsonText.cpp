@@ -51,6 +51,14 @@ class Bounds {
   std::size_t values_ = 0;
 };
 
+/// Whether the text keeps the bounds whatever it says: each name and each value takes a byte.
+bool keepsBounds(std::string_view text) {
+  auto const opens = [](char character) { return character == '{' || character == '['; };
+  return text.size() <= Wire::mostRequestValues &&
+         std::count_if(text.begin(), text.end(), opens) <=
+             static_cast<std::ptrdiff_t>(Wire::deepestRequest);
+}
+
 }  // namespace
 
 std::string jsonText(Json const& json) {
@@ -66,7 +74,7 @@ Json objectFromText(std::string_view text) {
     refuse("expected a JSON object; at byte " + std::to_string(zero + 1) + ": found a zero byte");
   }
   try {
-    Json object = Json::parse(text.begin(), text.end(), Bounds());
+    Json object = keepsBounds(text) ? Json::parse(text) : Json::parse(text, Bounds());
     if (!object.is_object()) refuse(std::string("expected an object, found ") + object.type_name());
     return object;
   } catch (Json::parse_error const& error) {
