@@ -29,12 +29,10 @@ std::optional<std::vector<Name>> steps(std::string_view path) {
 
 }  // namespace
 
-Dir::Member::~Member() = default;
-
 Dir::Dir(Name name) noexcept : Entity(std::move(name)) {}
 
 Dir::~Dir() {
-  for (auto it = members_.iteratorConst(); it; ++it) it->entity()->parent_ = nullptr;
+  for (auto const& [name, member] : members_) member->parent_ = nullptr;
 }
 
 MoxType const* Dir::_fwkType() {
@@ -59,23 +57,23 @@ void Dir::entityIs(Ptr<Entity> const& entity) {
       throwRangeException(format("'%s' would be in itself", fullName().charPtr()));
     }
   }
-  if (Member const* const member = members_.find(name)) {
-    throwRangeException(format("'%s' exists already", member->entity()->fullName().charPtr()));
+  auto const [there, isNew] = members_.try_emplace(name, entity);
+  if (!isNew) {
+    throwRangeException(format("'%s' exists already", there->second->fullName().charPtr()));
   }
-  members_.insert(Ptr<Member>(new Member(entity)));
   entity->parent_ = this;
 }
 
 Ptr<Entity> Dir::entityDel(Name const& name) {
-  Ptr<Member> const member = members_.remove(name.string());
-  if (!member) return nullptr;
-  member->entity()->parent_ = nullptr;
-  return member->entity();
+  Ptr<Entity> const gone = entity(name);
+  if (gone) gone->parent_ = nullptr;
+  members_.erase(name.string());
+  return gone;
 }
 
 Ptr<Entity> Dir::entity(Name const& name) const {
-  Member const* const member = members_.find(name.string());
-  return member == nullptr ? nullptr : member->entity();
+  auto const found = members_.find(name.string());
+  return found == members_.end() ? nullptr : found->second;
 }
 
 Ptr<Dir> root() {

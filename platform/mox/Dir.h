@@ -1,26 +1,14 @@
 #pragma once
 
+#include <map>
+
 #include "platform/mox/Entity.h"
-#include "platform/mox/HashMap.h"
 
 namespace Mox {
 
 /// A directory: an entity that holds others by name.
 class MOX_API Dir : public Entity {
  public:
-  /// Entry of a directory.
-  class MOX_API Member : public HashMapEntry {
-   public:
-    explicit Member(Ptr<Entity> entity) noexcept
-        : HashMapEntry(entity->name().string()), entity_(std::move(entity)) {}
-    ~Member() override;
-    Ptr<Entity> const& entity() const noexcept { return entity_; }
-
-   private:
-    Ptr<Entity> entity_;
-  };
-  using IteratorConst = HashMap<Member>::IteratorConst;
-
   explicit Dir(Name name) noexcept;
   ~Dir() override;
 
@@ -35,11 +23,10 @@ class MOX_API Dir : public Entity {
   Ptr<Entity> entityDel(Name const& name);
   /// The member of that name, or null.
   Ptr<Entity> entity(Name const& name) const;
-  IteratorConst entityIteratorConst() const noexcept { return members_.iteratorConst(); }
-  std::size_t entities() const noexcept { return members_.count(); }
+  std::size_t entities() const noexcept { return members_.size(); }
 
  private:
-  HashMap<Member> members_;
+  std::map<String8, Ptr<Entity>> members_;
 };
 
 /// The root of the agent's entities. Its name is empty, its path `/`.

@@ -64,20 +64,16 @@ class MOX_API GenericAccessException : public std::exception {
 /// collection's own iterators do.
 class MOX_API AttributeIterator {
  public:
-  explicit AttributeIterator(AttributeId attribute) noexcept : attribute_(attribute) {}
+  AttributeIterator() = default;
   AttributeIterator(AttributeIterator const&) = delete;
   AttributeIterator& operator=(AttributeIterator const&) = delete;
   virtual ~AttributeIterator();
 
-  AttributeId attribute() const noexcept { return attribute_; }
   /// Whether there is a current member.
   virtual explicit operator bool() const = 0;
   virtual AttributeIterator& operator++() = 0;
   virtual std::unique_ptr<GenericIf> key() const = 0;
   virtual std::unique_ptr<GenericIf> value() const = 0;
-
- private:
-  AttributeId attribute_;
 };
 
 /// Adapter: generic access to one value, of which it holds a copy, or to one object, to which it

@@ -50,7 +50,7 @@ IntrospectionReactor::~IntrospectionReactor() {
 
 void IntrospectionReactor::checkScope(String8 const& fullName) const {
   if (lastName(fullName.view()).empty()) {
-    throwRangeException(format("'%s' has no name behind its scope", fullName.charPtr()));
+    throwRangeException(format("'%s' has no name after its scope", fullName.charPtr()));
   }
   String8 const scope(scopeName(fullName.view()));
   if (!scope.empty() && !hasNamespace(scope) && type(scope) == nullptr) {

@@ -116,9 +116,6 @@ class MOX_API PtrInterface {
   }
 
   /// The thread-safe pointer switch. Set it while a single thread runs.
-  static bool threadSafePtr() noexcept {
-    return detail::ThreadSafePtr::on.load(std::memory_order_relaxed);
-  }
   static void threadSafePtrIs(bool on) noexcept {
     detail::ThreadSafePtr::on.store(on, std::memory_order_relaxed);
   }

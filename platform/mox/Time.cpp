@@ -7,20 +7,22 @@ namespace Mox {
 
 namespace {
 
+/// The machine's monotonic time.
+class RealTimeSource final : public TimeSource {
+ public:
+  double now() const override {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+  }
+  double waitTime(double time) const override { return std::max(time - now(), 0.0); }
+};
+
 RealTimeSource const realTime;
 TimeSource const* current = &realTime;
 
 }  // namespace
 
 TimeSource::~TimeSource() = default;
-
-double RealTimeSource::now() const {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-double RealTimeSource::waitTime(double time) const {
-  return std::max(time - now(), 0.0);
-}
 
 TimeSource const& timeSource() {
   return *current;

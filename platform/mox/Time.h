@@ -20,13 +20,6 @@ class MOX_API TimeSource {
   virtual double waitTime(double time) const = 0;
 };
 
-/// The machine's monotonic time.
-class MOX_API RealTimeSource final : public TimeSource {
- public:
-  double now() const override;
-  double waitTime(double time) const override;
-};
-
 /// Time that stands still until it is moved, for tests and simulations.
 class MOX_API ManualTimeSource final : public TimeSource {
  public:
@@ -39,7 +32,8 @@ class MOX_API ManualTimeSource final : public TimeSource {
   double now_ = 0;
 };
 
-/// The process's time source: real time, unless `timeSourceIs` put another in its place.
+/// The process's time source: the machine's monotonic time, unless `timeSourceIs` put another in
+/// its place.
 MOX_API TimeSource const& timeSource();
 /// Not owned: `source` must outlive its use. Null brings real time back.
 MOX_API void timeSourceIs(TimeSource const* source);

@@ -147,11 +147,6 @@ TraceHandle::~TraceHandle() {
   std::erase(facilities().handles, this);
 }
 
-void TraceHandle::enabledIs(unsigned level, bool on) noexcept {
-  auto const bit = static_cast<std::uint16_t>(1U << level);
-  levels_ = static_cast<std::uint16_t>(on ? levels_ | bit : levels_ & ~bit);
-}
-
 void traceSettingIs(std::string_view setting) {
   auto& [handles, rules] = facilities();
   for (Rule const& rule : SettingReader(setting).rules()) {

@@ -26,7 +26,6 @@ class MOX_API TraceHandle {
 
   String8 const& facility() const noexcept { return facility_; }
   bool enabled(unsigned level) const noexcept { return (levels_ >> level & 1U) != 0; }
-  void enabledIs(unsigned level, bool on) noexcept;
 
  private:
   friend MOX_API void traceSettingIs(std::string_view setting);

@@ -19,9 +19,7 @@ class CollectionIterator final : public Mox::AttributeIterator {
  public:
   CollectionIterator(Mox::Ptr<Mox::PtrInterface const> entity,
                      typename Collection::IteratorConst at)
-      : AttributeIterator(Collection::attributeId),
-        entity_(std::move(entity)),
-        at_(std::move(at)) {}
+      : entity_(std::move(entity)), at_(std::move(at)) {}
 
   explicit operator bool() const override { return static_cast<bool>(at_); }
   AttributeIterator& operator++() override {

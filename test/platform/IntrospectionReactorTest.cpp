@@ -77,10 +77,10 @@ TEST_F(IntrospectionReactorTest, RefusesWhatHasNoScope) {
 }
 
 TEST_F(IntrospectionReactorTest, RefusesWhatHasNoName) {
-  EXPECT_EQ(refusal([&] { reactor.onNamespace(""); }), "'' has no name behind its scope");
-  EXPECT_EQ(refusal([&] { reactor.onNamespace("Toy::"); }), "'Toy::' has no name behind its scope");
+  EXPECT_EQ(refusal([&] { reactor.onNamespace(""); }), "'' has no name after its scope");
+  EXPECT_EQ(refusal([&] { reactor.onNamespace("Toy::"); }), "'Toy::' has no name after its scope");
   MoxType const nameless("Toy::");
-  EXPECT_EQ(refusal([&] { reactor.onType(nameless); }), "'Toy::' has no name behind its scope");
+  EXPECT_EQ(refusal([&] { reactor.onType(nameless); }), "'Toy::' has no name after its scope");
 }
 
 TEST_F(IntrospectionReactorTest, RefusesANameThatIsTaken) {

@@ -104,14 +104,6 @@ TEST_F(TraceTest, AMalformedSettingIsRefusedAndChangesNothing) {
   }
 }
 
-TEST_F(TraceTest, OneLevelIsSwitchedByItself) {
-  slice.enabledIs(9, true);
-  slice.enabledIs(0, true);
-  EXPECT_EQ(levels(slice), "09");
-  slice.enabledIs(9, false);
-  EXPECT_EQ(levels(slice), "0");
-}
-
 TEST_F(TraceTest, AnEnabledPointWritesOneLine) {
   traceSettingIs("TestSlice/8");
   traceHelper(slice, "100% et3", 8, "TestSm", 71, "handleIt");
@@ -133,7 +125,7 @@ TEST_F(TraceTest, TheCoverageStreamGetsEveryPointReached) {
 
 TEST_F(TraceTest, APointIsWantedWhenItsLevelOrTheCoverageStreamIsOn) {
   EXPECT_FALSE(traceWanted(slice, 1));
-  slice.enabledIs(1, true);
+  traceSettingIs("TestSlice/1");
   EXPECT_TRUE(traceWanted(slice, 1));
   EXPECT_FALSE(traceWanted(slice, 2));
   std::ostringstream covered;
@@ -152,7 +144,7 @@ TEST_F(TraceTest, EachLineIsFlushed) {
   FlushCounter buffer;
   std::ostream stream(&buffer);
   traceStreamIs(&stream);
-  slice.enabledIs(1, true);
+  traceSettingIs("TestSlice/1");
   traceHelper(slice, "one", 1, "TestSm", 1, "a");
   traceHelper(slice, "two", 1, "TestSm", 2, "b");
   EXPECT_EQ(buffer.flushes, 2);
@@ -167,7 +159,7 @@ TEST_F(TraceTest, ASettingDoesNotReachHandlesThatAreGone) {
 
 TEST_F(TraceTest, StandardErrorIsTheStreamByDefault) {
   traceStreamIs(nullptr);
-  slice.enabledIs(1, true);
+  traceSettingIs("TestSlice/1");
   ::testing::internal::CaptureStderr();
   traceHelper(slice, "one", 1, "TestSm", 1, "a");
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "TestSlice 1 TestSm:1 a one\n");

@@ -56,7 +56,6 @@ class PtrInterface {
     if (references_ == notifierReferences_) lent_ = true;
   }
 
-  static bool threadSafePtr() noexcept { return threadSafePtr_; }
   static void threadSafePtrIs(bool on) noexcept { threadSafePtr_ = on; }
 
  protected:

@@ -18,13 +18,6 @@ class TraceHandle {
 
   String8 const& facility() const { return facility_; }
   bool enabled(unsigned level) const { return levels_.count(level) > 0; }
-  void enabledIs(unsigned level, bool on) {
-    if (on) {
-      levels_.insert(level);
-    } else {
-      levels_.erase(level);
-    }
-  }
 
  private:
   friend void traceSettingIs(std::string_view setting);
