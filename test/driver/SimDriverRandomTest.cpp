@@ -114,6 +114,8 @@ class RandomRun {
  public:
   explicit RandomRun(std::uint64_t seed) : random_(seed) {}
 
+  void keepState() { sim_.stateFileIs(folder_.file("state")); }
+
   /// One operation on both: their answers, and what they stored as the answer to a question.
   void step() {
     std::string const port = any({"et1", "et2", "et3"});
@@ -165,6 +167,13 @@ class RandomRun {
     EXPECT_EQ(plain(sim_.devices()), plain_.devices);
   }
 
+  /// What the next process has of the state file.
+  void expectSameAfterRestart() {
+    SimDriver next;
+    next.stateFileIs(folder_.file("state"));
+    EXPECT_EQ(next.stateText(), sim_.stateText());
+  }
+
  private:
   int below(int bound) { return static_cast<int>(random_() % static_cast<unsigned>(bound)); }
   char const* any(std::initializer_list<char const*> choices) {
@@ -192,6 +201,7 @@ class RandomRun {
   }
 
   std::mt19937_64 random_;
+  TempFolder const folder_;
   SimDriver sim_;
   PlainSlice plain_;
 };
@@ -202,6 +212,8 @@ TEST(SimDriverRandom, StaysTheSameAsAPlainModel) {
     for (int step = 0; step < 2000; ++step) {
       run.step();
       run.expectSameState();
+      if (step == 1900) run.keepState();
+      if (step >= 1900) run.expectSameAfterRestart();
       ASSERT_FALSE(testing::Test::HasFailure()) << "seed " << seed << ", step " << step;
     }
   }

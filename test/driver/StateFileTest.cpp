@@ -8,9 +8,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include "driver/sim/SimDriver.h"
@@ -20,7 +18,6 @@
 namespace Hardware::Kest::Sim {
 namespace {
 
-using namespace std::string_view_literals;
 using testing::ElementsAre;
 
 std::string pathRefusal(SimDriver& driver, std::string const& path) {
@@ -313,66 +310,6 @@ TEST(StateFile, IsWrittenWholeWhenSomebodyElseHasChangedOrRemovedIt) {
   std::ofstream(path, std::ios::app) << "theirs";
   driver.deviceFlip("fap0");
   EXPECT_EQ(contentOf(path), driver.stateText());
-}
-
-/// One operation at random, often one that changes something.
-void operate(SimDriver& driver, std::mt19937_64& random) {
-  static Mox::String8 const devNames[] = {"", "fap0", "fap%31", "\xc3\xa9",
-                                          Mox::String8("\0\xff"sv)};
-  static Mox::String8 const ifNames[] = {"et1", "et3/1", "~\"\\\n", "\xed\xa0\x80", "%"};
-  auto const below = [&](unsigned bound) { return static_cast<unsigned>(random() % bound); };
-  Mox::String8 const devName = devNames[below(5)];
-  Mox::String8 const ifName = ifNames[below(5)];
-  auto const number = [&] { return below(3) == 0 ? static_cast<unsigned>(random()) : below(9); };
-  auto const integer = [&] { return static_cast<int>(number()); };
-  switch (below(9)) {
-    case 0:
-    case 1:
-      driver.ifadd(ifName, {integer(), integer(), integer(), devName,
-                            devName.empty() ? integer() : static_cast<int>(below(4)), below(2) == 0,
-                            below(2) == 0, "00:1C:73:0a:0b:0c"});
-      break;
-    case 2:
-      if (below(3) == 0) driver.ifdel(ifName);
-      break;
-    case 3:
-      driver.nativeVlan(ifName, below(2) == 0, static_cast<unsigned short>(4090 + below(10)));
-      break;
-    case 4:
-      driver.deviceRename(devName, pciHam(devNames[1 + below(3)].charPtr()));
-      break;
-    case 5:
-      driver.deviceParam(devName, {below(5), static_cast<FapType>(below(5)), number(), number(),
-                                   number(), number(), number(), number(), number()});
-      break;
-    case 6:
-      driver.deviceDown(devName);
-      break;
-    case 7:
-      driver.deviceUp(devName);
-      break;
-    default:
-      driver.deviceFlip(devName);
-  }
-}
-
-TEST(StateFile, GivesTheNextProcessTheSameSliceAtAnyTime) {
-  for (std::uint64_t seed = 1; seed <= 8; ++seed) {
-    TempFolder const folder;
-    std::mt19937_64 random(seed);
-    SimDriver first;
-    first.stateFileIs(folder.file("state"));
-    for (int step = 0; step < 150; ++step) {
-      operate(first, random);
-      SimDriver second;
-      second.stateFileIs(folder.file("state"));
-      ASSERT_TRUE(second.interfaces() == first.interfaces() && second.devices() == first.devices())
-          << "seed " << seed << ", step " << step << "\n"
-          << first.stateText() << second.stateText();
-    }
-    EXPECT_FALSE(first.interfaces().empty()) << seed;
-    EXPECT_FALSE(first.devices().empty()) << seed;
-  }
 }
 
 }  // namespace

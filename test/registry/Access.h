@@ -14,6 +14,7 @@ using Code = Mox::AttributeOpCode;
 using List = Mox::GenericIf::List_;
 
 using Test::operate;
+using Test::refused;
 
 inline Generic string(char const* text) {
   return Mox::genericOf(Mox::String8(text));
@@ -39,6 +40,13 @@ T valueOf(Generic const& generic) {
 inline Generic operate(Mox::GenericIf& on, char const* name, Code code,
                        Generic const& index = nullptr, Mox::GenericIf const* arg = nullptr) {
   return operate(on, {on.attributeId(name), code, index.get()}, arg);
+}
+
+/// How it is refused.
+inline Test::GenericRefusal refused(Mox::GenericIf& on, char const* name, Code code,
+                                    Generic const& index = nullptr,
+                                    Mox::GenericIf const* arg = nullptr) {
+  return refused(on, {on.attributeId(name), code, index.get()}, arg);
 }
 
 inline Generic read(Mox::GenericIf& on, char const* name, Generic const& index = nullptr) {

@@ -82,18 +82,6 @@ TYPED_TEST(DeferredNotificationTest, TheSameKeyCountsOnceAndIsToldAtOnceEachTime
   });
 }
 
-TYPED_TEST(DeferredNotificationTest, AKeyMayBeEmpty) {
-  this->entity->nativeVlanIs("", 10);
-  EXPECT_THAT(this->delivered(), ElementsAre("o onNativeVlan "));
-}
-
-TYPED_TEST(DeferredNotificationTest, WhatChangesNothingIsNotPending) {
-  this->entity->nativeVlanDel("et1");
-  this->entity->switchPortDelAll();
-  EXPECT_FALSE(this->deferred->isPending());
-  EXPECT_THAT(this->told(), IsEmpty());
-}
-
 TYPED_TEST(DeferredNotificationTest, DeliversByAttributeNumber) {
   this->entity->deviceStateNotify("fap1");
   this->entity->deviceStateNotify("fap0");
@@ -169,12 +157,6 @@ TYPED_TEST(DeferredNotificationTest, ZeroReferencesAreToldAtOnce) {
   EXPECT_FALSE(this->deferred->isPending());
 }
 
-TYPED_TEST(DeferredNotificationTest, WhatIsPendingIsStillDeliveredWhenOnlyItHoldsTheEntity) {
-  this->entity->deviceNotify("fap0");
-  this->entity = nullptr;
-  EXPECT_THAT(this->delivered(), ElementsAre("o onDevice fap0"));
-}
-
 TYPED_TEST(DeferredNotificationTest, GoesWithWhatIsPending) {
   this->entity->deviceNotify("fap0");
   this->told();
@@ -207,13 +189,6 @@ TYPED_TEST(DeferredNotificationTest, MayDeliverWithinADelivery) {
   this->deferred->deliver();
   EXPECT_THAT(this->told(), ElementsAre("o onSwitchPort et1", "o onNativeVlanmoxImmediate",
                                         "o onNativeVlan et1", "o onDevice fap0"));
-}
-
-TYPED_TEST(DeferredNotificationTest, TellsWhatIsPendingEvenIfItObservesNothingAnyMore) {
-  this->entity->deviceNotify("fap0");
-  this->deferred->notifierIs(nullptr);
-  this->entity->deviceNotify("fap1");
-  EXPECT_THAT(this->delivered(), ElementsAre("o onDevice fap0"));
 }
 
 TEST(DeferredConfigNotification, TellsOfTheSliceIdFirstAndOnce) {

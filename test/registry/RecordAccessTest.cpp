@@ -106,25 +106,18 @@ TYPED_TEST(RecordAccessTest, IsNotMadeOfAPartOfTheWrongType) {
   }
 }
 
-TYPED_TEST(RecordAccessTest, IsClonedWithItsFlag) {
-  using Adapter = typename TypeParam::GenericIf_;
-  Generic const copy = this->generic->clone();
-  EXPECT_EQ(copy->type(), this->generic->type());
-  EXPECT_EQ(valueOf<TypeParam>(copy), this->sample);
-  EXPECT_FALSE(copy->isConst());
-  EXPECT_TRUE(this->constant->clone()->isConst());
-  dynamic_cast<Adapter&>(*copy).valIs(TypeParam());
-  EXPECT_EQ(valueOf<TypeParam>(this->generic), this->sample) << "a copy of its own";
-}
-
 TYPED_TEST(RecordAccessTest, IsReplacedAsAWholeUnlessConst) {
   using Adapter = typename TypeParam::GenericIf_;
   auto const other = randomRecord<TypeParam>(this->random);
-  dynamic_cast<Adapter&>(*this->generic).valIs(other);
-  EXPECT_EQ(valueOf<TypeParam>(this->generic), other);
-  EXPECT_EQ(genericRefusal([&] { dynamic_cast<Adapter&>(*this->constant).valIs(other); }),
-            constInstance());
-  EXPECT_EQ(valueOf<TypeParam>(this->constant), this->sample);
+  Generic const copy = this->generic->clone();
+  EXPECT_FALSE(copy->isConst());
+  dynamic_cast<Adapter&>(*copy).valIs(other);
+  EXPECT_EQ(valueOf<TypeParam>(copy), other);
+  EXPECT_EQ(valueOf<TypeParam>(this->generic), this->sample) << "a copy of its own";
+
+  Generic const fixed = this->constant->clone();
+  EXPECT_EQ(genericRefusal([&] { dynamic_cast<Adapter&>(*fixed).valIs(other); }), constInstance());
+  EXPECT_EQ(valueOf<TypeParam>(fixed), this->sample);
 }
 
 TYPED_TEST(RecordAccessTest, IsNotMadeOfTooManyPartsOrOfNoList) {
@@ -137,22 +130,13 @@ TYPED_TEST(RecordAccessTest, IsNotMadeOfTooManyPartsOrOfNoList) {
             wrongType("List"));
 }
 
-TYPED_TEST(RecordAccessTest, FieldsAreReadWithoutAnIndex) {
+TYPED_TEST(RecordAccessTest, FieldsAreReadOnlyAndTakeNoIndex) {
   for (Mox::Attribute const& attribute : fieldsOf(*this->generic)) {
-    EXPECT_EQ(genericRefusal([&] {
-                operate(*this->generic, {attribute.id, Code::read, this->generic.get()});
-              }),
+    EXPECT_EQ(refused(*this->generic, {attribute.id, Code::read, this->generic.get()}),
               badIndex(name(attribute.name)));
-  }
-}
-
-TYPED_TEST(RecordAccessTest, FieldsAreReadOnly) {
-  for (Mox::Attribute const& attribute : fieldsOf(*this->generic)) {
     Generic const value = field(*this->generic, attribute);
     for (unsigned const code : {1U, 99U, 100U, 127U, 128U, 129U, 130U, 131U, 4096U}) {
-      EXPECT_EQ(genericRefusal([&] {
-                  operate(*this->generic, {attribute.id, Code(code)}, value.get());
-                }),
+      EXPECT_EQ(refused(*this->generic, {attribute.id, Code(code)}, value.get()),
                 opNotSupported(name(attribute.name), code));
     }
   }
@@ -162,10 +146,7 @@ TYPED_TEST(RecordAccessTest, FieldsAreReadOnly) {
 TYPED_TEST(RecordAccessTest, AConstAdapterRefusesBeforeTheAttributeIsLookedAt) {
   for (Mox::AttributeId const id : {0U, 1U, 2U, 3U, 99U, 99999U}) {
     for (unsigned const code : {128U, 129U, 131U, 4096U}) {
-      EXPECT_EQ(genericRefusal([&] {
-                  operate(*this->constant, {id, Code(code), this->generic.get()});
-                }),
-                constInstance());
+      EXPECT_EQ(refused(*this->constant, {id, Code(code), this->generic.get()}), constInstance());
     }
   }
 }
@@ -185,20 +166,14 @@ TYPED_TEST(RecordAccessTest, EverythingElseIsLeftToTheFramework) {
   EXPECT_EQ(valueOf<TypeParam>(operate(*this->generic, {wholeAttributeId, Code::read})),
             this->sample);
   for (unsigned const code : {1U, 99U, 101U, 128U, 129U, 130U, 131U}) {
-    EXPECT_EQ(genericRefusal([&] {
-                operate(*this->generic, {wholeAttributeId, Code(code)}, this->constant.get());
-              }),
+    EXPECT_EQ(refused(*this->generic, {wholeAttributeId, Code(code)}, this->constant.get()),
               opNotSupported(this->typeName, code));
   }
   auto const behind = static_cast<Mox::AttributeId>(2 + fieldsOf(*this->generic).size());
   for (Mox::AttributeId const id : {Mox::AttributeId{1}, behind, Mox::AttributeId{258}}) {
-    EXPECT_EQ(genericRefusal([&] {
-                operate(*this->generic, {id, Code::read});
-              }),
+    EXPECT_EQ(refused(*this->generic, {id, Code::read}),
               noSuchAttribute(this->typeName, std::to_string(id)));
-    EXPECT_EQ(genericRefusal([&] {
-                operate(*this->generic, {id, Code::store});
-              }),
+    EXPECT_EQ(refused(*this->generic, {id, Code::store}),
               noSuchAttribute(this->typeName, std::to_string(id)));
   }
 }
@@ -235,8 +210,8 @@ TYPED_TEST(RecordAccessTest, IsCopiedOutOfAnotherAdapterOfItsType) {
 
 TEST(ConfigDeviceAccess, RefusesAListOfTwelve) {
   Generic const device = genericOf(ConfigDevice());
-  List parts = partsOf(*device, 11);
-  parts.add(number(0));
+  List parts = partsOf(*device, 3);
+  for (int more = 0; more < 9; ++more) parts.add(number(0));  // of them no FAPs, which comes later
   EXPECT_EQ(genericRefusal([&] { device->genericIfListConstructor(parts); }), unknownArg("Device"));
 }
 
@@ -252,18 +227,6 @@ TEST(ConfigDeviceAccess, RefusesANumberOfFapsOutsideOneToThree) {
   EXPECT_EQ(made(0xffffffff), "Device::numFaps < 1 or > 3 not allowed");
   EXPECT_EQ(made(1), "");
   EXPECT_EQ(made(3), "");
-}
-
-TEST(ConfigDeviceAccess, RefusesANumberOfFapsOnlyWhenAllPartsFit) {
-  Generic const device = genericOf(ConfigDevice());
-  List parts = partsOf(*device, 3);
-  parts.add(number(0));
-  List wrong(parts);
-  wrong.add(string("no port"));
-  EXPECT_EQ(genericRefusal([&] { device->genericIfListConstructor(wrong); }),
-            wrongType("cpuTmSysPort"));
-  for (int port = 0; port < 8; ++port) parts.add(number(0));
-  EXPECT_EQ(genericRefusal([&] { device->genericIfListConstructor(parts); }), unknownArg("Device"));
 }
 
 TEST(ConfigDeviceAccess, TakesItsHandleByReference) {

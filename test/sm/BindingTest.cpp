@@ -87,61 +87,38 @@ TEST_F(BindingTest, AnotherConfigMovesTheSameReactor) {
                           "kestDmaNativeVlan('et2', false, 4096)"));
 }
 
-TEST_F(BindingTest, NoConfigDropsTheReactor) {
-  auto const reactor = sm->configReactor();
+/// Both ways to bind nothing any more.
+using Unbinding = void (*)(KestSliceDmaSm& sm);
+constexpr Unbinding configUnbindings[] = {[](auto& sm) { sm.configIs(nullptr); },
+                                          [](auto& sm) { sm.configDel(); }};
+constexpr Unbinding timerUnbindings[] = {[](auto& sm) { sm.stateTimerIs(nullptr); },
+                                         [](auto& sm) { sm.stateTimerDel(); }};
 
-  sm->configIs(nullptr);
-  EXPECT_EQ(sm->configReactor(), nullptr);
-  EXPECT_EQ(sm->config(), nullptr);
-  EXPECT_EQ(config->observers().count(), 0U);
-  EXPECT_TRUE(reactor->moxMarkedForDeletion());
-  EXPECT_FALSE(reactor->hasNotificationActive());
-  EXPECT_EQ(reactor->references(), 1U);
+TEST_F(BindingTest, NoConfigDropsTheReactorWhichForgetsTheMachine) {
+  for (Unbinding const unbind : configUnbindings) {
+    auto const reactor = sm->configReactor();
+    ASSERT_EQ(reactor->kestSliceDmaSm(), sm.ptr());
+    for (int times = 0; times < 2; ++times) unbind(*sm);
+    EXPECT_EQ(sm->configReactor(), nullptr);
+    EXPECT_EQ(sm->config(), nullptr);
+    EXPECT_EQ(config->observers().count(), 0U);
+    EXPECT_TRUE(reactor->moxMarkedForDeletion());
+    EXPECT_FALSE(reactor->hasNotificationActive());
+    EXPECT_EQ(reactor->kestSliceDmaSm(), nullptr);
+    EXPECT_EQ(reactor->references(), 1U);
 
-  sm->configIs(nullptr);
-  EXPECT_EQ(sm->configReactor(), nullptr);
-
-  sm->configIs(config);
-  EXPECT_NE(sm->configReactor(), reactor);
-  config->switchPortNotify("et1");
-  EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfdel('et1')"));
+    sm->configIs(config);
+    EXPECT_NE(sm->configReactor(), reactor);
+    config->switchPortNotify("et1");
+    EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfdel('et1')"));
+  }
 }
 
-TEST_F(BindingTest, ReleasedReactorForgetsTheMachine) {
-  auto const dropped = sm->configReactor();
-  auto const droppedTimer = sm->stateTimerReactor();
-  ASSERT_EQ(dropped->kestSliceDmaSm(), sm.ptr());
-  ASSERT_EQ(droppedTimer->kestSliceDmaSm(), sm.ptr());
-  sm->configIs(nullptr);
-  sm->stateTimerIs(nullptr);
-  EXPECT_EQ(dropped->kestSliceDmaSm(), nullptr);
-  EXPECT_EQ(droppedTimer->kestSliceDmaSm(), nullptr);
-
-  sm->configIs(config);
-  sm->stateTimerIs(clock);
-  auto const deleted = sm->configReactor();
-  auto const deletedTimer = sm->stateTimerReactor();
-  sm->configDel();
-  sm->stateTimerDel();
-  EXPECT_EQ(deleted->kestSliceDmaSm(), nullptr);
-  EXPECT_EQ(deletedTimer->kestSliceDmaSm(), nullptr);
-}
-
-TEST_F(BindingTest, ConfigDelReturnsWhatWasObservedOnce) {
-  auto const reactor = sm->configReactor();
-
+TEST_F(BindingTest, DeletionReturnsWhatWasObservedOnce) {
   EXPECT_EQ(sm->configDel(), config);
-  EXPECT_EQ(sm->configReactor(), nullptr);
-  EXPECT_TRUE(reactor->moxMarkedForDeletion());
-  EXPECT_FALSE(reactor->hasNotificationActive());
-  EXPECT_EQ(config->observers().count(), 0U);
   EXPECT_EQ(sm->configDel(), nullptr);
-
-  config->switchPortIs(port("et1"));
-  sm->configIs(config);
-  EXPECT_THAT(journal.taken(), IsEmpty());
-  config->switchPortNotify("et2");
-  EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfdel('et2')"));
+  EXPECT_EQ(sm->stateTimerDel(), clock);
+  EXPECT_EQ(sm->stateTimerDel(), nullptr);
 }
 
 TEST_F(BindingTest, SameClockAgainDoesNothing) {
@@ -201,33 +178,25 @@ TEST_F(BindingTest, MovedTimerPollsWithItsNewClockSetAndJoinsItAfterwards) {
 
 TEST_F(BindingTest, TimerIsDroppedAndMadeAnewWithoutAPoll) {
   givePoll(status, journal);
-  auto const reactor = sm->stateTimerReactor();
+  for (Unbinding const unbind : timerUnbindings) {
+    auto const reactor = sm->stateTimerReactor();
+    ASSERT_EQ(reactor->kestSliceDmaSm(), sm.ptr());
+    for (int times = 0; times < 2; ++times) unbind(*sm);
+    EXPECT_EQ(sm->stateTimerReactor(), nullptr);
+    EXPECT_EQ(sm->stateTimer(), nullptr);
+    EXPECT_TRUE(reactor->moxMarkedForDeletion());
+    EXPECT_FALSE(reactor->hasNotificationActive());
+    EXPECT_FALSE(reactor->isRegisteredNotifiee());
+    EXPECT_EQ(reactor->kestSliceDmaSm(), nullptr);
+    EXPECT_EQ(clock->timeMin(), Mox::never);
 
-  sm->stateTimerIs(nullptr);
-  EXPECT_EQ(sm->stateTimerReactor(), nullptr);
-  EXPECT_EQ(sm->stateTimer(), nullptr);
-  EXPECT_TRUE(reactor->moxMarkedForDeletion());
-  EXPECT_EQ(clock->timeMin(), Mox::never);
-  sm->stateTimerIs(nullptr);
-  EXPECT_EQ(sm->stateTimerReactor(), nullptr);
-
-  sm->stateTimerIs(clock);
-  EXPECT_NE(sm->stateTimerReactor(), reactor);
-  EXPECT_EQ(sm->stateTimer(), clock);
-  EXPECT_THAT(journal.taken(), IsEmpty());
-  EXPECT_EQ(timeMin(), 0);
-  EXPECT_TRUE(sm->stateTimerReactor()->hasNotificationActive());
-}
-
-TEST_F(BindingTest, StateTimerDelReturnsWhatWasObservedOnce) {
-  auto const reactor = sm->stateTimerReactor();
-
-  EXPECT_EQ(sm->stateTimerDel(), clock);
-  EXPECT_EQ(sm->stateTimerReactor(), nullptr);
-  EXPECT_TRUE(reactor->moxMarkedForDeletion());
-  EXPECT_FALSE(reactor->hasNotificationActive());
-  EXPECT_FALSE(reactor->isRegisteredNotifiee());
-  EXPECT_EQ(sm->stateTimerDel(), nullptr);
+    sm->stateTimerIs(clock);
+    EXPECT_NE(sm->stateTimerReactor(), reactor);
+    EXPECT_EQ(sm->stateTimer(), clock);
+    EXPECT_THAT(journal.taken(), IsEmpty());
+    EXPECT_EQ(timeMin(), 0);
+    EXPECT_TRUE(sm->stateTimerReactor()->hasNotificationActive());
+  }
 }
 
 TEST_F(BindingTest, InitializationBindsTheAgentsClockAndDisarmsTheTimer) {

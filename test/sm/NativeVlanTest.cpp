@@ -100,15 +100,5 @@ TEST_F(NativeVlanTest, PortWithoutAnInterfaceIsLeftAlone) {
   EXPECT_THAT(journal.taken(), IsEmpty());
 }
 
-TEST_F(NativeVlanTest, VlanWaitsForTheInterface) {
-  config->nativeVlanIs("et2", 10);
-  config->switchportModeIs("et2", tunnel);
-  config->switchPortIs(port("et2"));
-  EXPECT_THAT(journal.taken(),
-              ElementsAre(ifadd("et2"), "usleep(100000)", "status switchPort et2: created",
-                          "kestDmaNativeVlan('et2', true, 10)", "status nativeVlan et2: 10",
-                          "status switchportMode et2: switchportModeDot1qTunnel"));
-}
-
 }  // namespace
 }  // namespace Hardware::Kest::Slice

@@ -104,15 +104,7 @@ TEST_F(SwitchPortTest, DeletionIsAskedForAPortNeverCreatedAndItsResultIgnored) {
   EXPECT_THAT(journal.taken(), ElementsAre("kestDmaIfdel('et1')"));
 }
 
-TEST_F(SwitchPortTest, TryAgainIsTriedAgainAfterAPause) {
-  driver.answersIs("kestDmaIfadd", "et1", {11, 11, 0});
-  config->switchPortIs(port("et1"));
-  EXPECT_THAT(journal.taken(), ElementsAre(ifadd("et1"), pause, ifadd("et1"), pause, ifadd("et1"),
-                                           pause, "status switchPort et1: created",
-                                           "kestDmaNativeVlan('et1', false, 4096)"));
-}
-
-TEST_F(SwitchPortTest, RetryUsesTheSameArgumentsWhateverTheConfigHoldsByThen) {
+TEST_F(SwitchPortTest, TryAgainIsTriedAgainAfterAPauseWithTheSameArguments) {
   driver.answersIs("kestDmaIfadd", "et1", {11, 11, 0});
   auto changed = port("et1");
   changed.destIdIs(8);

@@ -1,4 +1,6 @@
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "platform/mox/Trace.h"
 #include "test/sm/SmFixture.h"
@@ -6,117 +8,77 @@
 namespace Hardware::Kest::Slice {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
+using testing::Not;
 
 class TraceTest : public SmTest {
+ public:
+  /// A trace point, and what leads to it: its line is the journal's at index `at`.
+  struct Point {
+    char level;
+    std::size_t at;
+    std::string text;
+    void (*reach)(TraceTest& test);
+  };
+  static std::vector<Point> const points;
+
  protected:
   ~TraceTest() override { Mox::traceCoverageStreamIs(nullptr); }
+
+  static std::string lineOf(Point const& point) {
+    return std::string("trace KestSliceDma ") + point.level + " KestSliceDmaSm:" + point.text;
+  }
 };
 
-constexpr char const* handleSwitchPort =
-    "trace KestSliceDma 8 KestSliceDmaSm:126 handleSwitchPort "
-    "KestSliceDmaSm::handleSwitchPort ifName=et1";
-constexpr char const* handleNativeVlan =
-    "trace KestSliceDma 8 KestSliceDmaSm:170 handleNativeVlan "
-    "KestSliceDmaSm::handleNativeVlan ifName=et1";
-constexpr char const* handleTimerExpired =
-    "trace KestSliceDma 8 KestSliceDmaSm:84 handleTimerExpired "
-    "void Hardware::Kest::Slice::KestSliceDmaSm::handleTimerExpired()";
+std::string const handler = "void Hardware::Kest::Slice::KestSliceDmaSm::";
 
-TEST_F(TraceTest, PortHandlersTraceFirstAtLevel8) {
-  traceOn("8");
-  config->switchPortIs(port("et1"));
-  EXPECT_THAT(journal.taken(), ElementsAre(handleSwitchPort, ifadd("et1"), "usleep(100000)",
-                                           "status switchPort et1: created", handleNativeVlan,
-                                           "kestDmaNativeVlan('et1', false, 4096)"));
-  config->switchPortDel("et1");
-  EXPECT_THAT(journal.taken(), ElementsAre(handleSwitchPort, "kestDmaIfdel('et1')",
-                                           "status switchPort et1: none", handleNativeVlan));
-}
+std::vector<TraceTest::Point> const TraceTest::points = {
+    {'0', 0, "34 doVerify " + handler + "doVerify()", [](auto& t) { t.sm->doVerify(); }},
+    {'0', 1,
+     "48 doVerify doVerify device: 'fap0' registered 1 confState: 'deviceStateUp' "
+     "statState: 'deviceStateUp'",
+     [](auto& t) { t.sm->doVerify(); }},
+    {'1', 0,
+     "236 handleDeviceState " + handler +
+         "handleDeviceState(Mox::String) device: 'fap9' state: deviceStateDown/deviceStateUnknown",
+     [](auto& t) { t.config->deviceStateNotify("fap9"); }},
+    {'1', 0, "204 handleDevice " + handler + "handleDevice(Mox::String) device: 'fap0'",
+     [](auto& t) { t.config->deviceNotify("fap0"); }},
+    {'1', 1, "211 handleDevice " + handler + "handleDevice(Mox::String) device: 'fap0'",
+     [](auto& t) { t.config->deviceNotify("fap0"); }},
+    {'2', 0, "57 handleMode " + handler + "handleMode()", [](auto& t) { t.sm->handleMode(); }},
+    {'2', 0, "71 handleInitialized " + handler + "handleInitialized()",
+     [](auto& t) { t.sm->handleInitialized(); }},
+    {'8', 0, "84 handleTimerExpired " + handler + "handleTimerExpired()",
+     [](auto& t) { t.sm->handleTimerExpired(); }},
+    {'8', 0, "126 handleSwitchPort KestSliceDmaSm::handleSwitchPort ifName=et1",
+     [](auto& t) { t.config->switchPortNotify("et1"); }},
+    {'8', 0, "170 handleNativeVlan KestSliceDmaSm::handleNativeVlan ifName=et1",
+     [](auto& t) { t.config->nativeVlanNotify("et1"); }},
+};
 
-TEST_F(TraceTest, DeviceHandlerTracesAtLevel1AndAgainBeforeARegistration) {
-  traceOn("1");
-  config->deviceIs(device("fap0"));
-  EXPECT_THAT(
-      journal.taken(),
-      ElementsAre("trace KestSliceDma 1 KestSliceDmaSm:204 handleDevice void "
-                  "Hardware::Kest::Slice::KestSliceDmaSm::handleDevice(Mox::String) "
-                  "device: 'fap0'",
-                  "trace KestSliceDma 1 KestSliceDmaSm:211 handleDevice void "
-                  "Hardware::Kest::Slice::KestSliceDmaSm::handleDevice(Mox::String) "
-                  "device: 'fap0'",
-                  "kestDmaDeviceRename('fap0', '0000:05:00.0')", "kestDmaDeviceDown('fap0')",
-                  "kestDmaDeviceParam('fap0', 2, fapTypeArad, 11, 12, 13, 14, 15, 16, 17)",
-                  "status device fap0: registered", "status deviceState fap0: deviceStateUnknown"));
-  config->deviceDel("fap0");
-  EXPECT_THAT(journal.taken(),
-              ElementsAre("trace KestSliceDma 1 KestSliceDmaSm:204 handleDevice void "
-                          "Hardware::Kest::Slice::KestSliceDmaSm::handleDevice(Mox::String) "
-                          "device: 'fap0'",
-                          "status device fap0: none"));
-}
-
-TEST_F(TraceTest, DeviceStateHandlerTracesBothStatesEvenOfAnUnknownDevice) {
-  traceOn("1");
-  config->deviceStateIs("fap9", down);
-  EXPECT_THAT(journal.taken(),
-              ElementsAre("trace KestSliceDma 1 KestSliceDmaSm:236 handleDeviceState void "
-                          "Hardware::Kest::Slice::KestSliceDmaSm::handleDeviceState(Mox::String) "
-                          "device: 'fap9' state: deviceStateDown/deviceStateUnknown"));
-
-  traceOn("");
-  registerDevice("fap0", up);
-  traceOn("1");
-  config->deviceStateIs("fap0", down);
-  EXPECT_THAT(journal.taken(),
-              ElementsAre("trace KestSliceDma 1 KestSliceDmaSm:236 handleDeviceState void "
-                          "Hardware::Kest::Slice::KestSliceDmaSm::handleDeviceState(Mox::String) "
-                          "device: 'fap0' state: deviceStateDown/deviceStateUp",
-                          "kestDmaDeviceDown('fap0')", "status deviceState fap0: deviceStateDown"));
-}
-
-TEST_F(TraceTest, InitializationAndModeTraceAtLevel2) {
-  traceOn("2");
-  sm = kestSliceDmaSmFactory(config, status);
-  sm->modeIs(SmMode::smModePolling_);
-  EXPECT_THAT(journal.taken(),
-              ElementsAre("trace KestSliceDma 2 KestSliceDmaSm:71 handleInitialized "
-                          "void Hardware::Kest::Slice::KestSliceDmaSm::handleInitialized()",
-                          "trace KestSliceDma 2 KestSliceDmaSm:57 handleMode "
-                          "void Hardware::Kest::Slice::KestSliceDmaSm::handleMode()"));
-}
-
-TEST_F(TraceTest, PollTracesFirstAtLevel8) {
-  status->deviceStateIs("fap0", unknown);
-  journal.taken();
-  traceOn("8");
-  sm->handleTimerExpired();
-  EXPECT_THAT(journal.taken(), ElementsAre(handleTimerExpired, "kestDmaIsDeviceUp('fap0')"));
-}
-
-TEST_F(TraceTest, EachPointIsSilentAtAllOtherLevels) {
-  status->deviceStateIs("fap0", unknown);
+TEST_F(TraceTest, EachPointHasItsLevelItsTextAndItsPlaceBeforeWhatItTellsOf) {
   createPort("et1");
-  traceOn("0-7");
-  sm->handleTimerExpired();
-  config->nativeVlanNotify("et1");
-  EXPECT_THAT(journal.taken(),
-              ElementsAre("kestDmaIsDeviceUp('fap0')", "kestDmaNativeVlan('et1', false, 4096)"));
-  traceOn("02-9");
-  config->deviceNotify("fap9");
-  config->deviceStateNotify("fap9");
-  EXPECT_THAT(journal.taken(), IsEmpty());
-  traceOn("013-9");
-  sm->handleMode();
-  sm->handleInitialized();
-  EXPECT_THAT(journal.taken(), IsEmpty());
-  sm->configIs(nullptr);
-  config->switchPortDelAll();
-  sm->configIs(config);
-  traceOn("1-9");
-  sm->doVerify();
-  EXPECT_THAT(journal.taken(), IsEmpty());
+  registerDevice("fap0", up);
+  config->deviceStateIs("fap9", down);
+  for (Point const& point : points) {
+    std::string others = "0123456789";
+    others.erase(others.find(point.level), 1);
+    traceOn(others);
+    point.reach(*this);
+    EXPECT_THAT(journal.taken(), Not(Contains(lineOf(point))));
+    traceOn({point.level});
+    point.reach(*this);
+    EXPECT_EQ(journal.taken().at(point.at), lineOf(point));
+  }
+}
+
+TEST_F(TraceTest, ADeviceThatIsForgottenIsTracedOnce) {
+  traceOn("*");
+  config->deviceNotify("fap0");
+  EXPECT_THAT(journal.taken(), ElementsAre("trace KestSliceDma 1 KestSliceDmaSm:204 handleDevice " +
+                                           handler + "handleDevice(Mox::String) device: 'fap0'"));
 }
 
 // The message looks the wanted state up; for a device that is not registered nothing else does.

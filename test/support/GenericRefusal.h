@@ -62,4 +62,10 @@ inline std::unique_ptr<Mox::GenericIf> operate(Mox::GenericIf& on, Mox::Attribut
   return result;
 }
 
+/// How an operation is refused.
+inline GenericRefusal refused(Mox::GenericIf& on, Mox::AttributeOp const& op,
+                              Mox::GenericIf const* arg = nullptr) {
+  return genericRefusal([&] { operate(on, op, arg); });
+}
+
 }  // namespace Test
