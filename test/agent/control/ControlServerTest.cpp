@@ -1,42 +1,22 @@
 #include "agent/control/ControlServer.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <memory>
 
 #include "test/agent/support/Client.h"
-#include "test/agent/support/ScratchDirectory.h"
+#include "test/agent/support/DescriptorLimit.h"
 #include "test/agent/support/ServedAgent.h"
+#include "test/support/Files.h"
 
 namespace Kest::Agent {
 namespace {
 
-struct Scratch : ScratchDirectory {
-  using ScratchDirectory::directory;
-  void TestBody() override {}
-};
-
-/// The limit of open descriptors, as it was before again at the end.
-class DescriptorLimit {
- public:
-  DescriptorLimit() { getrlimit(RLIMIT_NOFILE, &before_); }
-  ~DescriptorLimit() { restore(); }
-  void restore() const { setrlimit(RLIMIT_NOFILE, &before_); }
-  bool is(rlim_t soft) const {
-    rlimit const wanted{soft, before_.rlim_max};
-    return setrlimit(RLIMIT_NOFILE, &wanted) == 0;
-  }
-
- private:
-  rlimit before_{};
-};
-
 class ControlServerTest : public ServedAgent {
  protected:
   ControlServerTest() {
-    chmod(scratch.directory.c_str(), 0711);
+    chmod(scratch.path().c_str(), 0711);
     served.apply = [this](std::string const&, Slice, std::function<void(Applied)> done) {
       applied.push_back(std::move(done));
     };
@@ -83,8 +63,8 @@ class ControlServerTest : public ServedAgent {
   static constexpr char const* setSlice =
       R"({"verb":"set","path":"config/sliceId","value":"Linecard2"})";
 
-  Scratch scratch;
-  std::string path = scratch.directory + "/agent.sock";
+  Support::TempFolder scratch;
+  std::string path = scratch.file("agent.sock");
   DescriptorLimit limit;
   ActivityLoop loop{nullptr};
   std::vector<std::function<void(Applied)>> applied;  // that wait
@@ -118,9 +98,7 @@ TEST_F(ControlServerTest, WithoutDescriptorsClientsAreTurnedAwayAndTheOthersServ
   Client kept(path);
   rounds(1);
   Client turnedAway(path);
-  int const free = dup(0);
-  close(free);
-  ASSERT_TRUE(limit.is(static_cast<rlim_t>(free)));
+  limit.isReached();
   rounds(1);
   EXPECT_TRUE(turnedAway.isEnded());
   EXPECT_EQ(turnedAway.received(), R"({"ok":false,"error":{"kind":"busy","message":)"

@@ -2,16 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <memory>
-#include <optional>
 #include <vector>
 
 #include "test/agent/support/Client.h"
+#include "test/agent/support/DescriptorLimit.h"
 #include "test/agent/support/ScratchDirectory.h"
 #include "test/support/UnixSocket.h"
 
@@ -195,35 +193,15 @@ TEST_F(ListenerTest, AGroupThatCannotBeIsRefusedAndLeavesNoSocket) {
   EXPECT_FALSE(fs::exists(path));
 }
 
-/// As few descriptors as are open now, until this goes.
-class NoMoreDescriptors {
- public:
-  NoMoreDescriptors() {
-    EXPECT_EQ(getrlimit(RLIMIT_NOFILE, &before_), 0);
-    int const free = dup(0);
-    close(free);
-    rlimit const none{static_cast<rlim_t>(free), before_.rlim_max};
-    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-  }
-  ~NoMoreDescriptors() { setrlimit(RLIMIT_NOFILE, &before_); }
-  NoMoreDescriptors(NoMoreDescriptors const&) = delete;
-  NoMoreDescriptors& operator=(NoMoreDescriptors const&) = delete;
-
- private:
-  rlimit before_{};
-};
-
 TEST_F(ListenerTest, WithoutDescriptorsWhoeverWaitsIsToldSoAndTurnedAway) {
   Listener listener(path, SocketAccess());
   Client turnedAway(path);
   Client alsoTurnedAway(path);
-  bool isOpen = true;
-  {
-    NoMoreDescriptors const none;
-    isOpen = listener.accept(turnedAwayWith).isOpen();
-    EXPECT_FALSE(listener.isStuck());
-  }
-  EXPECT_FALSE(isOpen);
+  DescriptorLimit const limit;
+  limit.isReached();
+  EXPECT_FALSE(listener.accept(turnedAwayWith).isOpen());
+  EXPECT_FALSE(listener.isStuck());
+  limit.restore();
   for (Client* const client : {&turnedAway, &alsoTurnedAway}) {
     EXPECT_TRUE(client->isEnded());
     EXPECT_EQ(client->received(), "full\n");
@@ -236,7 +214,8 @@ TEST_F(ListenerTest, ItTurnsAwayAFewAtATime) {
   Listener listener(path, SocketAccess());
   std::vector<Client> waiting;
   for (int i = 0; i < 20; ++i) waiting.emplace_back(path);
-  NoMoreDescriptors const none;
+  DescriptorLimit const limit;
+  limit.isReached();
   auto const ended = [&] {
     return std::count_if(waiting.begin(), waiting.end(),
                          [](Client& client) { return client.isEnded(); });
@@ -249,17 +228,12 @@ TEST_F(ListenerTest, ItTurnsAwayAFewAtATime) {
 
 TEST_F(ListenerTest, WithoutTheSpareDescriptorEitherItIsStuckAndNobodyIsLost) {
   Listener listener(path, SocketAccess());
-  std::optional<Client> waiting;
-  {
-    rlimit before{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
-    waiting.emplace(path);
-    rlimit const none{3, before.rlim_max};  // the spare one does not come back
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-    listener.accept(turnedAwayWith);
-    EXPECT_TRUE(listener.isStuck());
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
-  }
+  Client const waiting(path);
+  DescriptorLimit const limit;
+  ASSERT_TRUE(limit.is(3));  // the spare one does not come back
+  listener.accept(turnedAwayWith);
+  EXPECT_TRUE(listener.isStuck());
+  limit.restore();
   EXPECT_TRUE(listener.accept(turnedAwayWith).isOpen());
   EXPECT_FALSE(listener.isStuck());
 }
