@@ -4,7 +4,7 @@ option(KEST_TESTS "Build the tests" ON)
 option(KEST_BENCH "Build the benchmarks; needs what they are compared with" OFF)
 option(KEST_FUZZERS "Build the fuzzers; needs clang++, and fuzzer-no-link among KEST_SANITIZE" OFF)
 set(KEST_SANITIZE "" CACHE STRING "Sanitizers to build with, as in address,undefined")
-option(KEST_SANITIZE_AGENT "Instrument the agent and its client too, not only the libraries" ON)
+option(KEST_SANITIZE_LESS "Leave out checks that take long to compile and that another build has" OFF)
 option(KEST_COUNT_EDGES "Call what counts the edges that are run through: test/fuzz/Cost.cpp" OFF)
 option(KEST_COVERAGE "Count which regions of the sources run; needs clang++" OFF)
 option(KEST_PLAIN_PLATFORM "Build the library and its tests a second time, on test/plain-platform" OFF)
@@ -55,6 +55,8 @@ endif()
 # For folders whose instructions count: g++ otherwise inlines less where sources are joined, which costs
 # operations 10 to 27 % more of them.
 set(KEST_INLINED_AS_ALONE $<$<CXX_COMPILER_ID:GNU>:--param=large-unit-insns=200000>)
+# For the folders in which instrumented programs spend their time.
+set(KEST_HOT "")
 # For sources that are compiled quickly instead of well.
 set(KEST_NOT_OPTIMISED -O0 -U_FORTIFY_SOURCE)
 
@@ -67,15 +69,16 @@ if(KEST_COVERAGE)
 endif()
 
 if(KEST_SANITIZE)
-  # Less optimised: reports stay readable, and instrumented code compiles four times as fast. Fuzzers
-  # run longer than they compile.
-  if(KEST_FUZZERS)
-    add_compile_options(-O1 -g1)
-  else()
-    add_compile_options(-O0 -g1)
+  # Hardly optimised: reports stay readable, and instrumented code compiles in half the time.
+  add_compile_options(-O0 -g1)
+  if(KEST_COVERAGE)
+    set(KEST_HOT -O1)  # counting would make its tests twice as long
   endif()
   add_compile_options(-fsanitize=${KEST_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KEST_SANITIZE})
+  if(KEST_SANITIZE_LESS)
+    add_compile_options(-fno-sanitize=null,alignment,vptr)
+  endif()
   if(KEST_COUNT_EDGES)
     add_compile_options(-fsanitize-coverage=trace-pc)
   endif()
@@ -83,23 +86,3 @@ if(KEST_SANITIZE)
     add_compile_definitions(KEST_ADDRESS_SANITIZER)
   endif()
 endif()
-
-# For the folders of the agent and its client: leaves them without sanitizers, and quick to compile,
-# where only the libraries are to have them.
-macro(kest_agent_folder)
-  if(KEST_SANITIZE AND NOT KEST_SANITIZE_AGENT)
-    add_compile_options(-fno-sanitize=all ${KEST_NOT_OPTIMISED})
-    set(KEST_TEST_HEADERS "")  # they were compiled with other options
-  endif()
-endmacro()
-
-# kest_join_by_folder(TARGET): where sources are joined, joins those of one folder, so that only they share
-# names.
-function(kest_join_by_folder target)
-  get_target_property(sources ${target} SOURCES)
-  foreach(source ${sources})
-    get_filename_component(folder ${source} DIRECTORY)
-    set_source_files_properties(${source} PROPERTIES UNITY_GROUP "_${folder}")
-  endforeach()
-  set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
-endfunction()

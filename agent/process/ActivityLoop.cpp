@@ -17,9 +17,6 @@ namespace Kest::Agent {
 
 namespace {
 
-/// What a descriptor can be watched for, in the order in which the work runs.
-constexpr short readable = POLLIN;
-constexpr short writable = POLLOUT;
 /// What is told of it whatever it is watched for.
 constexpr short broken = POLLERR | POLLHUP | POLLNVAL;
 
@@ -79,19 +76,19 @@ ActivityLoop::~ActivityLoop() {
 }
 
 void ActivityLoop::fdIs(int fd, Work work) {
-  watches_.insert_or_assign({fd, readable}, Watch{shared(std::move(work)), ++additions_});
+  watches_.insert_or_assign({fd, POLLIN}, Watch{shared(std::move(work)), ++additions_});
 }
 
 void ActivityLoop::fdDel(int fd) {
-  watches_.erase({fd, readable});
+  watches_.erase({fd, POLLIN});
 }
 
 void ActivityLoop::fdWritableIs(int fd, Work work) {
-  watches_.insert_or_assign({fd, writable}, Watch{shared(std::move(work)), ++additions_});
+  watches_.insert_or_assign({fd, POLLOUT}, Watch{shared(std::move(work)), ++additions_});
 }
 
 void ActivityLoop::fdWritableDel(int fd) {
-  watches_.erase({fd, writable});
+  watches_.erase({fd, POLLOUT});
 }
 
 void ActivityLoop::signalIs(int number, Work work) {
@@ -138,7 +135,7 @@ void ActivityLoop::runOnce(Seconds timeout) {
   if (ready > 0) {
     if (waiting.front().revents != 0) takeSignals();
     for (auto at = waiting.begin() + 1; at != waiting.end(); ++at) {
-      for (short const event : std::initializer_list<short>{readable, writable}) {
+      for (short const event : std::initializer_list<short>{POLLIN, POLLOUT}) {
         if ((at->revents & (event | broken)) != 0) runWatch({at->fd, event}, before);
       }
     }
