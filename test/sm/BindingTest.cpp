@@ -114,6 +114,20 @@ TEST_F(BindingTest, NoConfigDropsTheReactorWhichForgetsTheMachine) {
   }
 }
 
+TEST_F(BindingTest, NothingAgainLeavesAReactorThatObservesNothing) {
+  auto const reactor = sm->configReactor();
+  reactor->notifierIs(nullptr);
+  sm->configIs(nullptr);
+  EXPECT_EQ(sm->configReactor(), reactor);
+  EXPECT_FALSE(reactor->moxMarkedForDeletion());
+
+  auto const timer = sm->stateTimerReactor();
+  timer->notifierIs(nullptr);
+  sm->stateTimerIs(nullptr);
+  EXPECT_EQ(sm->stateTimerReactor(), timer);
+  EXPECT_FALSE(timer->moxMarkedForDeletion());
+}
+
 TEST_F(BindingTest, DeletionReturnsWhatWasObservedOnce) {
   EXPECT_EQ(sm->configDel(), config);
   EXPECT_EQ(sm->configDel(), nullptr);
