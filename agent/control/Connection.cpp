@@ -22,7 +22,7 @@ using Wire::ErrorKind;
 
 constexpr std::size_t blockBytes = std::size_t{16} << 10;
 /// A client that has more than this to read is not served before it has read.
-constexpr std::size_t patience = std::size_t{64} << 10;
+constexpr std::size_t mostUnread = std::size_t{64} << 10;
 /// How long, and how many, requests are served in one turn: one that takes longer ends it.
 constexpr Seconds together = 0.0005;
 constexpr int mostTogether = 64;
@@ -109,7 +109,7 @@ void Connection::work() {
 }
 
 bool Connection::canTell() const {
-  return long_ && output_.unread() <= patience;
+  return long_ && output_.unread() <= mostUnread;
 }
 
 bool Connection::canSkip() const {
@@ -122,14 +122,14 @@ bool Connection::isLineTooLong() const {
 }
 
 bool Connection::canServe() const {
-  return !isEnded_ && !isServing_ && !closing_ && following_ == 0 && output_.unread() <= patience &&
-         (input_.hasLine() || isLineTooLong() || inputEnded_);
+  return !isEnded_ && !isServing_ && !closing_ && following_ == 0 &&
+         output_.unread() <= mostUnread && (input_.hasLine() || isLineTooLong() || inputEnded_);
 }
 
 bool Connection::wantsInput() const {
   if (inputEnded_ || closing_) return false;
   if (following_ > 0) return input_.isEmpty();
-  return !isServing_ && output_.unread() <= patience && !input_.hasLine() && !isLineTooLong();
+  return !isServing_ && output_.unread() <= mostUnread && !input_.hasLine() && !isLineTooLong();
 }
 
 void Connection::read() {

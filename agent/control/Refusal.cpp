@@ -15,17 +15,17 @@ using Wire::ErrorKind;
 
 /// The kind of error that the client is told when generic access refuses.
 ErrorKind kindOf(Mox::GenericAccessException const& refused) {
-  using Kind = Mox::GenericAccessException::Kind;
+  using Reason = Mox::GenericAccessException::Kind;
   switch (refused.kind()) {
-    case Kind::noSuchAttribute:
+    case Reason::noSuchAttribute:
       return ErrorKind::path;
-    case Kind::type:
-    case Kind::unknownArg:
+    case Reason::type:
+    case Reason::unknownArg:
       return ErrorKind::value;
-    case Kind::constInstance:
-    case Kind::badIndex:
-    case Kind::opNotSupported:
-    case Kind::notBound:
+    case Reason::constInstance:
+    case Reason::badIndex:
+    case Reason::opNotSupported:
+    case Reason::notBound:
       break;
   }
   return ErrorKind::refused;

@@ -24,14 +24,14 @@ struct Report {
   std::vector<Row> rows;
 };
 
-constexpr char const* nothing = "-";
+constexpr char const* dash = "-";
 
 Cell yesNo(bool yes) {
   return {yes ? "yes" : "no", yes ? Mark::good : Mark::bad};
 }
 
 std::string orNothing(std::string const& text) {
-  return text.empty() ? nothing : text;
+  return text.empty() ? dash : text;
 }
 
 Row portRow(Mox::String8 const& ifName, Config const& config, Status const& status) {
@@ -43,8 +43,8 @@ Row portRow(Mox::String8 const& ifName, Config const& config, Status const& stat
           {std::to_string(port.destId())},
           {port.macAddr().stringValue().charPtr()},
           yesNo(status.switchPort(ifName).created()),
-          {vlan ? valueText(vlan.value()) : nothing},
-          {mode ? valueText(mode.value()) : nothing}};
+          {vlan ? valueText(vlan.value()) : dash},
+          {mode ? valueText(mode.value()) : dash}};
 }
 
 Cell stateCell(DeviceState state, DeviceState wanted) {
@@ -54,7 +54,7 @@ Cell stateCell(DeviceState state, DeviceState wanted) {
 Row deviceRow(Mox::String8 const& devName, Config const& config, Status const& status) {
   Config::Device const device = config.device(devName);
   return {{nameText(devName)},
-          {device.pciHam() ? device.pciHam()->fullName().charPtr() : nothing},
+          {device.pciHam() ? device.pciHam()->fullName().charPtr() : dash},
           {valueText(device.fapType())},
           yesNo(status.device(devName).registered()),
           stateCell(status.deviceState(devName), config.deviceState(devName))};

@@ -65,7 +65,7 @@ void Dir::entityIs(Ptr<Entity> const& entity) {
 }
 
 Ptr<Entity> Dir::entityDel(Name const& name) {
-  Ptr<Entity> const gone = entity(name);
+  Ptr<Entity> gone = entity(name);
   if (gone) gone->parent_ = nullptr;
   members_.erase(name.string());
   return gone;

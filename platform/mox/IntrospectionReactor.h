@@ -51,7 +51,7 @@ class MOX_API IntrospectionReactor {
 
   // What there is.
 
-  bool hasNamespace(String8 const& fullName) const { return namespaces_.count(fullName) > 0; }
+  bool hasNamespace(String8 const& fullName) const { return namespaces_.contains(fullName); }
   /// In order of announcement.
   std::vector<MoxType const*> const& types() const noexcept { return types_; }
   /// Null when no type has that full name.

@@ -88,7 +88,7 @@ char readHexByte(Iterator& it, Iterator const& end) {
   int value = 0;
   for (int digits = 0; digits < 2; ++digits, ++it) {
     int const digit = it == end ? -1 : detail::hexValue(*it);
-    if (digit < 0) throwExpected("two hexadecimal digits behind \\x", it, end);
+    if (digit < 0) throwExpected("two hexadecimal digits after \\x", it, end);
     value = value * 16 + digit;
   }
   return static_cast<char>(value);
@@ -103,7 +103,7 @@ char readEscaped(Iterator& it, Iterator const& end) {
       return escape.character;
     }
   }
-  throwExpected("one of \\ ' n t r x behind a backslash", it, end);
+  throwExpected("one of \\ ' n t r x after a backslash", it, end);
 }
 
 template <class Number>

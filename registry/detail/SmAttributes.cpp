@@ -56,7 +56,7 @@ SmAttribute callWith(char const* name, Mox::AttributeId id, char const* argument
           .argumentType = Mox::TypeOf<Argument>::type(),
           .invoke = [](SmAttribute const& self, Sm& sm, GenericIf const* list) {
             Arguments const arguments(list, self.name, {&self.argument, 1});
-            Argument const value = arguments.value<Argument>(0);
+            auto const& value = arguments.value<Argument>(0);
             if constexpr (std::is_same_v<Argument, Mox::String>) needConfig(sm);
             (sm.*handler)(value);
           }};
