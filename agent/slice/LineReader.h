@@ -46,9 +46,9 @@ class LineReader {
     skipBlanks();
     Mox::String8::IteratorConst const start = at_;
     T value = read<T>();
-    Mox::String8::IteratorConst const behind = std::exchange(at_, start);
+    Mox::String8::IteratorConst const after = std::exchange(at_, start);
     check(value);
-    at_ = behind;
+    at_ = after;
     return value;
   }
 

@@ -91,7 +91,7 @@ TEST_F(AgentOnce, EndsWithTheNumberOfASignalThatComesBeforeItIsDone) {
     agent.signalIs(number);
     agent.outputUntil(std::string("ended by ") + name + "\n");
     EXPECT_EQ(agent.ended(), 128 + number);
-    EXPECT_EQ(agent.output(), "") << "something was applied behind the end";
+    EXPECT_EQ(agent.output(), "") << "something was applied after the end";
     EXPECT_EQ(agent.errors(), "");
   }
 }

@@ -34,7 +34,7 @@ std::vector<Case> textCases() {
       pieces("blanks", "", " "),
       pieces("digits", "", "1"),
       pieces("zeros", "", "0", "1"),
-      pieces("digits behind a point", "0.", "1"),
+      pieces("digits after a point", "0.", "1"),
       pieces("long string", "'", "x", "'"),
       pieces("many escapes", "'", "\\x41", "'"),
       pieces("unterminated string", "'", "x"),

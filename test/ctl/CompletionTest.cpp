@@ -23,7 +23,7 @@ class Completion : public KestctlRun {
     return outcome.out;
   }
 
-  /// What bash makes of a command line, with the cursor behind it.
+  /// What bash makes of a command line, with the cursor after it.
   std::string bash(std::string const& line, std::string const& result) {
     environment["PATH"] = std::string(KEST_CTL_FOLDER) + ":/usr/bin:/bin";
     std::string const script = std::string("source ") + KEST_CTL_COMPLETION +

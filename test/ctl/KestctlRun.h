@@ -23,7 +23,7 @@ class ScriptedAgent;
 class KestctlRun : public Agent::ScratchDirectory {
  protected:
   /// What an agent sends for one request: whole lines, or anything else. It ends the connection
-  /// behind the last reply that it has.
+  /// after the last reply that it has.
   using Replies = std::vector<std::string>;
 
   /// kestctl with these arguments.

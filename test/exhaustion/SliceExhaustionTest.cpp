@@ -98,7 +98,7 @@ TEST(SliceExhaustion, StatementsAreWrittenWhollyOrNotAtAll) {
 /// How far a process has come, as another one sees it.
 struct Progress {
   std::size_t at;     // the allocation that is failing
-  std::size_t clean;  // failures behind which nothing was left
+  std::size_t clean;  // failures that left nothing behind
 };
 
 constexpr int through = 0;

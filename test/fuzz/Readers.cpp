@@ -35,9 +35,9 @@ void walk(String8 const& text) {
   Fuzz::requireSame(met, text.view(), "a walk meets the string's bytes");
 }
 
-/// Reads one value of `T`; the reader's position afterwards goes to `behind`.
+/// Reads one value of `T`; the reader's position afterwards goes to `after`.
 template <class T>
-std::optional<T> readOne(String8 const& text, std::size_t& behind) {
+std::optional<T> readOne(String8 const& text, std::size_t& after) {
   Iterator it = text.begin();
   std::optional<T> value;
   try {
@@ -45,15 +45,15 @@ std::optional<T> readOne(String8 const& text, std::size_t& behind) {
   } catch (Mox::RangeException const& refused) {
     Fuzz::require(!refused.text().empty(), "a refusal says why");
   }
-  behind = it.pos();
-  Fuzz::require(behind <= text.bytes(), "a reader stays in its text", text.view());
+  after = it.pos();
+  Fuzz::require(after <= text.bytes(), "a reader stays in its text", text.view());
   return value;
 }
 
 template <class T>
 void readPrintRead(String8 const& text) {
-  std::size_t behind = 0;
-  auto const value = readOne<T>(text, behind);
+  std::size_t after = 0;
+  auto const value = readOne<T>(text, after);
   if (!value) return;
   using Mox::valueToStrep;
   String8 const form = valueToStrep(*value);
@@ -83,17 +83,17 @@ void readNumber(String8 const& text) {
   std::size_t const start = text.bytes() - digits.size();
   std::size_t length = 0;
   auto const expected = plainNumber<Unsigned>(digits, length);
-  std::size_t behind = 0;
-  auto const number = readOne<Unsigned>(text, behind);
+  std::size_t after = 0;
+  auto const number = readOne<Unsigned>(text, after);
   Fuzz::require(number.has_value() == expected.has_value(), "a number is taken if it fits",
                 text.view());
   if (number) Fuzz::require(*number == *expected, "a number is read in full", text.view());
-  Fuzz::require(behind == (number ? start + length : start), "a number is read up to its end");
+  Fuzz::require(after == (number ? start + length : start), "a number is read up to its end");
 }
 
 void readDouble(String8 const& text) {
-  std::size_t behind = 0;
-  auto const value = readOne<double>(text, behind);
+  std::size_t after = 0;
+  auto const value = readOne<double>(text, after);
   if (!value) return;
   String8 const form = Mox::valueToStrep(*value);
   std::size_t behindForm = 0;
@@ -135,13 +135,13 @@ std::optional<std::string> plainString(std::string_view& text) {
 void readString(String8 const& text) {
   std::string_view rest = withoutBlanks(text.view());
   auto const expected = plainString(rest);
-  std::size_t behind = 0;
-  auto const value = readOne<String8>(text, behind);
+  std::size_t after = 0;
+  auto const value = readOne<String8>(text, after);
   Fuzz::require(value.has_value() == expected.has_value(), "a string is taken if it is one",
                 text.view());
   if (!value) return;
   Fuzz::requireSame(value->view(), *expected, "a string is read with its escapes undone");
-  Fuzz::require(behind == text.bytes() - rest.size(), "a string is read up to its end");
+  Fuzz::require(after == text.bytes() - rest.size(), "a string is read up to its end");
   readPrintRead<String8>(text);
 }
 
@@ -171,11 +171,11 @@ void readAddress(String8 const& text) {
 
 template <class T>
 void readReference(String8 const& text) {
-  std::size_t behind = 0;
-  auto const reference = readOne<Mox::Ptr<T>>(text, behind);
+  std::size_t after = 0;
+  auto const reference = readOne<Mox::Ptr<T>>(text, after);
   if (!reference) return;
   String8 const form = Mox::valueToStrepOfRawPtr(reference->ptr(), T::_fwkType());
-  auto const again = readOne<Mox::Ptr<T>>(form, behind);
+  auto const again = readOne<Mox::Ptr<T>>(form, after);
   Fuzz::require(again && *again == *reference, "a reference is read as it was printed",
                 form.view());
 }

@@ -72,7 +72,7 @@ TEST(DeviceState, AReadNameThatIsNoneIsRefusedAsAWhole) {
   EXPECT_EQ(it.pos(), 2U);
 }
 
-TEST(DeviceState, ReadingInASequenceStopsBehindTheValue) {
+TEST(DeviceState, ReadingInASequenceStopsAfterTheValue) {
   Mox::String8 const text(" 'deviceStateUp' 'deviceStateDown'");
   Mox::String8::IteratorConst it = text.begin();
   EXPECT_EQ(sequenceToValue(it, text.end(), static_cast<DeviceState*>(nullptr)),

@@ -75,7 +75,7 @@ std::vector<std::size_t> consecutive(std::size_t first, std::size_t count) {
   return slots;
 }
 
-/// The destructor takes the two slots behind `fwkType`.
+/// The destructor takes the two slots after `fwkType`.
 std::vector<std::size_t> const inherited{0, 1, 2, 3, 4, 7, 8, 9, 10, 11, 12, 13};
 
 TEST(HandlerSlots, OfAConfigurationsObserverFollowTheFrameworks) {

@@ -71,13 +71,13 @@ TEST(RecordParse, BlanksAreToleratedBetweenTheTokens) {
   EXPECT_EQ(read<StatusSwitchPort>(narrow), created);
 }
 
-TEST(RecordParse, ReadingInASequenceStopsBehindTheValue) {
+TEST(RecordParse, ReadingInASequenceStopsAfterTheValue) {
   std::string const one = around<StatusDevice>("'devName': 'fap0'");
   std::string const other = around<StatusDevice>("'devName': 'fap1'");
   Mox::String8 const both(one + " " + other);
   Mox::String8::IteratorConst it = both.begin();
   EXPECT_EQ(StatusDevice(it, both.end()).devName(), "fap0");
-  EXPECT_EQ(it.pos(), one.size() + 1);  // the blanks behind a value belong to it
+  EXPECT_EQ(it.pos(), one.size() + 1);  // the blanks after a value belong to it
   EXPECT_EQ(StatusDevice(it, both.end()).devName(), "fap1");
   EXPECT_EQ(it, both.end());
 }
@@ -182,7 +182,7 @@ TEST(RecordRefusal, OfAValueNamesItsField) {
       fields<ConfigSwitchPort>("'ifName': et3",
                                "ifName: expected a string in apostrophes, found 'e'"),
       fields<ConfigSwitchPort>("'devName': 'fap\\q'",
-                               "devName: expected one of \\ ' n t r x behind a backslash, "
+                               "devName: expected one of \\ ' n t r x after a backslash, "
                                "found 'q'"),
       fields<ConfigSwitchPort>("'destId': -1", "destId: expected a decimal number, found '-'"),
       fields<ConfigSwitchPort>("'shadowIntfId': +1",

@@ -108,7 +108,7 @@ TEST_F(HashMapTest, AnEntryMayBeReplacedByOneThatOnlyItHolds) {
 }
 
 TEST_F(HashMapTest, ClearsAlsoWhatGoingEntriesBringIn) {
-  ASSERT_LT(String8("et3").hash(), String8("lesuso").hash());  // brought in behind the clearing
+  ASSERT_LT(String8("et3").hash(), String8("lesuso").hash());  // brought in after the clearing
   insert("lesuso")->whenGone = [this] { insert("et3"); };
   map.clear();
   EXPECT_EQ(map.count(), 0U);

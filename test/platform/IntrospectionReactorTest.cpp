@@ -26,7 +26,7 @@ class IntrospectionReactorTest : public testing::Test {
  protected:
   IntrospectionReactorTest() { reactor.onNamespace("Toy"); }
 
-  /// Announces the box with what it inherits, and behind it the spot with its fields.
+  /// Announces the box with what it inherits, and after it the spot with its fields.
   void announceBoxAndSpot() {
     reactor.onType(box);
     reactor.onInheritedAttributes(box, *Mox::Entity::_fwkType());

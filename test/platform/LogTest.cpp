@@ -146,7 +146,7 @@ TEST_F(LogTest, TheDefaultSinkWritesToATerminalAsWell) {
   close(programSide);
   std::string seen;
   char byte;
-  while (read(terminal, &byte, 1) == 1) seen += byte;  // fails behind the last
+  while (read(terminal, &byte, 1) == 1) seen += byte;  // fails after the last
   close(terminal);
   EXPECT_EQ(seen, "TEST_MESSAGE: a\r\n");
   EXPECT_THAT(systemLog, ElementsAre(Pair(LOG_ERR, "TEST_MESSAGE: a")));

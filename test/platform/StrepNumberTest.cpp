@@ -69,7 +69,7 @@ TEST(StrepDouble, ReadsOtherFormsOfANumber) {
   EXPECT_EQ(read<double>("-2e-1"), -0.2);
 }
 
-TEST(StrepDouble, LeavesTheIteratorBehindTheNumber) {
+TEST(StrepDouble, LeavesTheIteratorAfterTheNumber) {
   String8 const text("1.5e2e3");
   String8::IteratorConst it = text.begin();
   EXPECT_EQ(sequenceToValue(it, text.end(), static_cast<double*>(nullptr)), 150.0);

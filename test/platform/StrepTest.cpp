@@ -117,11 +117,11 @@ TEST(StrepTest, RefusesWhatIsNoString) {
       {"\"et3\"", "expected a string in apostrophes, found '\"'", 0},
       {"\x01", "expected a string in apostrophes, found character 0x01", 0},
       {"'et3", "expected the string's closing apostrophe, found the end of the text", 4},
-      {R"('a\q')", R"(expected one of \ ' n t r x behind a backslash, found 'q')", 3},
-      {R"('a\)", R"(expected one of \ ' n t r x behind a backslash, found the end of the text)", 3},
-      {R"('\x4')", R"(expected two hexadecimal digits behind \x, found ''')", 4},
-      {R"('\xg1')", R"(expected two hexadecimal digits behind \x, found 'g')", 3},
-      {R"('\x4)", R"(expected two hexadecimal digits behind \x, found the end of the text)", 4},
+      {R"('a\q')", R"(expected one of \ ' n t r x after a backslash, found 'q')", 3},
+      {R"('a\)", R"(expected one of \ ' n t r x after a backslash, found the end of the text)", 3},
+      {R"('\x4')", R"(expected two hexadecimal digits after \x, found ''')", 4},
+      {R"('\xg1')", R"(expected two hexadecimal digits after \x, found 'g')", 3},
+      {R"('\x4)", R"(expected two hexadecimal digits after \x, found the end of the text)", 4},
   };
   expectRefused<String8>(table);
 }

@@ -169,8 +169,8 @@ TYPED_TEST(RecordAccessTest, EverythingElseIsLeftToTheFramework) {
     EXPECT_EQ(refused(*this->generic, {wholeAttributeId, Code(code)}, this->constant.get()),
               opNotSupported(this->typeName, code));
   }
-  auto const behind = static_cast<Mox::AttributeId>(2 + fieldsOf(*this->generic).size());
-  for (Mox::AttributeId const id : {Mox::AttributeId{1}, behind, Mox::AttributeId{258}}) {
+  auto const after = static_cast<Mox::AttributeId>(2 + fieldsOf(*this->generic).size());
+  for (Mox::AttributeId const id : {Mox::AttributeId{1}, after, Mox::AttributeId{258}}) {
     EXPECT_EQ(refused(*this->generic, {id, Code::read}),
               noSuchAttribute(this->typeName, std::to_string(id)));
     EXPECT_EQ(refused(*this->generic, {id, Code::store}),

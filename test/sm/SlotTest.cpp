@@ -36,7 +36,7 @@ TEST(SlotTest, MachinesOperationsFollowTheObjectBases) {
   EXPECT_EQ(slot(&Sm::moxDoZombieReactors), 7U);
 }
 
-TEST(SlotTest, ConfigurationReactorsOwnOperationIsBehindTheHandlers) {
+TEST(SlotTest, ConfigurationReactorsOwnOperationFollowsTheHandlers) {
   EXPECT_EQ(slot(&ConfigReactor::hasNotificationActiveIs), 0U);
   EXPECT_EQ(slot(&ConfigReactor::notifierIs), 9U);
   EXPECT_EQ(slot(&ConfigReactor::onSliceId), 14U);
@@ -53,7 +53,7 @@ TEST(SlotTest, ConfigurationReactorsOwnOperationIsBehindTheHandlers) {
   EXPECT_EQ(slot(&ConfigReactor::moxDoZombieReactors), 30U);
 }
 
-TEST(SlotTest, TimersOwnOperationIsBehindTheClockObservers) {
+TEST(SlotTest, TimersOwnOperationFollowsTheClockObservers) {
   EXPECT_EQ(slot(&TimerReactor::hasNotificationActiveIs), 0U);
   EXPECT_EQ(slot(&TimerReactor::notifierIs), 9U);
   EXPECT_EQ(slot(&TimerReactor::onTime), 14U);

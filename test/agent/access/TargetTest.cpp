@@ -82,7 +82,7 @@ TEST_F(PathTo, TheEmptyKeyIsAKeyToo) {
   EXPECT_EQ(at("config/nativeVlan/"), "nativeVlan[] = 7");
 }
 
-TEST_F(PathTo, AFieldFollowsBehindAColonUnlessAKeyEndsAlike) {
+TEST_F(PathTo, AFieldFollowsAfterAColonUnlessAKeyEndsAlike) {
   EXPECT_EQ(at("config/switchPort/et3/2:destId"), "switchPort[et3/2]:destId = 2");
   EXPECT_EQ(at("status/device/fap0:registered"), "device[fap0]:registered = True");
   EXPECT_EQ(at("config/device/fap0:numFaps"), "device[fap0]:numFaps = 1");

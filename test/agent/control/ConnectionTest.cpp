@@ -79,7 +79,7 @@ TEST_F(ConnectionTest, WhoMayChangeIsServedFirst) {
 TEST_F(ConnectionTest, AReplyThatComesLaterKeepsTheOrderAndHoldsNobodyElseUp) {
   Pair waiting = connected();
   Pair other = connected();
-  waiting.client.send("{\"verb\":\"later\",\"id\":7}\n" + echo("behind"));
+  waiting.client.send("{\"verb\":\"later\",\"id\":7}\n" + echo("after"));
   other.client.send(echo("other"));
   rounds(5);
   EXPECT_EQ(waiting.client.received(), "");
@@ -88,7 +88,7 @@ TEST_F(ConnectionTest, AReplyThatComesLaterKeepsTheOrderAndHoldsNobodyElseUp) {
   replies[0]("at last");
   rounds(1);
   EXPECT_EQ(waiting.client.received(),
-            "{\"ok\":true,\"result\":\"at last\",\"id\":7}\n" + echoed("behind"));
+            "{\"ok\":true,\"result\":\"at last\",\"id\":7}\n" + echoed("after"));
 }
 
 TEST_F(ConnectionTest, NothingIsReadWhileARequestIsUnanswered) {

@@ -241,7 +241,7 @@ TEST_F(ActivityLoopTest, WorkThatIsPutOffLetsWhatIsReadyThenGoFirst) {
   EXPECT_THAT(events, ElementsAre("a", "b", "later"));
 }
 
-TEST_F(ActivityLoopTest, StopEndsTheRunBehindItsRound) {
+TEST_F(ActivityLoopTest, StopEndsTheRunAfterItsRound) {
   Pipe a;
   Pipe b;
   loop.fdIs(a.reader(), [&] {

@@ -12,7 +12,7 @@
 #include "test/agent/support/SliceTexts.h"
 #include "test/model/Recorder.h"
 
-/// The machine's pause behind every port passes at once.
+/// The machine's pause after every port passes at once.
 extern "C" __attribute__((visibility("default"))) int usleep(useconds_t) {
   return 0;
 }

@@ -31,7 +31,7 @@ ErrorRow const fileErrors[] = {
     {"SliceIdUnclosed", "sliceId 'Linecard1", "1:19",
      "expected the string's closing apostrophe, found the end of the text"},
     {"SliceIdBadEscape", R"(sliceId 'a\qb')", "1:12",
-     R"(expected one of \ ' n t r x behind a backslash, found 'q')"},
+     R"(expected one of \ ' n t r x after a backslash, found 'q')"},
     {"SliceIdTwoValues", "sliceId 'a' 'b'", "1:13", "expected the end of the line, found ''b''"},
     {"SliceIdTwice", R"(sliceId 'a'
 sliceId 'a')",

@@ -103,7 +103,7 @@ ValidRow const validFiles[] = {
     {"NoBlanks",
      "nativeVlan'et1'1#x\ndeviceState'fap0''deviceStateUp'",
      {"nativeVlan 'et1' 1", fap0Up}},
-    {"CommentBehindARecord", et1 + "# x", {et1}},
+    {"CommentAfterARecord", et1 + "# x", {et1}},
     {"PortsOfOneNameInEveryCollection",
      "switchportMode 'et1' 'switchportModeTrunk'\nnativeVlan 'et1' 1\n" + et1,
      {et1, "nativeVlan 'et1' 1", "switchportMode 'et1' 'switchportModeTrunk'"}},

@@ -70,7 +70,7 @@ ValidJsonRow const validRows[] = {
      R"({"device": {"fap0": {"devName": "fap0", "pciHam": null}},
          "deviceState": {"fap0": "deviceStateDown"}})",
      "device " DEVICE "{'devName': 'fap0'})\ndeviceState 'fap0' 'deviceStateDown'"},
-    {"HandlesAndStatesBehindTheirDevices",
+    {"HandlesAndStatesAfterTheirDevices",
      R"({"deviceState": {"fap0": "deviceStateUp"},
          "device": {"fap0": {"pciHam": "/a"}},
          "pciHam": ["/a"]})",

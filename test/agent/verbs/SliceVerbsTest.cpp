@@ -46,7 +46,7 @@ class SliceVerbs : public ServedAgent {
   std::string reply;  // that came later
 };
 
-TEST_F(SliceVerbs, DiffTakesWhatDumpWritesAsBytesBehindTheRequest) {
+TEST_F(SliceVerbs, DiffTakesWhatDumpWritesAsBytesAfterTheRequest) {
   for (std::string const format : {"slice", "json"}) {
     std::string const content = dump(format);
     Json const request{{"verb", "diff"}, {"file", "x." + format}, {"bytes", content.size()}};

@@ -84,7 +84,7 @@ char readHexByte(Iterator& it, Iterator const& end) {
   for (int digit = 0; digit < 2; ++digit, ++it) {
     char const c = it == end ? ' ' : *it;
     std::size_t const value = hexDigits.find(c >= 'A' && c <= 'F' ? static_cast<char>(c + 32) : c);
-    if (value == std::string::npos) refuse("two hexadecimal digits behind \\x", it, end);
+    if (value == std::string::npos) refuse("two hexadecimal digits after \\x", it, end);
     byte = byte * 16 + static_cast<int>(value);
   }
   return static_cast<char>(byte);
@@ -95,7 +95,7 @@ char readEscaped(Iterator& it, Iterator const& end) {
   for (auto const& [character, letter] : escapes) {
     if (takes(it, end, {&letter, 1})) return character;
   }
-  refuse("one of \\ ' n t r x behind a backslash", it, end);
+  refuse("one of \\ ' n t r x after a backslash", it, end);
 }
 
 }  // namespace
