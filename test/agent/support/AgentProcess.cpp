@@ -47,6 +47,7 @@ void AgentProcess::Start::become() const {
     char const* const value = std::getenv(name);
     if (value != nullptr) variables.push_back(std::string(name) + "=" + value);
   }
+  close_range(STDERR_FILENO + 1, ~0U, 0);  // what the tests' own parent left open counts too
   rlimit const limit{mostDescriptors, mostDescriptors};
   bool const isReady = (mostDescriptors == 0 || setrlimit(RLIMIT_NOFILE, &limit) == 0) &&
                        chdir(directory.c_str()) == 0;
