@@ -59,6 +59,8 @@ set(KEST_INLINED_AS_ALONE $<$<CXX_COMPILER_ID:GNU>:--param=large-unit-insns=2000
 set(KEST_HOT "")
 # For sources that are compiled quickly instead of well.
 set(KEST_NOT_OPTIMISED -O0 -U_FORTIFY_SOURCE)
+# For programs that run long beside what is measured, but are not measured themselves.
+set(KEST_LITTLE_OPTIMISED $<$<CONFIG:Release>:-O1>)
 
 if(KEST_COVERAGE)
   # A process counts in a file that it maps, one for each program and library (%m), so that counts outlive
