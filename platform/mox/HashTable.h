@@ -41,7 +41,7 @@ class MOX_API HashMapEntry : public PtrInterface {
 /// balanced tree, where they stay until the map is empty again. Chance does not lead there.
 class MOX_API HashTable {
  public:
-  static constexpr std::size_t mostMoved = 256;
+  static constexpr std::size_t mostMoved = 128;
 
   HashTable() = default;
   HashTable(HashTable const&) = delete;

@@ -9,6 +9,7 @@
 
 #include "driver/sim/SimDriver.h"
 #include "test/driver/SimFixture.h"
+#include "test/support/Effort.h"
 
 namespace Hardware::Kest::Sim {
 namespace {
@@ -207,8 +208,8 @@ class RandomRun {
 };
 
 TEST(SimDriverRandom, StaysTheSameAsAPlainModel) {
-  for (std::uint64_t seed = 1; seed <= 10; ++seed) {
-    RandomRun run(seed);
+  for (int seed = 1; seed <= effort(10); ++seed) {
+    RandomRun run(static_cast<std::uint64_t>(seed));
     for (int step = 0; step < 2000; ++step) {
       run.step();
       run.expectSameState();

@@ -8,6 +8,7 @@
 
 #include "platform/mox/RangeException.h"
 #include "test/driver/StateFixture.h"
+#include "test/support/Effort.h"
 
 namespace Hardware::Kest::Sim {
 namespace {
@@ -221,7 +222,7 @@ TEST(StateText, IsReadOrRefusedWhateverItIs) {
   std::mt19937_64 random(1);
   auto const below = [&](std::size_t bound) { return static_cast<std::size_t>(random() % bound); };
   int read = 0;
-  for (int run = 0; run < 5000; ++run) {
+  for (int run = 0; run < effort(5000); ++run) {
     std::string text = richText;
     for (auto changes = 1 + below(3); changes > 0; --changes) {
       constexpr std::string_view bytes = "\"{}[],:%0129-.e\\/ \n\0\xc3\xff"sv;
@@ -235,7 +236,7 @@ TEST(StateText, IsReadOrRefusedWhateverItIs) {
       EXPECT_EQ(exception.text().view().substr(0, 9), "my.state:") << text;
     }
   }
-  EXPECT_GT(read, 100);
+  EXPECT_GT(read, effort(100));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "test/model/AnyNotifiee.h"
 #include "test/model/PlainRun.h"
 #include "test/model/TypedSuites.h"
+#include "test/support/Effort.h"
 
 /// A long random run of both entities, whose observers read, write, throw, join, leave, move and
 /// end inside notifications, against a plain model that predicts every notification.
@@ -181,7 +182,7 @@ class RandomRun : public testing::Test {};
 TYPED_TEST_SUITE(RandomRun, BothEntities, EntityNames);
 
 TYPED_TEST(RandomRun, GoesAsThePlainModelPredicts) {
-  constexpr std::uint64_t changes = 50000;
+  constexpr std::uint64_t changes = effort(50000);
   constexpr unsigned stepsBetweenLooks = 50;
   std::mt19937_64 random(2203);
   RealRun<TypeParam> real;

@@ -43,7 +43,7 @@ TEST(Escapes, GiveAllBytesOneFormInJson) {
     EXPECT_STREQ(form.c_str(), row.form);
     EXPECT_EQ(percentDecoded(form), row.bytes);
   }
-  for (char const* text : {"%", "%4", "%4g", "%G1", "%ff", "a%"}) {
+  for (char const* text : {"%", "%4", "%4g", "%4/", "%:1", "%G1", "%ff", "a%"}) {
     EXPECT_EQ(percentDecoded(text), text) << "no escape";
   }
 }
