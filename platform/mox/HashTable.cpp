@@ -33,11 +33,14 @@ void HashTable::insert(Ptr<HashMapEntry> entry) {
   }
   if (slots_.empty() || 2 * count_ >= homesOf(shift_)) grow();
   String8 const& key = entry->key();
-  if (Slot const* const same = slotOf(key)) {
-    std::swap(slots_[indexOf(same)].entry, entry);
-    return;
-  }
   std::size_t const slot = indexOf(slotAfter(key));
+  if (slot > 0) {
+    Slot& before = slots_[slot - 1];
+    if (before.hash == key.hash() && before.entry->key() == key) {
+      std::swap(before.entry, entry);
+      return;
+    }
+  }
   std::size_t end = slot;
   while (slots_[end].entry) ++end;
   if (end - home(key.hash()) >= mostMoved) {
