@@ -13,7 +13,7 @@
 
 namespace Kest::Agent {
 
-/// What a descriptor leads to, which says how to write without blocking.
+/// Where a descriptor leads. That decides how to write to it without blocking.
 enum class OutputKind {
   file,    // never blocks
   socket,  // may be told not to block

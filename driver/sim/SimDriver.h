@@ -81,7 +81,7 @@ class KEST_SIM_API SimDriver {
   /// A device changes its state by itself. 19: there is no such device.
   int deviceFlip(Mox::String8 const& devName);
 
-  // What outlives the process.
+  // The state that outlives the process.
 
   /// Interfaces and devices become those of the file, unless it is missing or empty; from then on
   /// every change of them is in the file before the call that made it returns (`StateFile`). Faults

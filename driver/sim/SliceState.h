@@ -9,7 +9,7 @@
 
 namespace Hardware::Kest::Sim {
 
-/// What outlives the process: the interfaces and devices that the operations have made.
+/// The state that outlives the process: the interfaces and devices that the operations have made.
 struct SliceState {
   Interfaces interfaces;
   Devices devices;

@@ -31,7 +31,7 @@ void appendStrep(std::string& text, Mox::Ptr<T> const& value) {
   text.append(Mox::valueToStrepOfRawPtr(value.ptr(), T::_fwkType()).view());
 }
 
-/// What stands in front of the value of each field, in order.
+/// The text before each field's value, such as `, 'destId': `, in field order.
 template <class Record>
 std::vector<std::string> leads() {
   std::vector<std::string> all;

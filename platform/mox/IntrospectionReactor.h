@@ -60,7 +60,7 @@ class MOX_API IntrospectionReactor {
  private:
   /// Refuses a name that is empty or has no scope that is there.
   void checkScope(String8 const& fullName) const;
-  /// What is registered of a type; refused for a type that is not in this registry.
+  /// The registered description of a type. Refuses a type that is not in this registry.
   TypeNode& nodeOf(MoxType const& type);
 
   std::set<String8> namespaces_;

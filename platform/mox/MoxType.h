@@ -28,7 +28,7 @@ class MOX_API MoxType {
     untyped,      // a pointer to anything
   };
 
-  /// Of counted objects.
+  /// The type of a counted object.
   explicit MoxType(String8 fullName) noexcept : MoxType(std::move(fullName), Kind::object) {}
   MoxType(String8 fullName, Kind kind) noexcept : fullName_(std::move(fullName)), kind_(kind) {}
   MoxType(MoxType const&) = delete;

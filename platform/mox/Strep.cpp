@@ -28,7 +28,7 @@ bool isControl(char c) {
   return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
 }
 
-/// What is left to read.
+/// The text that is left to read.
 std::string_view rest(Iterator const& it, Iterator const& end) {
   return {&*it, end.pos() - it.pos()};
 }

@@ -76,7 +76,7 @@ std::unique_ptr<GenericIf> unbound(Mox::Ptr<T> const& bound, Unbind const& unbin
   return adapter;
 }
 
-/// What `get` returns can be read.
+/// An attribute that can be read; `get` returns its value.
 template <auto get>
 SmAttribute readable(char const* name, Mox::AttributeId id, Mox::AttributeFlags flags = 0) {
   using Value = std::decay_t<std::invoke_result_t<decltype(get), Sm const&>>;

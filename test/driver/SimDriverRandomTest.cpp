@@ -168,7 +168,7 @@ class RandomRun {
     EXPECT_EQ(plain(sim_.devices()), plain_.devices);
   }
 
-  /// What the next process has of the state file.
+  /// The next process finds the same slice in the state file.
   void expectSameAfterRestart() {
     SimDriver next;
     next.stateFileIs(folder_.file("state"));

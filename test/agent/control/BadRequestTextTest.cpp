@@ -28,8 +28,7 @@ std::string const noObject = "expected a JSON object; at byte ";
 std::string const inValue = ": syntax error while parsing value - ";
 std::string const lastRead = "; last read: '";
 
-/// What the parser calls the mistakes of JSON is its affair: here are those that it tells in
-/// different ways.
+/// The parser words its own messages. There is one row for each kind of message that it has.
 Row const rows[] = {
     {"", "expected a JSON object, found nothing"},
     {" ", "expected a JSON object, found nothing"},

@@ -76,7 +76,7 @@ TEST_F(BadValue, IsForbiddenByARule) {
   });
 }
 
-/// What is refused in which file is told where files are read.
+/// The tests of the file readers say which files are refused, and why.
 TEST_F(BadValue, IsReportedWholeWhereAFileHoldsIt) {
   std::string const report =
       "file: x.slice:1:18: expected a VLAN id from 1 to 4094, or 0 for none, found 4095\n"

@@ -66,7 +66,7 @@ Ptr<Dir> root() {
 
 namespace {
 
-/// What stands between the slashes: an absolute path begins with an empty step.
+/// Splits a path at its slashes. The first step of an absolute path is empty.
 std::vector<Name> stepsOf(std::string const& path) {
   std::vector<Name> all;
   std::istringstream steps(path);

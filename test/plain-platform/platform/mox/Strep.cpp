@@ -50,7 +50,7 @@ bool takes(Iterator& it, Iterator const& end, std::string_view word) {
   return true;
 }
 
-/// What may be a number: up to the next character that ends one.
+/// The characters up to the next one that ends a number.
 std::string numberAt(Iterator it, Iterator const& end) {
   std::string number;
   for (; !(it == end) && std::string_view(" \t\n\r,:)]}").find(*it) == std::string::npos; ++it) {
